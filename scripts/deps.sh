@@ -1,0 +1,21 @@
+# Installs the Debian packages the build needs, skipping those already present.
+# Sourced by the other scripts: `quillon_deps PACKAGE...`.
+quillon_deps() {
+    local missing=()
+    for pkg in "$@"; do
+        dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed" || missing+=("$pkg")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing: ${missing[*]}"
+    local sudo=""
+    [ "$(id -u)" -ne 0 ] && sudo="sudo"
+    $sudo apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
+}
+
+# What every build needs: compiler, CMake, the test and benchmark libraries.
+QUILLON_BUILD_PACKAGES=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev)
+# The fuzz build: clang with libFuzzer and the sanitizer runtimes.
+QUILLON_FUZZ_PACKAGES=(clang libclang-rt-dev)
+# The windows: Qt 6 Widgets, Network and Test, and an X server for screenshots.
+QUILLON_UI_PACKAGES=(qt6-base-dev xvfb xauth)

@@ -1,0 +1,172 @@
+#include "core/file_io.h"
+
+#include <quillon/errors.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <system_error>
+
+#if __has_include(<unistd.h>)
+#include <fcntl.h>
+#include <unistd.h>
+#define QUILLON_HAVE_FSYNC 1
+#endif
+
+namespace quillon::io {
+namespace {
+
+WriteHook& Hook() {
+    static WriteHook hook;
+    return hook;
+}
+
+void CheckHook(const std::filesystem::path& path) {
+    if (Hook() && !Hook()(path)) ThrowFileError(path, "write", EIO);
+}
+
+struct FileCloser {
+    void operator()(std::FILE* f) const { std::fclose(f); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+File Open(const std::filesystem::path& path, const char* mode, std::string_view action) {
+    std::error_code ec;
+    if (std::filesystem::is_directory(path, ec)) ThrowFileError(path, action, EISDIR);
+    errno = 0;
+    File f(std::fopen(path.c_str(), mode));
+    if (!f) ThrowFileError(path, action, errno ? errno : ENOENT);
+    return f;
+}
+
+// Pushes the stream's data to the disk itself, not only to the system.
+void Sync(std::FILE* f, const std::filesystem::path& path) {
+    if (std::fflush(f) != 0) ThrowFileError(path, "write", errno);
+#ifdef QUILLON_HAVE_FSYNC
+    if (::fsync(::fileno(f)) != 0 && errno != EINVAL) ThrowFileError(path, "write", errno);
+#endif
+}
+
+void SyncFolder([[maybe_unused]] const std::filesystem::path& folder) {
+#ifdef QUILLON_HAVE_FSYNC
+    int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+#endif
+}
+
+void Seek(std::FILE* f, std::uint64_t offset, const std::filesystem::path& path, std::string_view action) {
+    if (offset > static_cast<std::uint64_t>(INT64_MAX) ||
+        std::fseek(f, static_cast<long>(offset), SEEK_SET) != 0)
+        ThrowFileError(path, action, errno ? errno : EINVAL);
+}
+
+}  // namespace
+
+void SetWriteHook(WriteHook hook) { Hook() = std::move(hook); }
+
+void ThrowFileError(const std::filesystem::path& path, std::string_view action, int err) {
+    throw FileError("Cannot " + std::string(action) + " '" + path.string() + "': " +
+                    std::generic_category().message(err));
+}
+
+bool IsWriteProtected(const std::filesystem::path& path) {
+    std::error_code ec;
+    auto st = std::filesystem::status(path, ec);
+    if (ec || !std::filesystem::is_regular_file(st)) return false;
+    using std::filesystem::perms;
+    return (st.permissions() & (perms::owner_write | perms::group_write | perms::others_write)) == perms::none;
+}
+
+std::uint64_t FileSize(const std::filesystem::path& path) { return InputFile(path).Size(); }
+
+std::string ReadAt(const std::filesystem::path& path, std::uint64_t offset, std::size_t count) {
+    InputFile f(path);
+    if (offset >= f.Size()) return {};
+    std::string out(static_cast<std::size_t>(std::min<std::uint64_t>(count, f.Size() - offset)), '\0');
+    out.resize(f.Read(offset, out.data(), out.size()));
+    return out;
+}
+
+std::string ReadAll(const std::filesystem::path& path) {
+    File f = Open(path, "rb", "open");
+    std::string out;
+    char buf[65536];
+    std::size_t got;
+    while ((got = std::fread(buf, 1, sizeof buf, f.get())) > 0) out.append(buf, got);
+    if (std::ferror(f.get())) ThrowFileError(path, "read", errno);
+    return out;
+}
+
+void WriteAt(const std::filesystem::path& path, std::uint64_t offset, std::string_view bytes) {
+    if (IsWriteProtected(path)) ThrowFileError(path, "write", EACCES);
+    File f = Open(path, "r+b", "open for writing");
+    if (bytes.empty()) return;
+    CheckHook(path);
+    Seek(f.get(), offset, path, "write");
+    if (std::fwrite(bytes.data(), 1, bytes.size(), f.get()) != bytes.size()) ThrowFileError(path, "write", errno);
+    Sync(f.get(), path);
+}
+
+void ReplaceFile(const std::filesystem::path& path, std::string_view contents) {
+    if (IsWriteProtected(path)) ThrowFileError(path, "write", EACCES);
+    std::error_code ec;
+    if (std::filesystem::is_directory(path, ec)) ThrowFileError(path, "write", EISDIR);
+    CheckHook(path);
+    std::filesystem::path tmp = path;
+    tmp += ".tmp";
+    {
+        File f = Open(tmp, "wb", "create");
+        if (!contents.empty() && std::fwrite(contents.data(), 1, contents.size(), f.get()) != contents.size()) {
+            int err = errno;
+            f.reset();
+            std::filesystem::remove(tmp, ec);
+            ThrowFileError(path, "write", err);
+        }
+        try {
+            Sync(f.get(), tmp);
+        } catch (...) {
+            f.reset();
+            std::filesystem::remove(tmp, ec);
+            throw;
+        }
+    }
+    std::filesystem::rename(tmp, path, ec);
+    if (ec) {
+        std::error_code ignored;
+        std::filesystem::remove(tmp, ignored);
+        ThrowFileError(path, "write", ec.value());
+    }
+    SyncFolder(path.parent_path());
+}
+
+InputFile::InputFile(const std::filesystem::path& path) : path_(path) {
+    File f = Open(path, "rb", "open");
+    if (std::fseek(f.get(), 0, SEEK_END) != 0) ThrowFileError(path, "read", errno);
+    long size = std::ftell(f.get());
+    if (size < 0) ThrowFileError(path, "read", errno);
+    size_ = static_cast<std::uint64_t>(size);
+    file_ = f.release();
+}
+
+InputFile::~InputFile() { std::fclose(static_cast<std::FILE*>(file_)); }
+
+std::size_t InputFile::Read(std::uint64_t offset, char* out, std::size_t count) {
+    auto* f = static_cast<std::FILE*>(file_);
+    Seek(f, offset, path_, "read");
+    std::size_t got = std::fread(out, 1, count, f);
+    if (got < count && std::ferror(f)) ThrowFileError(path_, "read", errno);
+    return got;
+}
+
+void RemoveFile(const std::filesystem::path& path) {
+    std::error_code ec;
+    std::filesystem::remove(path, ec);
+    if (ec) ThrowFileError(path, "delete", ec.value());
+}
+
+}  // namespace quillon::io

@@ -1,0 +1,73 @@
+#pragma once
+// The one place where the program touches files on disk. Every write goes
+// through here so that a test can make any single write fail (as a full disk
+// or a pulled cable would) and check what is left behind.
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace quillon::io {
+
+// Called before each write with the file about to be written; returning false
+// makes that write fail with FileError before it touches the file.
+using WriteHook = std::function<bool(const std::filesystem::path&)>;
+void SetWriteHook(WriteHook hook);
+
+// Installs a hook for the lifetime of the guard and removes it afterwards.
+class ScopedWriteHook {
+public:
+    explicit ScopedWriteHook(WriteHook hook) { SetWriteHook(std::move(hook)); }
+    ~ScopedWriteHook() { SetWriteHook({}); }
+    ScopedWriteHook(const ScopedWriteHook&) = delete;
+    ScopedWriteHook& operator=(const ScopedWriteHook&) = delete;
+};
+
+// Throws FileError naming the path, what was being done and the system's reason.
+[[noreturn]] void ThrowFileError(const std::filesystem::path& path, std::string_view action, int err);
+
+// A file whose permission bits allow nobody to write counts as write-protected,
+// even for a user (root) whom the system would let through.
+bool IsWriteProtected(const std::filesystem::path& path);
+
+// Length of a file; throws FileError when it cannot be opened.
+std::uint64_t FileSize(const std::filesystem::path& path);
+
+// Up to `count` bytes at `offset`; fewer at the end of the file.
+std::string ReadAt(const std::filesystem::path& path, std::uint64_t offset, std::size_t count);
+
+// A file opened for reading for the span of one operation, for callers that
+// read several blocks (the pattern search).
+class InputFile {
+public:
+    explicit InputFile(const std::filesystem::path& path);
+    ~InputFile();
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    std::uint64_t Size() const { return size_; }
+    // Reads up to `count` bytes at `offset` into `out`; returns how many were read.
+    std::size_t Read(std::uint64_t offset, char* out, std::size_t count);
+
+private:
+    std::filesystem::path path_;
+    void* file_;
+    std::uint64_t size_ = 0;
+};
+
+// Whole file; throws FileError when it cannot be read.
+std::string ReadAll(const std::filesystem::path& path);
+
+// Overwrites bytes in place without truncating; lengthens the file when the
+// block reaches past its end. The data is flushed to disk before returning.
+void WriteAt(const std::filesystem::path& path, std::uint64_t offset, std::string_view bytes);
+
+// Replaces (or creates) a whole file through a temporary file in the same
+// folder and a rename, so a crash leaves either the old or the new contents.
+void ReplaceFile(const std::filesystem::path& path, std::string_view contents);
+
+// Removes a file; a missing file is no error.
+void RemoveFile(const std::filesystem::path& path);
+
+}  // namespace quillon::io

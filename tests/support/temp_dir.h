@@ -1,0 +1,29 @@
+#pragma once
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace quillon::test {
+
+// A fresh folder under the system's temporary folder, removed with its contents.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+    std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
+
+private:
+    std::filesystem::path path_;
+};
+
+// Whole file as bytes; empty when it does not exist.
+std::string ReadFile(const std::filesystem::path& path);
+void WriteFile(const std::filesystem::path& path, std::string_view bytes);
+// Clears every write bit, so the program treats the file as write-protected.
+void MakeReadOnly(const std::filesystem::path& path);
+
+}  // namespace quillon::test
