@@ -103,13 +103,30 @@ std::string ReadAll(const std::filesystem::path& path) {
 }
 
 void WriteAt(const std::filesystem::path& path, std::uint64_t offset, std::string_view bytes) {
+    WritePatches(path, {Patch{offset, std::string(bytes)}});
+}
+
+void WritePatches(const std::filesystem::path& path, const std::vector<Patch>& patches) {
     if (IsWriteProtected(path)) ThrowFileError(path, "write", EACCES);
     File f = Open(path, "r+b", "open for writing");
-    if (bytes.empty()) return;
-    CheckHook(path);
-    Seek(f.get(), offset, path, "write");
-    if (std::fwrite(bytes.data(), 1, bytes.size(), f.get()) != bytes.size()) ThrowFileError(path, "write", errno);
+    for (const Patch& p : patches) {
+        if (p.bytes.empty()) continue;
+        CheckHook(path);
+        Seek(f.get(), p.offset, path, "write");
+        if (std::fwrite(p.bytes.data(), 1, p.bytes.size(), f.get()) != p.bytes.size())
+            ThrowFileError(path, "write", errno);
+        // Hand each block to the system at once, so that what was written
+        // before a failure is on disk in the order it was written.
+        if (std::fflush(f.get()) != 0) ThrowFileError(path, "write", errno);
+    }
     Sync(f.get(), path);
+}
+
+void ResizeFile(const std::filesystem::path& path, std::uint64_t size) {
+    CheckHook(path);
+    std::error_code ec;
+    std::filesystem::resize_file(path, size, ec);
+    if (ec) ThrowFileError(path, "write", ec.value());
 }
 
 void ReplaceFile(const std::filesystem::path& path, std::string_view contents) {

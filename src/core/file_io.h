@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillon::io {
 
@@ -62,6 +63,19 @@ std::string ReadAll(const std::filesystem::path& path);
 // Overwrites bytes in place without truncating; lengthens the file when the
 // block reaches past its end. The data is flushed to disk before returning.
 void WriteAt(const std::filesystem::path& path, std::uint64_t offset, std::string_view bytes);
+
+// One block of bytes to put at an offset.
+struct Patch {
+    std::uint64_t offset;
+    std::string bytes;
+};
+
+// Writes the blocks in order through one opening of the file and flushes them
+// to disk once at the end. Each block counts as one write for the hook.
+void WritePatches(const std::filesystem::path& path, const std::vector<Patch>& patches);
+
+// Cuts or lengthens a file to `size` bytes.
+void ResizeFile(const std::filesystem::path& path, std::uint64_t size);
 
 // Replaces (or creates) a whole file through a temporary file in the same
 // folder and a rename, so a crash leaves either the old or the new contents.

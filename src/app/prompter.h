@@ -1,0 +1,38 @@
+#pragma once
+// The one interface through which commands talk to the user. The windows
+// implement it with dialogs; tests implement it with a scripted fake.
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+class AddOffsetForm;
+
+// Title of every message box that has none of its own.
+inline constexpr std::string_view kProgramTitle = "Quillon";
+
+enum class Icon { Critical, Warning, Question, Information };
+
+class Prompter {
+public:
+    virtual ~Prompter() = default;
+
+    // A message box with an OK button. Lines are joined with CR LF.
+    virtual void Message(Icon icon, std::string_view text, std::string_view title = kProgramTitle) = 0;
+    // A question with Yes and No buttons; true only for Yes.
+    virtual bool AskYesNo(std::string_view text, std::string_view title = kProgramTitle) = 0;
+    // A line of input; nothing when the user cancels.
+    virtual std::optional<std::string> Input(std::string_view title, std::string_view prompt,
+                                             std::string_view defaultValue) = 0;
+    // A file to open or to save; nothing when cancelled. The filter lists
+    // description|patterns pairs separated by "|".
+    virtual std::optional<std::filesystem::path> OpenFile(std::string_view title, std::string_view filter) = 0;
+    virtual std::optional<std::filesystem::path> SaveFile(std::string_view title, std::string_view filter) = 0;
+    // Shows the add-offset window modally over the current window until the
+    // user adds the entry or cancels; the form holds its fields and commands.
+    virtual void ShowAddOffset(AddOffsetForm& form) = 0;
+};
+
+}  // namespace quillon

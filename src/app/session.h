@@ -1,0 +1,62 @@
+#pragma once
+// The state that the main window owns and every command reads and writes:
+// the open ROM, the offset-file tree, the text being edited and the states of
+// the main window's controls, which the window only mirrors.
+#include "app/prompter.h"
+#include "app/text_box.h"
+#include "app/tree_model.h"
+
+#include <quillon/inifile.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+// Captions and states of the main window's controls.
+struct MainControls {
+    TextBox text1;                   // the editor text
+    bool specialDialog = false;      // Check1 "Special Dialog*"
+    bool specialDialogEnabled = false;
+    bool japaneseTable = false;      // Option1: index 1 chosen
+    bool tableEnabled = false;       // both Option1 buttons
+    bool saveEnabled = false;        // Command2 "S&ave Text"
+    bool searchEnabled = false;      // XPButton3 "&Search"
+    bool treeEnabled = false;        // TreeView1
+    bool textScriptEnabled = false;  // mnuTextScript "Insert Dialog-Script"
+    std::string offsetCaption;       // Label3: current offset in hex digits
+    std::string gameCode;            // Label4: game code of the open ROM
+    std::string repointCaption = "0 Characters left until repoint.";  // lblRepoint
+};
+
+class Session {
+public:
+    Session(std::filesystem::path programFolder, Prompter& prompter);
+
+    std::filesystem::path IniFolder() const { return programFolder / "ini"; }
+    std::filesystem::path SettingsFile() const { return IniFolder() / "settings.ini"; }
+    // The open game's offset file: ini/ + game code + .ini.
+    std::filesystem::path OffsetFile() const { return IniFolder() / (controls.gameCode + ".ini"); }
+    bool RomOpen() const { return !romPath.empty(); }
+
+    // Windows that mirror the state register here; commands call Changed()
+    // when they are done.
+    void OnChanged(std::function<void()> listener) { listeners_.push_back(std::move(listener)); }
+    void Changed() const;
+
+    const std::filesystem::path programFolder;
+    Prompter& prompter;
+    std::filesystem::path romPath;  // the open dialog's file name
+    std::int32_t oldTextLength = 0;
+    TreeModel tree;
+    cInifile ini;  // the main window's INI access, pointed anew at each use
+    MainControls controls;
+
+private:
+    std::vector<std::function<void()>> listeners_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,19 @@
+#pragma once
+#include "core/file_io.h"
+
+#include <filesystem>
+#include <string_view>
+#include <vector>
+
+namespace quillon {
+
+// Every place where a repoint writes the new pointer, found in one pass over
+// the ROM. It finds what searching for the old pointer, writing the new one
+// over the hit and searching on from one byte before the hit finds, so a
+// pointer that only appears once neighbouring pointers are rewritten is
+// caught too. A hit at file offset 0 ends the scan, as a search reports it as
+// no match. Nothing is written.
+std::vector<io::Patch> ScanPointerRewrites(const std::filesystem::path& rom, std::string_view oldPointer,
+                                           std::string_view newPointer);
+
+}  // namespace quillon

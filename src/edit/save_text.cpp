@@ -1,0 +1,199 @@
+#include "edit/save_text.h"
+
+#include "app/session.h"
+#include "edit/free_space.h"
+#include "edit/pointer_scan.h"
+#include "edit/save_journal.h"
+#include "edit/text_view.h"
+#include "offsets/ini_document.h"
+#include "offsets/offset_file.h"
+
+#include <quillon/codec.h>
+#include <quillon/errors.h>
+#include <quillon/rom.h>
+
+#include <cstdio>
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view kAskTitle = "Do you really want to do that?";
+constexpr std::int32_t kLowestPointable = 0x100000;
+constexpr std::int32_t kHighestPointable = 0xFFFFFF;
+
+std::string PlainHex(std::int32_t value) {
+    char buf[16];
+    std::snprintf(buf, sizeof buf, "%X", static_cast<unsigned>(value));
+    return buf;
+}
+
+std::string Repeat(std::string_view piece, std::size_t times) {
+    std::string out;
+    out.reserve(piece.size() * times);
+    for (std::size_t i = 0; i < times; ++i) out += piece;
+    return out;
+}
+
+void Refuse(Session& session, const std::string& why) {
+    session.prompter.Message(Icon::Critical, why + "\r\nNothing was written.");
+}
+
+bool Pointable(std::int32_t offset) { return offset >= kLowestPointable && offset <= kHighestPointable; }
+
+// The offset file after the move: the selected entry gets the new offset, but
+// only when it is the text being moved (a text opened by its offset need not
+// be the selected entry, and an unrelated entry must not change).
+std::optional<std::string> MovedOffsetFile(Session& session, std::int32_t oldOffset, std::string_view newOffsetText) {
+    const TreeNode* node = session.tree.SelectedNode();
+    if (!node || IsSectionNodeKey(node->key)) return std::nullopt;
+    const std::string section = session.tree.SelectedParentText();
+    const std::string key = KeyNameOf(node->key);
+    session.ini.SetPath(session.OffsetFile());
+    session.ini.SetSection(section);
+    session.ini.SetKey(key);
+    try {
+        if (HexToLong(session.ini.Value()) != oldOffset) return std::nullopt;
+    } catch (const TypeMismatch&) {
+        return std::nullopt;
+    }
+    ini::IniDocument doc(io::ReadAll(session.OffsetFile()));
+    return doc.WithValue(section, key, newOffsetText);
+}
+
+enum class Step { Done, Stop };
+
+// The text grew past the free bytes behind it: move it and repoint.
+Step Repoint(Session& session, std::int32_t newLength) {
+    auto& c = session.controls;
+    const std::int32_t oldOffset = HexToLong(c.offsetCaption);
+    auto freeSpaceOffset = ReadFreeSpaceOffset(session);
+    if (!freeSpaceOffset) {
+        session.prompter.Message(Icon::Critical, kBadFreeSpaceOffset);
+        return Step::Stop;
+    }
+    if (!Pointable(oldOffset)) {
+        Refuse(session, "The text at offset " + c.offsetCaption +
+                            " can't be re-pointed: pointers can only be built for offsets from 100000 to FFFFFF (Hex).");
+        return Step::Stop;
+    }
+    std::string run = FreeRun(c.gameCode, static_cast<std::size_t>(newLength) + 2);
+    std::int32_t found = FindFreeSpace(session.romPath, run, *freeSpaceOffset);
+    if (found <= 0) {
+        session.prompter.Message(Icon::Critical, "No free space was found!");
+        return Step::Stop;
+    }
+    const std::int32_t newOffset = found + 1;
+    const std::string newOffsetText = PlainHex(newOffset);
+    if (!Pointable(newOffset)) {
+        Refuse(session, "The free space found at offset " + newOffsetText +
+                            " can't be pointed to: pointers can only be built for offsets from 100000 to FFFFFF (Hex).");
+        return Step::Stop;
+    }
+    const std::string oldPointer = HexToBytes(PointerHex(PadHex(oldOffset)));
+    const std::string newPointer = HexToBytes(PointerHex(newOffsetText));
+    SavePlan plan;
+    plan.rom = session.romPath;
+    plan.romFirst = ScanPointerRewrites(session.romPath, oldPointer, newPointer);
+    if (plan.romFirst.empty()) {
+        session.prompter.Message(Icon::Critical, "The text pointer wasn't found!\r\nThe text can't be edited!");
+        return Step::Stop;
+    }
+    plan.romFirst.push_back({static_cast<std::uint64_t>(oldOffset),
+                             FreeRun(c.gameCode, static_cast<std::size_t>(session.oldTextLength) + 1)});
+    if (auto offsets = MovedOffsetFile(session, oldOffset, newOffsetText)) {
+        plan.offsetFile = session.OffsetFile();
+        plan.offsetFileText = std::move(*offsets);
+    }
+    plan.romLast.push_back({static_cast<std::uint64_t>(newOffset),
+                            HexToBytes(EncodeText(c.text1.Text(), c.specialDialog) + "FF")});
+
+    std::string error;
+    switch (WriteJournaled(plan, error)) {
+        case SaveOutcome::Saved:
+            c.offsetCaption = newOffsetText;
+            return Step::Done;
+        case SaveOutcome::RolledBack:
+            session.prompter.Message(Icon::Critical, "The text could not be saved:\r\n" + error +
+                                                         "\r\n\r\nThe ROM and the offset file were left as they were.");
+            return Step::Stop;
+        case SaveOutcome::JournalKept:
+            session.prompter.Message(Icon::Critical,
+                                     "The text could not be saved:\r\n" + error +
+                                         "\r\n\r\nThe ROM and the offset file will be restored to their state "
+                                         "before this save when the ROM is opened again.");
+            return Step::Stop;
+    }
+    return Step::Stop;
+}
+
+// Everything up to the final write; Done means the text is on disk.
+Step Save(Session& session) {
+    auto& c = session.controls;
+    std::string hex = EncodeText(c.text1.Text(), c.specialDialog);
+    const auto newLength = static_cast<std::int32_t>(hex.size() / 2);
+
+    if (newLength < session.oldTextLength) {
+        if (!session.prompter.AskYesNo(
+                "The text you entered is shorter than the old one.\r\n\r\nDo you want to continue?", kAskTitle))
+            return Step::Stop;
+        // Each missing byte becomes a 0xFF that clears the tail of the old text.
+        const auto missing = static_cast<std::size_t>(session.oldTextLength - newLength);
+        c.text1.SetText(c.text1.Text() + std::string(missing, '\n'));
+        hex += Repeat("FF", missing);
+    }
+
+    if (newLength > session.oldTextLength) {
+        if (!session.prompter.AskYesNo(
+                "The text you entered is longer than the old one.\r\n"
+                "When you continue, the text needs to be Re-Pointed to another location.\r\n\r\n"
+                "Due the fact of that, the INI file will be changed and you can't edit the text of a clean ROM "
+                "with that INI file again, until you restore it back to the original one.\r\n\r\n"
+                "Do you want to Re-Point?",
+                kAskTitle))
+            return Step::Stop;
+        const std::int32_t growth = newLength - session.oldTextLength;
+        if (growth > 32767) {
+            Refuse(session, "The text grew by " + std::to_string(growth) +
+                                " bytes; a text can grow by at most 32767 bytes at once.");
+            return Step::Stop;
+        }
+        const std::int32_t oldOffset = HexToLong(c.offsetCaption);
+        const std::string freeByte = FreeSpaceByte(c.gameCode);
+        std::string tail = ReadBytesHex(session.romPath, PadHex(std::int64_t{oldOffset} + session.oldTextLength + 1),
+                                        static_cast<std::int16_t>(growth + 1));
+        if (tail == Repeat(freeByte, static_cast<std::size_t>(growth) + 1)) {
+            session.prompter.Message(Icon::Information,
+                                     "There's enough space after the Text.\r\nThe Text won't be re-pointed.");
+        } else {
+            return Repoint(session, newLength);
+        }
+    }
+    WriteBytesHex(session.romPath, c.offsetCaption, hex + "FF");
+    return Step::Done;
+}
+
+}  // namespace
+
+void SaveText(Session& session) {
+    auto& c = session.controls;
+    c.saveEnabled = false;
+    try {
+        if (Save(session) == Step::Done) {
+            session.prompter.Message(Icon::Information, "Text has been saved.", "Saved!");
+            c.specialDialog = false;
+            session.oldTextLength = 0;
+            try {
+                LoadTextAt(session, c.offsetCaption);
+            } catch (const std::exception&) {
+            }
+        }
+    } catch (const TypeMismatch&) {
+        Refuse(session, "The text offset '" + c.offsetCaption + "' is not a hexadecimal number.");
+    } catch (const FileError& e) {
+        session.prompter.Message(Icon::Critical, std::string("The text could not be saved:\r\n") + e.what());
+    }
+    c.saveEnabled = true;
+    session.Changed();
+}
+
+}  // namespace quillon

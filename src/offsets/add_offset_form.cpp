@@ -1,0 +1,102 @@
+#include "offsets/add_offset_form.h"
+
+#include "app/session.h"
+#include "core/file_io.h"
+#include "offsets/offset_file.h"
+
+#include <quillon/errors.h>
+
+#include <charconv>
+#include <cstdio>
+
+namespace quillon {
+namespace {
+
+bool HasLineBreak(std::string_view s) { return s.find_first_of("\r\n") != std::string_view::npos; }
+
+// Upper-case hex digits without leading zeros: 1000000 gives F4240.
+std::string PlainHex(std::uint32_t value) {
+    char buf[16];
+    std::snprintf(buf, sizeof buf, "%X", value);
+    return buf;
+}
+
+}  // namespace
+
+AddOffsetForm::AddOffsetForm(Session& session, std::optional<std::string> presetOffset) : session_(session) {
+    ini_.SetPath(session.OffsetFile());
+    std::int32_t count = 0;
+    ini_.EnumerateAllSections(sections_, count);
+    if (presetOffset) {
+        offsetDecimal = *presetOffset;
+        offsetEnabled = false;
+        cancelEnabled = false;
+    }
+}
+
+void AddOffsetForm::ChooseSection(std::size_t index) {
+    if (index < sections_.size()) sectionName = sections_[index];
+}
+
+bool AddOffsetForm::Add() {
+    if (sectionName.empty() || textName.empty() || offsetDecimal.empty()) return false;
+    auto refuse = [this](std::string_view why) {
+        session_.prompter.Message(Icon::Warning, why);
+        return false;
+    };
+    if (HasLineBreak(sectionName) || sectionName.find_first_of("[]") != std::string::npos)
+        return refuse("A section name can't contain line breaks, \"[\" or \"]\".");
+    if (HasLineBreak(textName) || textName.find('=') != std::string::npos)
+        return refuse("A text name can't contain line breaks or \"=\".");
+
+    std::uint32_t offset = 0;
+    auto [end, ec] = std::from_chars(offsetDecimal.data(), offsetDecimal.data() + offsetDecimal.size(), offset);
+    if (ec != std::errc() || end != offsetDecimal.data() + offsetDecimal.size())
+        return refuse("The offset must be a decimal whole number from 0 to 4294967295.");
+    try {
+        std::uint64_t size = io::FileSize(session_.romPath);
+        if (offset >= size)
+            return refuse("The offset " + offsetDecimal + " lies past the end of the ROM (" + std::to_string(size) +
+                          " bytes).");
+    } catch (const FileError& e) {
+        return refuse(e.what());
+    }
+
+    ini_.SetPath(session_.OffsetFile());
+    ini_.SetSection(sectionName);
+    ini_.SetKey(textName);
+    ini_.SetValue(PlainHex(offset));
+    if (!ini_.Success()) {
+        session_.prompter.Message(Icon::Critical, "Error: Could not add the Entry!");
+        return false;
+    }
+    added_ = true;
+    session_.prompter.Message(Icon::Information, "Text added successfully!");
+    Tree_Load(session_, sectionName, textName);
+    return true;
+}
+
+void ShowAddOffset(Session& session) {
+    AddOffsetForm form(session);
+    session.prompter.ShowAddOffset(form);
+}
+
+void DeleteOffset(Session& session) {
+    const TreeNode* node = session.tree.SelectedNode();
+    if (!node || node->key.empty()) return;  // nothing selected: ends silently
+    cInifile ini;
+    ini.SetPath(session.OffsetFile());
+    if (IsSectionNodeKey(node->key)) {
+        ini.SetSection(node->text);
+        ini.DeleteSection();
+        if (!ini.Success()) session.prompter.Message(Icon::Critical, "Error: Could not delete the Section!");
+    } else {
+        ini.SetSection(session.tree.SelectedParentText());
+        ini.SetKey(KeyNameOf(node->key));
+        ini.DeleteKey();
+        if (!ini.Success()) session.prompter.Message(Icon::Critical, "Error: Could not delete the Entry!");
+    }
+    Tree_Load(session);
+}
+
+}  // namespace quillon

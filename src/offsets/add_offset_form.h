@@ -1,0 +1,49 @@
+#pragma once
+// The add-offset window as state and commands: section, text name and decimal
+// offset of a new offset-file entry. The window binds its controls to this.
+#include <quillon/inifile.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+class Session;
+
+class AddOffsetForm {
+public:
+    // Opens over the session's ROM; with `presetOffset` (decimal) the offset
+    // box is filled and disabled and Cancel is disabled, as when a command
+    // hands over an offset it found.
+    explicit AddOffsetForm(Session& session, std::optional<std::string> presetOffset = std::nullopt);
+
+    std::string sectionName;                 // Text1
+    std::string textName;                    // Text2
+    std::string offsetDecimal;               // Text3
+    bool offsetEnabled = true;               // Text3
+    bool cancelEnabled = true;               // Command2
+    const std::vector<std::string>& Sections() const { return sections_; }  // Combo1
+
+    // Copies the chosen section into the section box.
+    void ChooseSection(std::size_t index);
+    // "&Add to INI": true when the entry was written and the window closes.
+    // Empty boxes do nothing; bad input is refused with a message and the
+    // window stays open.
+    bool Add();
+    // Whether Add wrote an entry.
+    bool Added() const { return added_; }
+
+private:
+    Session& session_;
+    cInifile ini_;
+    std::vector<std::string> sections_;
+    bool added_ = false;
+};
+
+// The "Add new offset" menu item: the window with empty boxes.
+void ShowAddOffset(Session& session);
+// The "Delete selected" menu item.
+void DeleteOffset(Session& session);
+
+}  // namespace quillon

@@ -1,0 +1,174 @@
+#include "offsets/offset_file.h"
+
+#include "app/session.h"
+#include "core/file_io.h"
+#include "edit/text_view.h"
+#include "offsets/ini_document.h"
+
+#include <quillon/errors.h>
+#include <quillon/header.h>
+#include <quillon/rom.h>
+
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <random>
+#include <unordered_map>
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view kStars = "'********************************************'";
+
+constexpr std::array<const char*, 9> kPeople = {"pep", "fat", "girl", "guy", "nurse",
+                                                "dude", "gramps", "heroine", "nerd"};
+
+// k = r * 8 rounded half to even, for r in [0, 1): the ends come half as often.
+const char* DrawSectionImage(std::mt19937& rng) {
+    double r = std::uniform_real_distribution<double>(0.0, 1.0)(rng);
+    auto k = static_cast<std::size_t>(std::nearbyint(r * 8));
+    return kPeople[std::min<std::size_t>(k, 8)];
+}
+
+std::string Lower(std::string_view s) {
+    std::string out(s);
+    for (char& c : out)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return out;
+}
+
+// Which node to select after the rebuild: the one that was selected, by its
+// section and key names (node keys shift when sections are deleted).
+struct SelectionMemo {
+    std::string section, key;
+    bool any = false;
+};
+
+SelectionMemo Remember(const TreeModel& tree) {
+    const TreeNode* node = tree.SelectedNode();
+    if (!node) return {};
+    if (!node->parent) return {node->text, {}, true};
+    return {tree.SelectedParentText(), node->text, true};
+}
+
+void LoadTree(Session& session, const SelectionMemo& memo);
+
+}  // namespace
+
+std::string ShortDate() {
+    std::time_t now = std::time(nullptr);
+    std::tm local{};
+#if defined(_WIN32)
+    localtime_s(&local, &now);
+#else
+    localtime_r(&now, &local);
+#endif
+    char buf[16];
+    std::strftime(buf, sizeof buf, "%Y-%m-%d", &local);
+    return buf;
+}
+
+std::string OffsetFileHead(const std::filesystem::path& rom, std::string_view date) {
+    const std::string crlf = "\r\n";
+    std::string head;
+    auto line = [&](std::string_view text) { head.append(text).append(crlf); };
+    line(kStars);
+    line("'");
+    line("' Quillon Offset-file");
+    line("'");
+    line("' Created with Quillon Version: 3.1.1");
+    line("'");
+    line("' Created on: " + std::string(date));
+    line("'");
+    line(kStars);
+    line("'");
+    line("' ROM Name     : " + GetRomName(rom));
+    line("' ROM Code     : " + GetRomCode(rom));
+    line("' ROM Language : " + LanguageName(GetRomLanguage(rom)));
+    line("' ROM Maker    : " + MakerName(GetMakerCode(rom)));
+    line("'");
+    head.append(kStars);
+    return head;
+}
+
+std::string SectionNodeKey(std::size_t position) {
+    char buf[16];
+    std::snprintf(buf, sizeof buf, "Parent%04zu", position);
+    return buf;
+}
+
+std::string TextNodeKey(std::size_t position, std::string_view keyName) {
+    char buf[16];
+    std::snprintf(buf, sizeof buf, "P%04zu", position);
+    return buf + std::string(keyName);
+}
+
+bool IsSectionNodeKey(std::string_view nodeKey) { return nodeKey.find("Parent") != std::string_view::npos; }
+
+std::string KeyNameOf(std::string_view nodeKey) {
+    return nodeKey.size() > 5 ? std::string(nodeKey.substr(5)) : std::string();
+}
+
+void Tree_Load(Session& session) { LoadTree(session, Remember(session.tree)); }
+
+void Tree_Load(Session& session, std::string_view section, std::string_view key) {
+    LoadTree(session, {std::string(section), std::string(key), true});
+}
+
+namespace {
+
+void LoadTree(Session& session, const SelectionMemo& memo) {
+    session.tree.Clear();
+    session.ini.SetPath(session.OffsetFile());
+
+    try {
+        std::string text = FileExists(session.OffsetFile()) ? io::ReadAll(session.OffsetFile()) : std::string();
+        ini::IniDocument doc(std::move(text));
+        // Keys of a section name come from its first section, as a lookup by name gives them.
+        std::unordered_map<std::string, const ini::IniDocument::Section*> firstByName;
+        for (const auto& section : doc.Sections()) firstByName.emplace(Lower(section.name), &section);
+
+        std::mt19937 rng(static_cast<std::uint32_t>(
+            std::chrono::steady_clock::now().time_since_epoch().count()));
+        std::size_t position = 0;
+        for (const auto& section : doc.Sections()) {
+            if (section.name.empty()) continue;  // nameless headers are not listed
+            ++position;
+            const char* image = DrawSectionImage(rng);
+            std::string sectionName(section.name);
+            std::size_t parent = session.tree.Nodes().size();
+            if (!session.tree.Add({SectionNodeKey(position), sectionName, "small", std::nullopt}))
+                throw std::logic_error("duplicate section node");
+            if (memo.any && memo.key.empty() && memo.section == sectionName && !session.tree.Selected())
+                session.tree.Select(parent);
+            for (const auto& key : doc.Keys(*firstByName.at(Lower(section.name)))) {
+                std::string keyName(key.name);
+                if (!session.tree.Add({TextNodeKey(position, keyName), keyName, image, parent})) {
+                    session.prompter.Message(
+                        Icon::Critical,
+                        "Error: A Key used in the Offsets file is not unique!\r\n"
+                        "Please make sure all Key and Sections names are unique and fix them if needed!");
+                    session.Changed();
+                    return;
+                }
+                if (memo.any && memo.section == sectionName && memo.key == keyName && !session.tree.Selected())
+                    session.tree.Select(session.tree.Nodes().size() - 1);
+            }
+        }
+    } catch (const TypeMismatch&) {
+        session.prompter.Message(Icon::Critical, "Error: Type mismatch!");
+        session.Changed();
+        return;
+    } catch (const std::exception& e) {
+        session.prompter.Message(Icon::Critical, std::string("Error: #75\r\n") + e.what() + "!");
+        session.Changed();
+        return;
+    }
+    Text_Load(session);
+    session.Changed();
+}
+
+}  // namespace
+}  // namespace quillon
