@@ -4,27 +4,25 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
 namespace quillon {
 
 struct TreeNode {
-    std::string key;    // "Parent0001" for a section, "P0001" + key name for a text
-    std::string text;   // section name or key name
-    std::string image;  // image list key: "small" or one of the people
+    std::string key;         // "Parent0001" for a section, "P0001" + key name for a text
+    std::string text;        // section name or key name
+    std::string_view image;  // image list key ("small" or one of the people); static text
     std::optional<std::size_t> parent;  // index of the section node
 };
 
 class TreeModel {
 public:
-    // Adds a node; false (and nothing added) when the key is already in the tree.
-    bool Add(TreeNode node);
+    void Add(TreeNode node) { nodes_.push_back(std::move(node)); }
+    void Reserve(std::size_t count) { nodes_.reserve(count); }
     void Clear();
 
     const std::vector<TreeNode>& Nodes() const { return nodes_; }
-    const TreeNode* Find(const std::string& key) const;
-    std::optional<std::size_t> IndexOf(const std::string& key) const;
 
     // The selected node, by index; cleared with the tree.
     std::optional<std::size_t> Selected() const { return selected_; }
@@ -35,7 +33,6 @@ public:
 
 private:
     std::vector<TreeNode> nodes_;
-    std::unordered_map<std::string, std::size_t> byKey_;
     std::optional<std::size_t> selected_;
 };
 

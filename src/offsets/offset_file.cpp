@@ -15,7 +15,10 @@
 #include <cstdio>
 #include <ctime>
 #include <random>
+#include <algorithm>
+#include <charconv>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace quillon {
 namespace {
@@ -93,16 +96,31 @@ std::string OffsetFileHead(const std::filesystem::path& rom, std::string_view da
     return head;
 }
 
+namespace {
+
+// Positions as at least four digits with leading zeros.
+void AppendPosition(std::string& out, std::size_t position) {
+    char digits[24];
+    auto [end, ec] = std::to_chars(digits, digits + sizeof digits, position);
+    for (auto n = end - digits; n < 4; ++n) out.push_back('0');
+    out.append(digits, end);
+}
+
+}  // namespace
+
 std::string SectionNodeKey(std::size_t position) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "Parent%04zu", position);
-    return buf;
+    std::string key = "Parent";
+    AppendPosition(key, position);
+    return key;
 }
 
 std::string TextNodeKey(std::size_t position, std::string_view keyName) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "P%04zu", position);
-    return buf + std::string(keyName);
+    std::string key;
+    key.reserve(5 + keyName.size());
+    key.push_back('P');
+    AppendPosition(key, position);
+    key.append(keyName);
+    return key;
 }
 
 bool IsSectionNodeKey(std::string_view nodeKey) { return nodeKey.find("Parent") != std::string_view::npos; }
@@ -128,24 +146,25 @@ void LoadTree(Session& session, const SelectionMemo& memo) {
         ini::IniDocument doc(std::move(text));
         // Keys of a section name come from its first section, as a lookup by name gives them.
         std::unordered_map<std::string, const ini::IniDocument::Section*> firstByName;
+        firstByName.reserve(doc.Sections().size());
         for (const auto& section : doc.Sections()) firstByName.emplace(Lower(section.name), &section);
+        session.tree.Reserve(static_cast<std::size_t>(std::count(doc.Text().begin(), doc.Text().end(), '\n')) + 1);
 
         std::mt19937 rng(static_cast<std::uint32_t>(
             std::chrono::steady_clock::now().time_since_epoch().count()));
+        std::unordered_set<std::string_view> keysOfSection;  // node keys repeat only within a section
         std::size_t position = 0;
         for (const auto& section : doc.Sections()) {
             if (section.name.empty()) continue;  // nameless headers are not listed
             ++position;
             const char* image = DrawSectionImage(rng);
-            std::string sectionName(section.name);
-            std::size_t parent = session.tree.Nodes().size();
-            if (!session.tree.Add({SectionNodeKey(position), sectionName, "small", std::nullopt}))
-                throw std::logic_error("duplicate section node");
-            if (memo.any && memo.key.empty() && memo.section == sectionName && !session.tree.Selected())
+            const std::size_t parent = session.tree.Nodes().size();
+            session.tree.Add({SectionNodeKey(position), std::string(section.name), "small", std::nullopt});
+            if (memo.any && memo.key.empty() && memo.section == section.name && !session.tree.Selected())
                 session.tree.Select(parent);
+            keysOfSection.clear();
             for (const auto& key : doc.Keys(*firstByName.at(Lower(section.name)))) {
-                std::string keyName(key.name);
-                if (!session.tree.Add({TextNodeKey(position, keyName), keyName, image, parent})) {
+                if (!keysOfSection.insert(key.name).second) {
                     session.prompter.Message(
                         Icon::Critical,
                         "Error: A Key used in the Offsets file is not unique!\r\n"
@@ -153,7 +172,8 @@ void LoadTree(Session& session, const SelectionMemo& memo) {
                     session.Changed();
                     return;
                 }
-                if (memo.any && memo.section == sectionName && memo.key == keyName && !session.tree.Selected())
+                session.tree.Add({TextNodeKey(position, key.name), std::string(key.name), image, parent});
+                if (memo.any && memo.key == key.name && memo.section == section.name && !session.tree.Selected())
                     session.tree.Select(session.tree.Nodes().size() - 1);
             }
         }

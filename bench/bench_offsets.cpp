@@ -1,0 +1,121 @@
+// Loading a large offset file into the tree, and a repoint in a 32 MiB image
+// with 1,000 pointers to the moved text.
+#include "app/session.h"
+#include "edit/save_text.h"
+#include "edit/text_view.h"
+#include "offsets/offset_file.h"
+#include "offsets/open_rom.h"
+
+#include <quillon/core.h>
+
+#include "ratio.h"
+
+#include <cstdio>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+namespace {
+
+using namespace quillon;
+
+// Answers Yes, opens the prepared ROM and ignores messages.
+class QuietUser : public Prompter {
+public:
+    std::filesystem::path rom;
+    void Message(Icon, std::string_view, std::string_view) override {}
+    bool AskYesNo(std::string_view, std::string_view) override { return true; }
+    std::optional<std::string> Input(std::string_view, std::string_view, std::string_view) override { return {}; }
+    std::optional<std::filesystem::path> OpenFile(std::string_view, std::string_view) override { return rom; }
+    std::optional<std::filesystem::path> SaveFile(std::string_view, std::string_view) override { return {}; }
+    void ShowAddOffset(AddOffsetForm&) override {}
+};
+
+void Write(const std::filesystem::path& path, const std::string& bytes) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string Read(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+}  // namespace
+
+int main() {
+    const auto folder = std::filesystem::temp_directory_path() / "quillon-bench-offsets";
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder / "ini");
+    Write(folder / "ini" / "settings.ini", "[Settings]\r\nWarningShown=True\r\nFreeSpaceOffset=15728640\r\n");
+
+    // A 32 MiB image: text-like bytes, "Hello" at 0x800000 and 1,000 pointers to
+    // it, free space from 0xF00000 to 0xFFFFFF.
+    const std::size_t size = 32u << 20;
+    std::string image(size, '\0');
+    std::mt19937 rng(3);
+    for (char& c : image) c = static_cast<char>(0x01 + rng() % 0x7F);
+    image.replace(0xAC, 4, "QLNE");
+    image.replace(0x800000, 6, "\xC2\xD9\xE0\xE0\xE3\xFF");
+    for (int i = 0; i < 1000; ++i) image.replace(0x10000 + i * 7919, 4, "\x00\x00\x80\x08", 4);
+    std::fill(image.begin() + 0xF00000, image.begin() + 0x1000000, '\xFF');
+    const auto rom = folder / "bench.gba";
+    Write(rom, image);
+
+    // 2,000 sections of 20 keys each.
+    std::string offsets = "'head\r\n";
+    for (int s = 0; s < 2000; ++s) {
+        offsets += "[Map " + std::to_string(s) + "]\r\n";
+        for (int k = 0; k < 20; ++k) offsets += "Person " + std::to_string(k) + "=" + std::to_string(100000 + k) + "\r\n";
+    }
+    Write(folder / "ini" / "QLNE.ini", offsets);
+
+    QuietUser user;
+    user.rom = rom;
+    Session session(folder, user);
+    OpenRom(session);
+
+    bool ok = true;
+    std::size_t lines = 0;
+    auto tree = bench::Compare([&] { Tree_Load(session); },
+                               [&] {
+                                   std::string text = Read(folder / "ini" / "QLNE.ini");
+                                   std::vector<std::string_view> split;
+                                   std::string_view rest(text);
+                                   for (auto at = rest.find('\n'); at != std::string_view::npos; at = rest.find('\n')) {
+                                       split.push_back(rest.substr(0, at));
+                                       rest.remove_prefix(at + 1);
+                                   }
+                                   lines = split.size();
+                               },
+                               7);
+    ok &= session.tree.Nodes().size() == 42000 && lines == 42001;
+    ok &= bench::Report("Tree_Load 2,000 sections, 40,000 keys", tree, 10);
+
+    // Each repoint runs on a fresh copy of the image; the copy is not timed.
+    std::vector<double> repoint, pass;
+    for (int run = 0; run < 5; ++run) {
+        Write(rom, image);
+        Write(folder / "ini" / "QLNE.ini", "[Town]\r\nMom=800000\r\n");
+        Tree_Load(session);
+        session.tree.Select(1);
+        Text_Load(session);
+        session.controls.text1.SetText("Hello, a longer text!");
+        repoint.push_back(bench::TimeOnce([&] { SaveText(session); }));
+        std::int32_t found = 0;
+        pass.push_back(bench::TimeOnce([&] {
+            std::int32_t start = 1;
+            found = FindBytes(rom, std::string("\x01\x00\x00\x09", 4), start);
+        }));
+        ok &= session.controls.offsetCaption == "F00001" && found == 0;
+    }
+    const std::string after = Read(rom), moved("\x01\x00\xF0\x08", 4);
+    std::size_t count = 0;
+    for (auto at = after.find(moved); at != std::string::npos; at = after.find(moved, at + 1)) ++count;
+    ok &= count == 1000;
+    ok &= bench::Report("Repoint, 32 MiB, 1,000 pointers", {bench::Median(repoint), bench::Median(pass)}, 3);
+    std::filesystem::remove_all(folder);
+    return ok ? 0 : 1;
+}

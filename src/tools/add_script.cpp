@@ -1,0 +1,104 @@
+#include "tools/add_script.h"
+
+#include "app/session.h"
+#include "core/file_io.h"
+#include "edit/free_space.h"
+#include "offsets/add_offset_form.h"
+
+#include <quillon/codec.h>
+#include <quillon/errors.h>
+#include <quillon/rom.h>
+
+#include <charconv>
+#include <cstdio>
+#include <optional>
+
+namespace quillon {
+namespace {
+
+bool InPointerRange(std::int64_t offset) { return offset >= kMinPointerTarget && offset <= kMaxPointerTarget; }
+
+// Hex digits of either case, leading zeros allowed, as a value a pointer can reach.
+std::optional<std::int32_t> PointerTarget(std::string_view hex) {
+    if (!IsHex(hex) || hex.size() > 8) return std::nullopt;
+    std::uint32_t value = 0;
+    std::from_chars(hex.data(), hex.data() + hex.size(), value, 16);
+    if (!InPointerRange(value)) return std::nullopt;
+    return static_cast<std::int32_t>(value);
+}
+
+// Upper-case hex digits without leading zeros.
+std::string PlainHex(std::int32_t value) {
+    char buf[16];
+    std::snprintf(buf, sizeof buf, "%X", static_cast<unsigned>(value));
+    return buf;
+}
+
+constexpr std::string_view kNothingWritten = "\r\nNothing was written.";
+
+}  // namespace
+
+std::string ScriptHex(std::string_view pointerHex) {
+    return "6A5A0F00" + std::string(pointerHex) + "09036C0200";
+}
+
+AddScriptForm::AddScriptForm(Session& session) : session_(session) { ChooseOption(0); }
+
+void AddScriptForm::ChooseOption(int index) {
+    option = index == 1 ? 1 : 0;
+    frame2Enabled = txtOffsetEnabled = option == 0;
+    frame3Enabled = txtText.enabled = option == 1;
+}
+
+void AddScriptForm::AddScript() {
+    const bool fromText = option == 1;
+    if (fromText ? txtText.Text().empty() : txtOffset.empty()) return;
+    Prompter& prompter = session_.prompter;
+    auto refuse = [&](const std::string& why) { prompter.Message(Icon::Critical, why + std::string(kNothingWritten)); };
+    const auto& rom = session_.romPath;
+
+    std::optional<std::int32_t> target;
+    if (!fromText) {
+        target = PointerTarget(txtOffset);
+        if (!target)
+            return refuse("The text offset '" + txtOffset + "' is not a hexadecimal offset from " +
+                          PlainHex(kMinPointerTarget) + " to " + PlainHex(kMaxPointerTarget) + ".");
+    }
+    auto freeSpaceOffset = ReadFreeSpaceOffset(session_);
+    if (!freeSpaceOffset) return prompter.Message(Icon::Critical, kBadFreeSpaceOffset);
+
+    // From Text measures with a placeholder pointer and fills it in once the place is known.
+    const std::string text = fromText ? EncodeText(txtText.Text(), session_.controls.specialDialog) + "FF" : "";
+    std::string data = ScriptHex(fromText ? "00000000" : PointerHex(PadHex(*target))) + text;
+    std::int32_t script = 0;
+    std::int32_t record = 0;
+    try {
+        if (target && static_cast<std::uint64_t>(*target) >= io::FileSize(rom))
+            return refuse("The text offset " + PlainHex(*target) + " lies past the end of the ROM.");
+        script = FindFreeSpace(rom, FreeRun(session_.controls.gameCode, data.size() / 2 + 1), *freeSpaceOffset);
+        if (script <= 0) return prompter.Message(Icon::Critical, "No free space found.");
+        record = fromText ? script + kScriptBytes : script;
+        if (!InPointerRange(record))
+            return refuse("The free space found at offset " + PlainHex(script) +
+                          " lies outside the offsets a script can use (" + PlainHex(kMinPointerTarget) + " to " +
+                          PlainHex(kMaxPointerTarget) + ").");
+        if (fromText) data = ScriptHex(PointerHex(PadHex(record))) + text;
+        WriteBytesHex(rom, PadHex(script), data);
+    } catch (const FileError& e) {
+        return prompter.Message(Icon::Critical, e.what());
+    } catch (const TypeMismatch& e) {
+        return prompter.Message(Icon::Critical, e.what());
+    }
+
+    prompter.Message(Icon::Information,
+                     "Saved script to offset " + PlainHex(script) +
+                         "(Hex).\r\nUse this offset in the 'Script' box of your Map-Editor in order to use the "
+                         "script.");
+    if (check1) {
+        AddOffsetForm form(session_, std::to_string(record));
+        prompter.ShowAddOffset(form);
+    }
+    closed_ = true;
+}
+
+}  // namespace quillon

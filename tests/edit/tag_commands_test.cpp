@@ -1,0 +1,118 @@
+// The text menus, their commands, the Japanese character list and the help pictures.
+#include "app/clipboard.h"
+#include "app/text_box.h"
+#include "edit/explanations.h"
+#include "edit/tag_commands.h"
+#include "edit/text_menus.h"
+#include "support/fake_prompter.h"
+
+#include <gtest/gtest.h>
+
+#include <tuple>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+struct FakeClipboard : Clipboard {
+    std::string text;
+    std::string GetText() override { return text; }
+    void SetText(std::string_view t) override { text = t; }
+};
+
+TextBox Box(std::string text, std::size_t start, std::size_t length) {
+    TextBox box;
+    box.SetText(std::move(text));
+    box.Select(start, length);
+    return box;
+}
+
+// mnuBP2 is mnuBP with "2" behind every name, without "Export Text" and its separator.
+void ExpectSearchCopy(const std::vector<MenuItem>& main, const std::vector<MenuItem>& search) {
+    std::size_t j = 0;
+    for (std::size_t i = 0; i < main.size(); ++i, ++j) {
+        if (main[i].name == "mnuExport") i += 2;
+        ASSERT_LT(j, search.size());
+        EXPECT_EQ(search[j].name, main[i].name.empty() ? "" : main[i].name + "2");
+        EXPECT_EQ(std::tie(search[j].caption, search[j].tag, search[j].enabled),
+                  std::tie(main[i].caption, main[i].tag, main[i].enabled));
+        ExpectSearchCopy(main[i].children, search[j].children);
+    }
+    EXPECT_EQ(j, search.size());
+}
+
+}  // namespace
+
+TEST(TextMenus, SearchMenuMirrorsTheMainOneWithoutExport) {
+    std::vector<std::string> top;
+    for (const auto& item : TextMenu().items) top.push_back(item.caption);
+    EXPECT_EQ(top, (std::vector<std::string>{"Copy", "Paste", "-", "Insert Special", "-", "Export Text", "-",
+                                             "w00t! o.o"}));
+    ExpectSearchCopy(TextMenu().items, SearchTextMenu().items);
+    EXPECT_FALSE(FindMenuItem(SearchTextMenu(), "sucka2")->enabled);
+    EXPECT_FALSE(FindMenuItem(ToolsMenu(), "mnuTextScript")->enabled);
+}
+
+TEST(TagCommands, TagsReplaceTheSelectionOrGoInAtTheCaret) {
+    FakePrompter user;
+    FakeClipboard clip;
+    TextBox box = Box("Hello", 2, 3);
+    EXPECT_TRUE(RunTextMenuItem("ins_player", box, user, clip));
+    EXPECT_EQ(box.Text(), "He[PLAYER]");
+    box.Select(2, 0);
+    EXPECT_TRUE(RunTextMenuItem("ins_pkblk2", box, user, clip));
+    EXPECT_EQ(box.Text(), "He[POKéBLOCK][PLAYER]");
+    EXPECT_EQ(box.SelectionStart(), 14u);
+    for (auto inert : {"sucka", "ins_col", "mnuExport2", ""}) EXPECT_FALSE(RunTextMenuItem(inert, box, user, clip));
+    int exports = 0;
+    EXPECT_TRUE(RunTextMenuItem("mnuExport", box, user, clip, [&] { ++exports; }));
+    EXPECT_EQ(exports, 1);
+    EXPECT_EQ(box.Text(), "He[POKéBLOCK][PLAYER]");
+    EXPECT_TRUE(user.shown.empty());
+
+    box.Select(2, 12);  // é takes two bytes
+    RunTextMenuItem("mnu_copy", box, user, clip);
+    EXPECT_EQ(clip.text, "[POKéBLOCK]");
+    box.Select(0, 2);
+    RunTextMenuItem("mnu_paste2", box, user, clip);
+    EXPECT_EQ(box.Text(), "[POKéBLOCK][POKéBLOCK][PLAYER]");
+    RunTextMenuItem("mnu_copy", box, user, clip);  // nothing selected
+    EXPECT_EQ(clip.text, "");
+}
+
+TEST(TagCommands, HexPromptInsertsTheAnswerAsTypedAndComplainsAboutNone) {
+    FakePrompter user;
+    FakeClipboard clip;
+    TextBox box = Box("ab", 1, 0);
+    user.Then(std::string("A1")).Then(std::string("1")).Then(std::string("xyz")).Cancelled().Then(std::string());
+    for (int i = 0; i < 5; ++i) RunTextMenuItem(i == 1 ? "ins_hex2" : "ins_hex", box, user, clip);
+    EXPECT_EQ(box.Text(), "a[&HA1][&H1][&Hxyz]b");
+    auto shown = user.Take();
+    ASSERT_EQ(shown.size(), 7u);
+    EXPECT_EQ(shown[0], (Shown{Shown::Input, "Insert the character:\r\n\r\n(Example: A1)", "Insert HEX character",
+                               Icon::Question}));
+    const auto complaint =
+        Msg(Icon::Information, "Why does it have to end like this?\r\n\r\nDon't you love me anymore? :(");
+    EXPECT_EQ(shown[4], complaint);
+    EXPECT_EQ(shown[6], complaint);
+}
+
+TEST(JapaneseList, CellsAppendHexTagsToTheEndOfTheSearchText) {
+    TextBox search = Box("abc", 1, 1);
+    for (int cell : {JapaneseCellByte(0, 6), JapaneseCellByte(10, 15), 176, -1}) ClickJapaneseCell(search, cell);
+    EXPECT_EQ(search.Text(), "abc[&H06][&HAF]");
+    EXPECT_EQ(search.SelectionStart(), 1u);
+    EXPECT_EQ(search.SelectionLength(), 1u);
+}
+
+TEST(Explanations, PicturesExplainTheirItemOrOpenTheColourWindow) {
+    FakePrompter user;
+    EXPECT_EQ(ClickMenuExplanation(9, user), ExplanationClick::Message);
+    EXPECT_EQ(ClickMenuExplanation(8, user), ExplanationClick::OpenColorWindow);
+    EXPECT_EQ(ClickMenuExplanation(1, user), ExplanationClick::Nothing);
+    EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Information,
+                                                  "This will insert the [&Hxx] tag which is used to input "
+                                                  "hexadecimal values.")});
+    for (int image = 2; image <= 7; ++image) EXPECT_TRUE(MenuExplanation(image)) << image;
+}
