@@ -93,12 +93,9 @@ std::string ReadAt(const std::filesystem::path& path, std::uint64_t offset, std:
 }
 
 std::string ReadAll(const std::filesystem::path& path) {
-    File f = Open(path, "rb", "open");
-    std::string out;
-    char buf[65536];
-    std::size_t got;
-    while ((got = std::fread(buf, 1, sizeof buf, f.get())) > 0) out.append(buf, got);
-    if (std::ferror(f.get())) ThrowFileError(path, "read", errno);
+    InputFile f(path);
+    std::string out(static_cast<std::size_t>(f.Size()), '\0');
+    out.resize(f.Read(0, out.data(), out.size()));
     return out;
 }
 
