@@ -1,0 +1,76 @@
+#include <gtest/gtest.h>
+#include <quillon/codec.h>
+
+#include <map>
+#include <string>
+
+#include "support/rom_builder.h"
+
+namespace {
+
+using quillon::DecodeText;
+using quillon::EncodeText;
+using quillon::test::Bytes;
+
+std::string Hex(std::string_view bytes) {
+    static const char* digits = "0123456789ABCDEF";
+    std::string out;
+    for (const char c : bytes) {
+        const auto b = static_cast<unsigned char>(c);
+        out += digits[b >> 4];
+        out += digits[b & 15];
+    }
+    return out;
+}
+
+std::string RoundTrip(std::string_view bytes) { return EncodeText(DecodeText(bytes, false), false); }
+
+// Bytes whose text is shared with another byte, or whose re-encoding depends on
+// their neighbours, and what each re-encodes to when alone.
+const std::map<int, std::string> kAmbiguous = {
+    {0x2C, "AF"}, {0xB1, "B1"}, {0xB2, "B1"}, {0xB3, "B4"}, {0xFA, "FE"}, {0xFE, "FE"}, {0xFF, "00EC"},
+};
+
+TEST(RoundTrip, EverySingleByte) {
+    for (int b = 0; b < 256; ++b) {
+        const std::string byte(1, static_cast<char>(b));
+        const auto it = kAmbiguous.find(b);
+        EXPECT_EQ(RoundTrip(byte), it == kAmbiguous.end() ? Hex(byte) : it->second) << b;
+    }
+}
+
+// Every pair of unambiguous bytes, and every parameter after 0xFC and 0xFD.
+TEST(RoundTrip, EveryPairOfUnambiguousBytes) {
+    for (int a = 0; a < 256; ++a) {
+        for (int b = 0; b < 256; ++b) {
+            const bool parameter = a == 0xFC || a == 0xFD;
+            if (kAmbiguous.contains(a) || (!parameter && kAmbiguous.contains(b))) continue;
+            const std::string bytes{static_cast<char>(a), static_cast<char>(b)};
+            ASSERT_EQ(RoundTrip(bytes), Hex(bytes)) << a << " " << b;
+        }
+    }
+}
+
+// Named tags decode to their names and encode back to their bytes.
+TEST(RoundTrip, NamedTags) {
+    const std::pair<const char*, const char*> tags[] = {
+        {"[PLAYER]", "FD01"},  {"[RIVAL]", "FD06"},   {"[VERSION]", "FD07"}, {"[TEAM1]", "FD08"},
+        {"[TEAM2]", "FD09"},   {"[LEADER1]", "FD0A"}, {"[LEADER2]", "FD0B"}, {"[LEGEND1]", "FD0C"},
+        {"[LEGEND2]", "FD0D"}, {"[SMALL]", "FC0602"}, {"[RED]", "FC0106"},   {"[BLUE]", "FC0108"},
+        {"[BLACK]", "FC0102"}, {"[POKéBLOCK]", "5556575859"},
+    };
+    for (const auto& [tag, hex] : tags) {
+        EXPECT_EQ(DecodeText(Bytes(hex), false), tag);
+        EXPECT_EQ(EncodeText(tag, false), hex);
+    }
+}
+
+// Quotes and line breaks round-trip where they follow the encoder's order.
+TEST(RoundTrip, QuotesAndLineBreaksInEncoderOrder) {
+    for (const char* hex : {"B1C2B2D5B1", "FEBBFABCFABD", "FBFEBBFA", "FBFB", "BBFEBCFBBDFEBE", "FD01B1FB53B2",
+                            "C2D9E0E0E3B8FED1E3E6E0D8AB"}) {
+        EXPECT_EQ(RoundTrip(Bytes(hex)), hex);
+    }
+}
+
+}  // namespace
