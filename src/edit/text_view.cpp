@@ -13,15 +13,6 @@
 namespace quillon {
 namespace {
 
-void ShowNoText(Session& session) {
-    auto& c = session.controls;
-    c.text1.SetText({});
-    c.offsetCaption.clear();
-    c.saveEnabled = false;
-    c.tableEnabled = false;
-    c.specialDialogEnabled = false;
-}
-
 std::int32_t EncodedLength(const Session& session) {
     return static_cast<std::int32_t>(
         (EncodeText(session.controls.text1.Text(), session.controls.specialDialog).size() + 1) / 2);
@@ -39,6 +30,17 @@ std::optional<std::uint32_t> ParseDecimal(std::string_view text) {
 }
 
 }  // namespace
+
+void ShowNoText(Session& session) {
+    auto& c = session.controls;
+    c.text1.SetText({});
+    c.offsetCaption.clear();
+    session.oldTextLength = 0;
+    c.saveEnabled = false;
+    c.tableEnabled = false;
+    c.specialDialogEnabled = false;
+    UpdateRepointCounter(session);
+}
 
 void LoadTextAt(Session& session, std::string_view offsetHex) {
     auto& c = session.controls;
@@ -60,7 +62,6 @@ void Text_Load(Session& session) {
     session.oldTextLength = 0;
     if (IsSectionNodeKey(node->key)) {
         ShowNoText(session);
-        UpdateRepointCounter(session);
         return;
     }
     try {
@@ -111,7 +112,6 @@ void ViewOffset(Session& session) {
     std::string typed = answer.value_or("");
     if (typed.empty() || typed == "0") {
         ShowNoText(session);
-        UpdateRepointCounter(session);
         session.Changed();
         return;
     }

@@ -21,6 +21,10 @@ void Text_Load(Session& session);
 // measures it (the common end of loading by entry and by offset).
 void LoadTextAt(Session& session, std::string_view offsetHex);
 
+// Shows no text: the editor, the offset and the counter emptied, saving, the
+// table choice and "Special Dialog*" disabled.
+void ShowNoText(Session& session);
+
 // Refreshes the repoint counter. Shift+Insert is cancelled by setting
 // `keyCode` to 0; returns true when the key asks for the text menu (93).
 bool UpdateRepointCounter(Session& session, std::int16_t& keyCode, bool shiftDown);

@@ -14,15 +14,8 @@ namespace quillon {
 namespace {
 
 void ClearEditor(Session& session) {
-    auto& c = session.controls;
-    c.text1.SetText({});
-    c.offsetCaption.clear();
-    session.oldTextLength = 0;
-    UpdateRepointCounter(session);
-    c.saveEnabled = false;
-    c.tableEnabled = false;
-    c.specialDialog = false;
-    c.specialDialogEnabled = false;
+    session.controls.specialDialog = false;
+    ShowNoText(session);
 }
 
 // A game code names a file in the ini folder, so it must be four bytes that
