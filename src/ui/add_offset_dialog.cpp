@@ -1,0 +1,96 @@
+#include "ui/add_offset_dialog.h"
+
+#include "offsets/add_offset_form.h"
+
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace quillon::ui {
+namespace {
+
+QString Q(const std::string& s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
+std::string U(const QString& s) { return s.toUtf8().toStdString(); }
+
+}  // namespace
+
+AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
+    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint), form_(form) {
+    setObjectName(QStringLiteral("frmAddOffset"));
+    setWindowTitle(QStringLiteral("Add Offset to INI"));
+    setModal(true);
+
+    auto* layout = new QVBoxLayout(this);
+    auto* sectionFrame = new QGroupBox(QStringLiteral("Section Name (Enter or Choose)"), this);
+    auto* sectionLayout = new QVBoxLayout(sectionFrame);
+    section_ = new QLineEdit(sectionFrame);
+    section_->setObjectName(QStringLiteral("Text1"));
+    sections_ = new QComboBox(sectionFrame);
+    sections_->setObjectName(QStringLiteral("Combo1"));
+    sectionLayout->addWidget(section_);
+    sectionLayout->addWidget(sections_);
+    layout->addWidget(sectionFrame);
+
+    auto* nameFrame = new QGroupBox(QStringLiteral("Text Name (Enter)"), this);
+    auto* nameLayout = new QVBoxLayout(nameFrame);
+    name_ = new QLineEdit(nameFrame);
+    name_->setObjectName(QStringLiteral("Text2"));
+    nameLayout->addWidget(name_);
+    layout->addWidget(nameFrame);
+
+    auto* offsetFrame = new QGroupBox(QStringLiteral("Text Offset (Enter)"), this);
+    auto* offsetLayout = new QHBoxLayout(offsetFrame);
+    offset_ = new QLineEdit(offsetFrame);
+    offset_->setObjectName(QStringLiteral("Text3"));
+    offsetLayout->addWidget(offset_);
+    offsetLayout->addWidget(new QLabel(QStringLiteral("(Decimal)"), offsetFrame));
+    layout->addWidget(offsetFrame);
+
+    add_ = new QPushButton(QStringLiteral("&Add to INI"), this);
+    add_->setObjectName(QStringLiteral("Command1"));
+    add_->setDefault(true);
+    cancel_ = new QPushButton(QStringLiteral("&Cancel"), this);
+    cancel_->setObjectName(QStringLiteral("Command2"));
+    layout->addWidget(add_);
+    layout->addWidget(cancel_);
+
+    // The combo starts on no entry so that the first choice is a real one.
+    for (const std::string& s : form_.Sections()) sections_->addItem(Q(s));
+    sections_->setCurrentIndex(-1);
+    Push();
+
+    connect(sections_, &QComboBox::activated, this, [this](int index) {
+        if (index < 0) return;
+        Pull();
+        form_.ChooseSection(static_cast<std::size_t>(index));
+        Push();
+    });
+    connect(add_, &QPushButton::clicked, this, [this] {
+        Pull();
+        if (form_.Add()) accept();
+    });
+    connect(cancel_, &QPushButton::clicked, this, &QDialog::reject);
+
+    // 2760 x 4140 twips at 15 twips per pixel.
+    resize(184, 276);
+}
+
+void AddOffsetDialog::Pull() {
+    form_.sectionName = U(section_->text());
+    form_.textName = U(name_->text());
+    if (form_.offsetEnabled) form_.offsetDecimal = U(offset_->text());
+}
+
+void AddOffsetDialog::Push() {
+    section_->setText(Q(form_.sectionName));
+    name_->setText(Q(form_.textName));
+    offset_->setText(Q(form_.offsetDecimal));
+    offset_->setEnabled(form_.offsetEnabled);
+    cancel_->setEnabled(form_.cancelEnabled);
+}
+
+}  // namespace quillon::ui

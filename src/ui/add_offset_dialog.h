@@ -1,0 +1,33 @@
+#pragma once
+// frmAddOffset, "Add Offset to INI": section, text name and decimal offset
+// of a new offset-file entry, bound to an AddOffsetForm.
+#include <QDialog>
+
+namespace quillon {
+class AddOffsetForm;
+}
+
+class QComboBox;
+class QLineEdit;
+class QPushButton;
+
+namespace quillon::ui {
+
+class AddOffsetDialog : public QDialog {
+public:
+    AddOffsetDialog(AddOffsetForm& form, QWidget* parent = nullptr);
+
+private:
+    void Pull();  // the boxes into the form
+    void Push();  // the form into the boxes
+
+    AddOffsetForm& form_;
+    QLineEdit* section_;
+    QComboBox* sections_;
+    QLineEdit* name_;
+    QLineEdit* offset_;
+    QPushButton* add_;
+    QPushButton* cancel_;
+};
+
+}  // namespace quillon::ui

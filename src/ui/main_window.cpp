@@ -1,0 +1,476 @@
+#include "ui/main_window.h"
+
+#include "app/clipboard.h"
+#include "app/session.h"
+#include "edit/save_text.h"
+#include "edit/tag_commands.h"
+#include "edit/text_menus.h"
+#include "edit/text_view.h"
+#include "offsets/add_offset_form.h"
+#include "offsets/open_rom.h"
+#include "tools/export_text.h"
+#include "ui/about_dialog.h"
+#include "ui/explanation_dialogs.h"
+#include "ui/text_bridge.h"
+#include "ui/tree_icons.h"
+
+#include <QApplication>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QContextMenuEvent>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLinearGradient>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTextBlock>
+#include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
+#include <QWindow>
+
+#include <cmath>
+#include <functional>
+
+namespace quillon::ui {
+namespace {
+
+QString Q(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
+
+constexpr int kClientWidth = 10050;  // twips
+constexpr int kClientHeight = 6885;
+constexpr int kButtonLeft = 240;
+constexpr int kButtonTop = 1560;  // the Tools button's top edge falls on 4440
+constexpr int kButtonPitch = 960;
+constexpr int kButtonWidth = 2055;
+constexpr int kButtonHeight = 735;
+constexpr QPoint kToolsMenuAt(1990, 4440);
+
+// Builds the pop-up `menu` from the menu data; `run` receives the chosen
+// item's data.
+void AddItems(QMenu* menu, const std::vector<MenuItem>& items,
+              const std::function<void(const MenuItem&)>& run) {
+    for (const MenuItem& item : items) {
+        if (item.IsSeparator()) {
+            menu->addSeparator();
+        } else if (!item.children.empty()) {
+            QMenu* sub = menu->addMenu(Q(item.caption));
+            sub->setObjectName(Q(item.name));
+            sub->menuAction()->setObjectName(Q(item.name));
+            sub->setEnabled(item.enabled);
+            AddItems(sub, item.children, run);
+        } else {
+            QAction* action = menu->addAction(Q(item.caption));
+            action->setObjectName(Q(item.name));
+            action->setEnabled(item.enabled);
+            QObject::connect(action, &QAction::triggered, menu, [run, &item] { run(item); });
+        }
+    }
+}
+
+QMenu* BuildMenu(QWidget* owner, const Menu& data, const std::function<void(const MenuItem&)>& run) {
+    auto* menu = new QMenu(owner);
+    menu->setObjectName(Q(data.name));
+    menu->setTitle(Q(data.caption));
+    AddItems(menu, data.items, run);
+    return menu;
+}
+
+QAction* FindAction(QMenu* menu, const QString& name) {
+    for (QAction* a : menu->findChildren<QAction*>())
+        if (a->objectName() == name) return a;
+    return nullptr;
+}
+
+// A label that draws one of the window's own glyphs.
+QLabel* Hotspot(QWidget* parent, const QString& name, const QString& glyph) {
+    auto* label = new QLabel(glyph, parent);
+    label->setObjectName(name);
+    label->setAlignment(Qt::AlignCenter);
+    label->setCursor(Qt::PointingHandCursor);
+    return label;
+}
+
+}  // namespace
+
+int TwipsToPixels(int twips, double logicalDpi) {
+    // 1440 twips per inch.
+    return static_cast<int>(std::nearbyint(twips * logicalDpi / 1440.0));
+}
+
+MainWindow::MainWindow(Session& session, Clipboard& clipboard, QWidget* parent)
+    : QWidget(parent, Qt::Window | Qt::FramelessWindowHint), session_(session), clipboard_(clipboard) {
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(QStringLiteral("Quillon"));
+    setAttribute(Qt::WA_DeleteOnClose, false);
+    BuildControls();
+    PlaceControls();
+    session_.OnChanged([this] { Refresh(); });
+    Refresh();
+}
+
+MainWindow::~MainWindow() = default;
+
+int MainWindow::T(int twips) const { return TwipsToPixels(twips, logicalDpiX()); }
+
+void MainWindow::BuildControls() {
+    QFont small = font();
+    small.setPointSizeF(8.5);
+    setFont(small);
+
+    text1_ = new QPlainTextEdit(this);
+    text1_->setObjectName(QStringLiteral("Text1"));
+    text1_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    text1_->setContextMenuPolicy(Qt::CustomContextMenu);
+    text1_->installEventFilter(this);
+    connect(text1_, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& pos) { ShowTextMenu(text1_->viewport()->mapToGlobal(pos)); });
+    connect(text1_, &QPlainTextEdit::textChanged, this, [this] {
+        if (!syncing_) PushTextToSession();
+    });
+    connect(text1_, &QPlainTextEdit::cursorPositionChanged, this, [this] {
+        if (!syncing_) PushSelectionToSession();
+    });
+    connect(text1_, &QPlainTextEdit::selectionChanged, this, [this] {
+        if (!syncing_) PushSelectionToSession();
+    });
+
+    check1_ = new QCheckBox(QStringLiteral("Special Dialog*"), this);
+    check1_->setObjectName(QStringLiteral("Check1"));
+    check1_->setToolTip(QStringLiteral(
+        "This is a certain type of Dialog where only a specific break command will be accepted. (For example the "
+        "Prolouge in Fire-Red/Leaf-Green)"));
+    connect(check1_, &QCheckBox::clicked, this, [this](bool on) {
+        session_.controls.specialDialog = on;
+        UpdateRepointCounter(session_);
+        session_.Changed();
+    });
+
+    save_ = new QPushButton(QStringLiteral("S&ave Text"), this);
+    save_->setObjectName(QStringLiteral("Command2"));
+    connect(save_, &QPushButton::clicked, this, [this] { SaveText(session_); });
+
+    const char* names[5] = {"XPButton1", "XPButton2", "XPButton3", "XPButton6", "XPButton4"};
+    const char* captions[5] = {"&Open ROM", "&Exit", "&Search", "&Tools", "&About"};
+    for (int i = 0; i < 5; ++i) {
+        buttons_[i] = new QPushButton(QString::fromUtf8(captions[i]), this);
+        buttons_[i]->setObjectName(QString::fromUtf8(names[i]));
+    }
+    connect(buttons_[0], &QPushButton::clicked, this, [this] { OpenRom(session_); });
+    connect(buttons_[1], &QPushButton::clicked, this, [this] { ExitProgram(); });
+    connect(buttons_[3], &QPushButton::clicked, this, [this] { ShowToolsMenu(); });
+    connect(buttons_[4], &QPushButton::clicked, this, [this] {
+        AboutDialog about(this);
+        about.exec();
+    });
+
+    european_ = new QRadioButton(QStringLiteral("European Table"), this);
+    european_->setObjectName(QStringLiteral("Option1_0"));
+    european_->setToolTip(QStringLiteral("Use the European Table file (Editing possible)"));
+    japanese_ = new QRadioButton(QStringLiteral("Japanese Table"), this);
+    japanese_->setObjectName(QStringLiteral("Option1_1"));
+    japanese_->setToolTip(QStringLiteral("Use the Japanese Table file (Editing impossible)"));
+    auto* group = new QButtonGroup(this);
+    group->addButton(european_, 0);
+    group->addButton(japanese_, 1);
+    connect(european_, &QRadioButton::clicked, this, [this] { ChooseTable(session_, false); });
+    connect(japanese_, &QRadioButton::clicked, this, [this] { ChooseTable(session_, true); });
+
+    tree_ = new QTreeWidget(this);
+    tree_->setObjectName(QStringLiteral("TreeView1"));
+    tree_->setHeaderHidden(true);
+    tree_->setIconSize(QSize(16, 16));
+    tree_->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(tree_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+        if (syncing_ || !item) return;
+        SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
+    });
+    connect(tree_, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) { ShowTreeMenu(pos); });
+
+    offset_ = new QPushButton(QStringLiteral("O&ffset"), this);
+    offset_->setObjectName(QStringLiteral("Command5"));
+    connect(offset_, &QPushButton::clicked, this, [this] { ViewOffset(session_); });
+
+    frame1_ = new QGroupBox(QStringLiteral("Information"), this);
+    frame1_->setObjectName(QStringLiteral("Frame1"));
+    label2_ = new QLabel(QStringLiteral("Loaded ROM:"), frame1_);
+    label2_->setObjectName(QStringLiteral("Label2"));
+    label4_ = new QLabel(frame1_);
+    label4_->setObjectName(QStringLiteral("Label4"));
+    label1_ = new QLabel(QStringLiteral("Text offset (Hex):"), frame1_);
+    label1_->setObjectName(QStringLiteral("Label1"));
+    label3_ = new QLabel(frame1_);
+    label3_->setObjectName(QStringLiteral("Label3"));
+    QFont bold = small;
+    bold.setBold(true);
+    label4_->setFont(bold);
+    label3_->setFont(bold);
+
+    repoint_ = new QLabel(this);
+    repoint_->setObjectName(QStringLiteral("lblRepoint"));
+
+    welcome_ = new QLabel(QStringLiteral("Welcome to Quillon"), this);
+    welcome_->setObjectName(QStringLiteral("lblWelcome"));
+    QFont big = small;
+    big.setPointSizeF(15);
+    big.setBold(true);
+    welcome_->setFont(big);
+    welcome_->setStyleSheet(QStringLiteral("color: #f4f8ff;"));
+
+    minimize_ = Hotspot(this, QStringLiteral("Image1"), QStringLiteral("\u2012"));
+    minimize_->setToolTip(QStringLiteral("Minimize"));
+    close_ = Hotspot(this, QStringLiteral("Image4"), QStringLiteral("\u2715"));
+    close_->setToolTip(QStringLiteral("Exit"));
+    for (QLabel* l : {minimize_, close_}) {
+        l->setStyleSheet(QStringLiteral("color: white; font-weight: bold;"));
+        l->installEventFilter(this);
+    }
+    help_ = Hotspot(this, QStringLiteral("Image2"), QStringLiteral("?"));
+    help_->setToolTip(QStringLiteral("Click for help on how to use the Menu."));
+    help_->installEventFilter(this);
+    help_->setStyleSheet(QStringLiteral(
+        "color: white; background: #3b6fc4; border: 1px solid white; border-radius: 9px; font-weight: bold;"));
+
+    // The labels on the light editor panel are dark blue.
+    for (QWidget* w : {static_cast<QWidget*>(repoint_)})
+        w->setStyleSheet(QStringLiteral("color: #1c3a66;"));
+
+    textMenu_ = BuildMenu(this, quillon::TextMenu(), [this](const MenuItem& item) { RunTextMenu(Q(item.name)); });
+    toolsMenu_ = BuildMenu(this, quillon::ToolsMenu(), [](const MenuItem&) {});
+    treeMenu_ = BuildMenu(this, quillon::TreeViewMenu(), [this](const MenuItem& item) {
+        if (item.action == MenuAction::AddOffset)
+            quillon::ShowAddOffset(session_);
+        else if (item.action == MenuAction::Delete)
+            DeleteOffset(session_);
+    });
+}
+
+void MainWindow::PlaceControls() {
+    setFixedSize(T(kClientWidth), T(kClientHeight));
+    auto place = [this](QWidget* w, int x, int y, int width, int height) { w->setGeometry(T(x), T(y), T(width), T(height)); };
+    place(welcome_, 360, 300, 6000, 520);
+    place(minimize_, 9060, 120, 360, 300);
+    place(close_, 9480, 120, 360, 300);
+    for (int i = 0; i < 5; ++i)
+        place(buttons_[i], kButtonLeft, kButtonTop + i * kButtonPitch, kButtonWidth, kButtonHeight);
+    place(help_, kButtonLeft + 60, 6330, 285, 285);
+    place(tree_, 2520, 1080, 2895, 5490);
+    place(text1_, 5580, 1080, 4200, 2700);
+    place(repoint_, 5580, 3840, 4200, 270);
+    place(check1_, 5580, 4170, 2400, 300);
+    place(european_, 5580, 4500, 2040, 300);
+    place(japanese_, 7680, 4500, 2100, 300);
+    place(save_, 5580, 4920, 2040, 420);
+    place(offset_, 7740, 4920, 2040, 420);
+    place(frame1_, 5580, 5460, 4200, 1110);
+    place(label2_, 150, 300, 1900, 270);
+    place(label4_, 2100, 300, 1950, 270);
+    place(label1_, 150, 660, 1900, 270);
+    place(label3_, 2100, 660, 1950, 270);
+    DoTransparency();
+}
+
+void MainWindow::DoTransparency() {
+    // A rounded rectangle from (5, 5) to the far edges with 25-pixel corners.
+    const qreal k = logicalDpiX() / 96.0;
+    const qreal inset = 5 * k, corner = 25 * k / 2;
+    QPainterPath path;
+    path.addRoundedRect(QRectF(inset, inset, width() - inset, height() - inset), corner, corner);
+    setMask(QRegion(path.toFillPolygon().toPolygon()));
+}
+
+QPoint MainWindow::ToolsMenuPoint() const { return QPoint(T(kToolsMenuAt.x()), T(kToolsMenuAt.y())); }
+
+void MainWindow::ShowToolsMenu() { toolsMenu_->popup(mapToGlobal(ToolsMenuPoint())); }
+
+void MainWindow::paintEvent(QPaintEvent*) {
+    QPainter p(this);
+    p.setRenderHint(QPainter::Antialiasing);
+    QLinearGradient sea(0, 0, 0, height());
+    sea.setColorAt(0, QColor(28, 64, 120));
+    sea.setColorAt(0.55, QColor(44, 104, 168));
+    sea.setColorAt(1, QColor(22, 52, 96));
+    p.fillRect(rect(), sea);
+    // A light band behind the heading and a panel behind the editor.
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(255, 255, 255, 28));
+    p.drawRect(QRectF(0, T(960) - 6, width(), 2));
+    p.setBrush(QColor(232, 240, 251));
+    p.drawRoundedRect(QRectF(T(5460), T(990), T(4440), T(5700)), 8, 8);
+    // The outline follows the window's rounded shape.
+    const qreal k = logicalDpiX() / 96.0;
+    p.setBrush(Qt::NoBrush);
+    p.setPen(QPen(QColor(200, 220, 255), 2));
+    p.drawRoundedRect(QRectF(5 * k + 1, 5 * k + 1, width() - 5 * k - 2, height() - 5 * k - 2), 12.5 * k, 12.5 * k);
+}
+
+void MainWindow::mousePressEvent(QMouseEvent* event) {
+    // The background drags the window, with any button.
+    if (QWindow* w = windowHandle()) w->startSystemMove();
+    event->accept();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    DoTransparency();
+}
+
+bool MainWindow::event(QEvent* event) {
+    // A move to a screen of another DPI resizes and reshapes the window.
+    if (event->type() == QEvent::ScreenChangeInternal) {
+        bool result = QWidget::event(event);
+        PlaceControls();
+        return result;
+    }
+    return QWidget::event(event);
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == text1_ && event->type() == QEvent::KeyPress) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        std::int16_t code = 0;
+        if (key->key() == Qt::Key_Insert) code = 45;
+        if (key->key() == Qt::Key_Menu) code = 93;
+        const std::int16_t pressed = code;
+        bool openMenu = UpdateRepointCounter(session_, code, key->modifiers() & Qt::ShiftModifier);
+        session_.Changed();
+        if (openMenu) {
+            ShowTextMenu(text1_->viewport()->mapToGlobal(text1_->cursorRect().bottomLeft()));
+            return true;
+        }
+        if (pressed != 0 && code == 0) return true;  // cancelled (Shift+Insert)
+        return false;
+    }
+    if (event->type() == QEvent::MouseButtonRelease) {
+        if (watched == close_) {
+            ExitProgram();
+            return true;
+        }
+        if (watched == help_) {
+            MenuExplanationDialog help(session_.prompter, this);
+            help.exec();
+            return true;
+        }
+        if (watched == minimize_) {
+            showMinimized();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void MainWindow::ExitProgram() {
+    // Every window closes without a question; unsaved edits are dropped.
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w != this) w->close();
+    close();
+}
+
+void MainWindow::PushTextToSession() {
+    TextBox& box = session_.controls.text1;
+    box.SetText(FromWidgetText(text1_->toPlainText()));
+    PushSelectionToSession();
+    UpdateRepointCounter(session_);
+    session_.Changed();
+}
+
+void MainWindow::PushSelectionToSession() {
+    TextBox& box = session_.controls.text1;
+    QTextCursor c = text1_->textCursor();
+    std::size_t start = BytePosition(box.Text(), c.selectionStart());
+    std::size_t end = BytePosition(box.Text(), c.selectionEnd());
+    box.Select(start, end - start);
+}
+
+void MainWindow::RunTextMenu(const QString& name) {
+    PushSelectionToSession();
+    RunTextMenuItem(name.toStdString(), session_.controls.text1, session_.prompter, clipboard_,
+                    [this] { ExportText(session_); });
+    UpdateRepointCounter(session_);
+    session_.Changed();
+}
+
+void MainWindow::ShowTextMenu(const QPoint& globalPos) {
+    PushSelectionToSession();
+    textMenu_->popup(globalPos);
+}
+
+void MainWindow::ShowTreeMenu(const QPoint& pos) {
+    if (QTreeWidgetItem* item = tree_->itemAt(pos)) {
+        // A right-click selects and loads the node before the menu opens.
+        SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
+    }
+    treeMenu_->popup(tree_->viewport()->mapToGlobal(pos));
+}
+
+void MainWindow::Refresh() {
+    if (syncing_) return;
+    syncing_ = true;
+    const MainControls& c = session_.controls;
+
+    const std::string& text = c.text1.Text();
+    if (FromWidgetText(text1_->toPlainText()) != text) text1_->setPlainText(ToWidgetText(text));
+    const int start = WidgetPosition(text, c.text1.SelectionStart());
+    const int end = WidgetPosition(text, c.text1.SelectionStart() + c.text1.SelectionLength());
+    QTextCursor cursor = text1_->textCursor();
+    if (cursor.selectionStart() != start || cursor.selectionEnd() != end) {
+        cursor.setPosition(start);
+        cursor.setPosition(end, QTextCursor::KeepAnchor);
+        text1_->setTextCursor(cursor);
+    }
+    text1_->setEnabled(c.text1.enabled);
+    text1_->setReadOnly(c.text1.readOnly);
+
+    check1_->setChecked(c.specialDialog);
+    check1_->setEnabled(c.specialDialogEnabled);
+    (c.japaneseTable ? japanese_ : european_)->setChecked(true);
+    european_->setEnabled(c.tableEnabled);
+    japanese_->setEnabled(c.tableEnabled);
+    save_->setEnabled(c.saveEnabled);
+    buttons_[2]->setEnabled(c.searchEnabled);
+    tree_->setEnabled(c.treeEnabled);
+    if (QAction* script = FindAction(toolsMenu_, QStringLiteral("mnuTextScript")))
+        script->setEnabled(c.textScriptEnabled);
+    label3_->setText(Q(c.offsetCaption));
+    label4_->setText(Q(c.gameCode));
+    repoint_->setText(Q(c.repointCaption));
+    RefreshTree();
+    syncing_ = false;
+}
+
+void MainWindow::RefreshTree() {
+    const auto& nodes = session_.tree.Nodes();
+    std::size_t signature = std::hash<std::size_t>{}(nodes.size());
+    for (const TreeNode& n : nodes)
+        signature = signature * 1000003u ^ std::hash<std::string>{}(n.key + '\n' + n.text + '\n' + std::string(n.image));
+    if (signature != treeSignature_ || tree_->topLevelItemCount() == 0) {
+        treeSignature_ = signature;
+        tree_->clear();
+        std::vector<QTreeWidgetItem*> items(nodes.size(), nullptr);
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            const TreeNode& n = nodes[i];
+            QTreeWidgetItem* item = n.parent && *n.parent < i && items[*n.parent]
+                                        ? new QTreeWidgetItem(items[*n.parent])
+                                        : new QTreeWidgetItem(tree_);
+            item->setText(0, Q(n.text));
+            item->setIcon(0, TreeIcon(Q(n.image)));
+            item->setData(0, Qt::UserRole, static_cast<qulonglong>(i));
+            items[i] = item;
+        }
+        // Sections start expanded so that their texts show.
+        tree_->expandAll();
+    }
+    QTreeWidgetItem* selected = nullptr;
+    if (auto index = session_.tree.Selected()) {
+        for (QTreeWidgetItemIterator it(tree_); *it; ++it)
+            if ((*it)->data(0, Qt::UserRole).toULongLong() == *index) selected = *it;
+    }
+    if (tree_->currentItem() != selected) tree_->setCurrentItem(selected);
+}
+
+}  // namespace quillon::ui

@@ -1,0 +1,94 @@
+#pragma once
+// frmMain: the borderless, rounded main window. It mirrors the session's
+// control states after every change and hands each action to a command.
+#include <QWidget>
+
+#include <memory>
+
+class QButtonGroup;
+class QCheckBox;
+class QGroupBox;
+class QLabel;
+class QMenu;
+class QPlainTextEdit;
+class QPushButton;
+class QRadioButton;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace quillon {
+class Clipboard;
+class Session;
+struct Menu;
+}  // namespace quillon
+
+namespace quillon::ui {
+
+// Pixels for a length in twips at this window's logical DPI (15 twips per
+// pixel at 96 dpi), rounded half to even.
+int TwipsToPixels(int twips, double logicalDpi);
+
+class MainWindow : public QWidget {
+public:
+    MainWindow(Session& session, Clipboard& clipboard, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    // The menus built from the logic's menu data, for tests and key handling.
+    QMenu* TextMenu() const { return textMenu_; }
+    QMenu* ToolsMenu() const { return toolsMenu_; }
+    QMenu* TreeMenu() const { return treeMenu_; }
+    // Where the Tools menu opens, in client coordinates.
+    QPoint ToolsMenuPoint() const;
+    // Opens the Tools menu (as XPButton6 does).
+    void ShowToolsMenu();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void BuildControls();
+    void PlaceControls();
+    void DoTransparency();
+    void Refresh();
+    void RefreshTree();
+    void PushTextToSession();
+    void PushSelectionToSession();
+    void RunTextMenu(const QString& name);
+    void ShowTextMenu(const QPoint& globalPos);
+    void ShowTreeMenu(const QPoint& pos);
+    void ExitProgram();
+    int T(int twips) const;
+
+    Session& session_;
+    Clipboard& clipboard_;
+    bool syncing_ = false;  // the window is writing its controls from the session
+    std::size_t treeSignature_ = 0;
+
+    QPlainTextEdit* text1_ = nullptr;
+    QCheckBox* check1_ = nullptr;
+    QRadioButton* european_ = nullptr;
+    QRadioButton* japanese_ = nullptr;
+    QPushButton* save_ = nullptr;
+    QPushButton* offset_ = nullptr;
+    QPushButton* buttons_[5] = {};  // XPButton1, 2, 3, 6, 4 from top to bottom
+    QGroupBox* frame1_ = nullptr;
+    QLabel* label2_ = nullptr;
+    QLabel* label4_ = nullptr;
+    QLabel* label1_ = nullptr;
+    QLabel* label3_ = nullptr;
+    QLabel* repoint_ = nullptr;
+    QLabel* welcome_ = nullptr;
+    QLabel* minimize_ = nullptr;  // Image1
+    QLabel* close_ = nullptr;     // Image4
+    QLabel* help_ = nullptr;      // Image2
+    QTreeWidget* tree_ = nullptr;
+    QMenu* textMenu_ = nullptr;
+    QMenu* toolsMenu_ = nullptr;
+    QMenu* treeMenu_ = nullptr;
+};
+
+}  // namespace quillon::ui

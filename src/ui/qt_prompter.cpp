@@ -1,0 +1,88 @@
+#include "ui/qt_prompter.h"
+
+#include "ui/add_offset_dialog.h"
+
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QStringList>
+
+namespace quillon::ui {
+namespace {
+
+QString Q(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
+
+std::string U(const QString& s) {
+    QByteArray utf8 = s.toUtf8();
+    return std::string(utf8.constData(), static_cast<std::size_t>(utf8.size()));
+}
+
+// Message texts join lines with CR LF; Qt wants LF.
+QString Lines(std::string_view text) { return Q(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")); }
+
+QMessageBox::Icon ToQt(Icon icon) {
+    switch (icon) {
+        case Icon::Critical: return QMessageBox::Critical;
+        case Icon::Warning: return QMessageBox::Warning;
+        case Icon::Question: return QMessageBox::Question;
+        case Icon::Information: break;
+    }
+    return QMessageBox::Information;
+}
+
+std::filesystem::path ToPath(const QString& file) { return std::filesystem::path(file.toStdU16String()); }
+
+}  // namespace
+
+QString ToQtFilter(std::string_view filter) {
+    const QStringList parts = Q(filter).split(QChar('|'));
+    QStringList entries;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QString desc = parts[i];
+        QString patterns = parts[i + 1];
+        patterns.replace(QChar(';'), QChar(' '));
+        // Descriptions that already list their patterns keep them as they are.
+        if (desc.contains(QChar('(')))
+            entries << desc.left(desc.indexOf(QChar('('))).trimmed() + QStringLiteral(" (") + patterns + QChar(')');
+        else
+            entries << desc + QStringLiteral(" (") + patterns + QChar(')');
+    }
+    return entries.join(QStringLiteral(";;"));
+}
+
+void QtPrompter::Message(Icon icon, std::string_view text, std::string_view title) {
+    QMessageBox box(ToQt(icon), Q(title), Lines(text), QMessageBox::Ok, parent_);
+    box.exec();
+}
+
+bool QtPrompter::AskYesNo(std::string_view text, std::string_view title) {
+    QMessageBox box(QMessageBox::Question, Q(title), Lines(text), QMessageBox::Yes | QMessageBox::No, parent_);
+    return box.exec() == QMessageBox::Yes;
+}
+
+std::optional<std::string> QtPrompter::Input(std::string_view title, std::string_view prompt,
+                                             std::string_view defaultValue) {
+    bool ok = false;
+    QString answer = QInputDialog::getText(parent_, Q(title), Lines(prompt), QLineEdit::Normal, Q(defaultValue), &ok);
+    if (!ok) return std::nullopt;
+    return U(answer);
+}
+
+std::optional<std::filesystem::path> QtPrompter::OpenFile(std::string_view title, std::string_view filter) {
+    QString file = QFileDialog::getOpenFileName(parent_, Q(title), QString(), ToQtFilter(filter));
+    if (file.isEmpty()) return std::nullopt;
+    return ToPath(file);
+}
+
+std::optional<std::filesystem::path> QtPrompter::SaveFile(std::string_view title, std::string_view filter) {
+    QString file = QFileDialog::getSaveFileName(parent_, Q(title), QString(), ToQtFilter(filter));
+    if (file.isEmpty()) return std::nullopt;
+    return ToPath(file);
+}
+
+void QtPrompter::ShowAddOffset(AddOffsetForm& form) {
+    AddOffsetDialog dialog(form, parent_);
+    dialog.exec();
+}
+
+}  // namespace quillon::ui

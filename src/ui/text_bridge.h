@@ -1,0 +1,22 @@
+#pragma once
+// Conversions between the logic's editor text (UTF-8, lines ending in CR LF,
+// positions in bytes) and a Qt text widget's (UTF-16, lines ending in LF,
+// positions in UTF-16 code units).
+#include <QString>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace quillon::ui {
+
+// The editor text as the widget shows it: CR LF pairs become LF.
+QString ToWidgetText(std::string_view text);
+// The widget's text as the editor holds it: every LF becomes CR LF.
+std::string FromWidgetText(const QString& text);
+// The widget position of the byte offset `bytes` into `text` (editor form).
+int WidgetPosition(std::string_view text, std::size_t bytes);
+// The byte offset into `text` (editor form) of the widget position `pos`.
+std::size_t BytePosition(std::string_view text, int pos);
+
+}  // namespace quillon::ui

@@ -1,0 +1,364 @@
+// The main window driven like a user would: start-up states, opening the
+// demonstration ROM, showing and editing texts, saving with repointing and
+// leaving the program. Runs on the offscreen platform.
+#include "app/clipboard.h"
+#include "app/session.h"
+#include "edit/text_menus.h"
+#include "offsets/startup.h"
+#include "support/fake_prompter.h"
+#include "support/temp_dir.h"
+#include "ui/main_window.h"
+
+#include <quillon/codec.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QLabel>
+#include <QMenu>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+class PlainClipboard : public Clipboard {
+public:
+    std::string GetText() override { return text; }
+    void SetText(std::string_view t) override { text = t; }
+    std::string text;
+};
+
+const Shown kBackupWarning = Msg(Icon::Warning,
+    "Warning: Before using any ROM-Hacking tools, always remember to create Backup copies of your ROM!\r\n"
+    "The creator of this Tool doesn't take any responsibility for what might happen to your ROM!");
+const Shown kLonger = Ask(
+    "The text you entered is longer than the old one.\r\n"
+    "When you continue, the text needs to be Re-Pointed to another location.\r\n\r\n"
+    "Due the fact of that, the INI file will be changed and you can't edit the text of a clean ROM with that INI "
+    "file again, until you restore it back to the original one.\r\n\r\nDo you want to Re-Point?",
+    "Do you really want to do that?");
+const Shown kSaved = Msg(Icon::Information, "Text has been saved.", "Saved!");
+
+std::string Bytes(const std::string& hex) {
+    std::string out;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) out.push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+    return out;
+}
+
+// A program folder holding the shipped settings, the demonstration ROM and
+// its offset file, with the main window over a session on it.
+class MainWindowTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::filesystem::create_directories(dir / "ini");
+        std::filesystem::copy_file(QUILLON_SETTINGS_FILE, dir / "ini" / "settings.ini");
+        std::filesystem::copy_file(std::filesystem::path(QUILLON_DEMO_DIR) / "quillon-demo.gba", Rom());
+        std::filesystem::copy_file(std::filesystem::path(QUILLON_DEMO_DIR) / "ini" / "QDME.ini", dir / "ini" / "QDME.ini");
+        session = std::make_unique<Session>(dir.path(), user);
+        window = std::make_unique<ui::MainWindow>(*session, clipboard);
+    }
+    std::filesystem::path Rom() const { return dir / "quillon-demo.gba"; }
+
+    template <class W>
+    W* Find(const char* name) {
+        W* w = window->findChild<W*>(QString::fromUtf8(name));
+        EXPECT_NE(w, nullptr) << name;
+        return w;
+    }
+    void Click(const char* name) { QTest::mouseClick(Find<QAbstractButton>(name), Qt::LeftButton); }
+
+    void StartAndOpen() {
+        ASSERT_TRUE(StartUp(*session));
+        user.Then(Rom());
+        Click("XPButton1");
+        user.Take();
+    }
+    QTreeWidgetItem* Node(const QString& section, const QString& key) {
+        auto* tree = Find<QTreeWidget>("TreeView1");
+        for (int i = 0; i < tree->topLevelItemCount(); ++i) {
+            QTreeWidgetItem* s = tree->topLevelItem(i);
+            if (s->text(0) != section) continue;
+            for (int j = 0; j < s->childCount(); ++j)
+                if (s->child(j)->text(0) == key) return s->child(j);
+        }
+        ADD_FAILURE() << "no node " << key.toStdString();
+        return nullptr;
+    }
+    void Select(const QString& section, const QString& key) {
+        Find<QTreeWidget>("TreeView1")->setCurrentItem(Node(section, key));
+    }
+    QString Text1() { return Find<QPlainTextEdit>("Text1")->toPlainText(); }
+    std::string At(std::size_t offset, std::size_t count) { return ReadFile(Rom()).substr(offset, count); }
+
+    TempDir dir;
+    FakePrompter user;
+    PlainClipboard clipboard;
+    std::unique_ptr<Session> session;
+    std::unique_ptr<ui::MainWindow> window;
+};
+
+TEST_F(MainWindowTest, StartsWithNothingToEdit) {
+    ASSERT_TRUE(StartUp(*session));
+    EXPECT_EQ(user.Take(), std::vector<Shown>{kBackupWarning});
+    EXPECT_NE(ReadFile(dir / "ini" / "settings.ini").find("WarningShown=True"), std::string::npos);
+
+    for (const char* name : {"XPButton3", "Command2", "Text1", "Option1_0", "Option1_1", "Check1", "TreeView1"})
+        EXPECT_FALSE(Find<QWidget>(name)->isEnabled()) << name;
+    for (const char* name : {"XPButton1", "XPButton2", "XPButton6", "XPButton4", "Command5"})
+        EXPECT_TRUE(Find<QWidget>(name)->isEnabled()) << name;
+    EXPECT_TRUE(Find<QRadioButton>("Option1_0")->isChecked());
+    EXPECT_FALSE(window->ToolsMenu()->findChild<QAction*>("mnuTextScript")->isEnabled());
+    EXPECT_EQ(Find<QLabel>("lblRepoint")->text(), "0 Characters left until repoint.");
+    EXPECT_EQ(Find<QPushButton>("XPButton1")->text(), "&Open ROM");
+    EXPECT_EQ(Find<QWidget>("Option1_1")->toolTip(), "Use the Japanese Table file (Editing impossible)");
+    EXPECT_EQ(Find<QWidget>("Image2")->toolTip(), "Click for help on how to use the Menu.");
+
+    // The warning is shown once only.
+    ASSERT_TRUE(StartUp(*session));
+    EXPECT_TRUE(user.Take().empty());
+}
+
+TEST_F(MainWindowTest, WithoutSettingsTheProgramEnds) {
+    std::filesystem::remove(dir / "ini" / "settings.ini");
+    EXPECT_FALSE(StartUp(*session));
+    auto shown = user.Take();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].icon, Icon::Critical);
+}
+
+TEST_F(MainWindowTest, OpeningTheDemoRomFillsTheTreeAndEnablesTheControls) {
+    StartAndOpen();
+    auto* tree = Find<QTreeWidget>("TreeView1");
+    ASSERT_EQ(tree->topLevelItemCount(), 4);
+    EXPECT_EQ(tree->topLevelItem(0)->text(0), "Harbour");
+    EXPECT_EQ(tree->topLevelItem(1)->text(0), "Lighthouse");
+    EXPECT_EQ(tree->topLevelItem(1)->childCount(), 7);
+    EXPECT_FALSE(tree->topLevelItem(0)->icon(0).isNull());
+    EXPECT_TRUE(tree->isEnabled());
+    EXPECT_TRUE(Find<QWidget>("XPButton3")->isEnabled());
+    EXPECT_TRUE(Find<QWidget>("Text1")->isEnabled());
+    EXPECT_TRUE(window->ToolsMenu()->findChild<QAction*>("mnuTextScript")->isEnabled());
+    EXPECT_EQ(Find<QLabel>("Label4")->text(), "QDME");
+    // Nothing is shown until a text is chosen.
+    EXPECT_FALSE(Find<QWidget>("Command2")->isEnabled());
+}
+
+TEST_F(MainWindowTest, CancellingTheOpenDialogKeepsTheNoRomState) {
+    ASSERT_TRUE(StartUp(*session));
+    user.Take();
+    user.Cancelled();
+    Click("XPButton1");
+    EXPECT_EQ(user.Take().size(), 1u);  // the open dialog only
+    EXPECT_FALSE(Find<QWidget>("TreeView1")->isEnabled());
+    EXPECT_FALSE(Find<QWidget>("XPButton3")->isEnabled());
+}
+
+TEST_F(MainWindowTest, SelectingANodeShowsItsText) {
+    StartAndOpen();
+    Select("Lighthouse", "Keeper");
+    EXPECT_EQ(Text1(), "Welcome up, [PLAYER].\nThe lamp has not been lit for a week.\n\nCould you find me some oil?");
+    EXPECT_EQ(session->controls.text1.Text(),
+              "Welcome up, [PLAYER].\r\nThe lamp has not been lit for a week.\r\n\r\nCould you find me some oil?");
+    EXPECT_FALSE(Find<QLabel>("Label3")->text().isEmpty());
+    EXPECT_EQ(Find<QLabel>("Label3")->text().toStdString(), session->controls.offsetCaption);
+    EXPECT_TRUE(Find<QWidget>("Command2")->isEnabled());
+    EXPECT_TRUE(Find<QWidget>("Option1_0")->isEnabled());
+    EXPECT_TRUE(Find<QWidget>("Check1")->isEnabled());
+
+    // A section node empties the editor.
+    Find<QTreeWidget>("TreeView1")->setCurrentItem(Find<QTreeWidget>("TreeView1")->topLevelItem(2));
+    EXPECT_TRUE(Text1().isEmpty());
+    EXPECT_FALSE(Find<QWidget>("Command2")->isEnabled());
+}
+
+TEST_F(MainWindowTest, RightClickOnANodeSelectsItAndOpensTheTreeMenu) {
+    StartAndOpen();
+    auto* tree = Find<QTreeWidget>("TreeView1");
+    QTreeWidgetItem* item = Node("Market", "Baker");
+    ASSERT_NE(item, nullptr);
+    const QPoint at = tree->visualItemRect(item).center();
+    emit tree->customContextMenuRequested(at);
+    EXPECT_EQ(tree->currentItem(), item);
+    EXPECT_TRUE(Text1().startsWith("Fresh rolls!"));
+    EXPECT_TRUE(window->TreeMenu()->isVisible());
+    window->TreeMenu()->hide();
+}
+
+TEST_F(MainWindowTest, TypingUpdatesTheTextAndTheRepointCounter) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    auto* text1 = Find<QPlainTextEdit>("Text1");
+    EXPECT_EQ(Find<QLabel>("lblRepoint")->text(), "0 Characters left until repoint.");
+    text1->moveCursor(QTextCursor::End);
+    QTest::keyClicks(text1, "!!");
+    EXPECT_EQ(session->controls.text1.Text(), "Kree! Kree!!!");
+    EXPECT_EQ(Find<QLabel>("lblRepoint")->text(), "13 Characters to repoint.");
+    // Deleting below the old length counts down what is left.
+    for (int i = 0; i < 4; ++i) QTest::keyClick(text1, Qt::Key_Backspace);
+    EXPECT_EQ(session->controls.text1.Text(), "Kree! Kre");
+    EXPECT_EQ(Find<QLabel>("lblRepoint")->text(), "2 Characters left until repoint.");
+}
+
+TEST_F(MainWindowTest, ShiftInsertIsSwallowed) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    auto* text1 = Find<QPlainTextEdit>("Text1");
+    QGuiApplication::clipboard()->setText(QStringLiteral("PASTED"));
+    ASSERT_EQ(QGuiApplication::clipboard()->text(), "PASTED");
+    text1->moveCursor(QTextCursor::End);
+    QTest::keyClick(text1, Qt::Key_Insert, Qt::ShiftModifier);
+    EXPECT_EQ(Text1(), "Kree! Kree!");
+    // Ctrl+V is not affected.
+    QTest::keyClick(text1, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Text1(), "Kree! Kree!PASTED");
+    EXPECT_EQ(session->controls.text1.Text(), "Kree! Kree!PASTED");
+}
+
+TEST_F(MainWindowTest, TextMenuInsertsATagAtTheCaret) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    auto* text1 = Find<QPlainTextEdit>("Text1");
+    // The caret after "Kree! " with "Kree" selected.
+    QTextCursor c = text1->textCursor();
+    c.setPosition(6);
+    c.setPosition(10, QTextCursor::KeepAnchor);
+    text1->setTextCursor(c);
+    const MenuItem* tag = nullptr;
+    std::function<void(const std::vector<MenuItem>&)> find = [&](const std::vector<MenuItem>& items) {
+        for (const MenuItem& i : items) {
+            if (!tag && i.action == MenuAction::InsertTag && i.tag == "[PLAYER]") tag = &i;
+            find(i.children);
+        }
+    };
+    find(quillon::TextMenu().items);
+    ASSERT_NE(tag, nullptr);
+    QAction* action = window->TextMenu()->findChild<QAction*>(QString::fromStdString(tag->name));
+    ASSERT_NE(action, nullptr);
+    action->trigger();
+    EXPECT_EQ(Text1(), "Kree! [PLAYER]!");
+    EXPECT_EQ(session->controls.text1.Text(), "Kree! [PLAYER]!");
+    EXPECT_EQ(text1->textCursor().position(), 14);
+}
+
+TEST_F(MainWindowTest, TheContextMenuKeyOpensTheTextMenu) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    auto* text1 = Find<QPlainTextEdit>("Text1");
+    QTest::keyClick(text1, Qt::Key_Menu);
+    EXPECT_TRUE(window->TextMenu()->isVisible());
+    window->TextMenu()->hide();
+    EXPECT_EQ(Text1(), "Kree! Kree!");
+}
+
+TEST_F(MainWindowTest, SavingALongerTextRepointsEveryPointer) {
+    StartAndOpen();
+    const std::string rom = ReadFile(Rom());
+    // The ferryman's text is referred to from the table and from a second pointer.
+    const std::string oldPointer = rom.substr(0x0F0000, 4);
+    ASSERT_EQ(rom.substr(0x0F8000, 4), oldPointer);
+    Select("Harbour", "Ferryman");
+    const std::size_t oldOffset = std::stoul(session->controls.offsetCaption, nullptr, 16);
+    auto* text1 = Find<QPlainTextEdit>("Text1");
+    text1->moveCursor(QTextCursor::End);
+    QTest::keyClicks(text1, " Again.");
+    const std::string edited = session->controls.text1.Text();
+    ASSERT_EQ(edited, "Ahoy, [PLAYER]!\r\nThe morning ferry is late again.\r\n\r\nThe fog rolled in before dawn. Again.");
+
+    user.Yes();
+    Click("Command2");
+    EXPECT_EQ(user.Take(), (std::vector<Shown>{kLonger, kSaved}));
+
+    // Free space starts at 0xE00000; one free byte stays in front of the text.
+    const std::string encoded = Bytes(EncodeText(edited, false)) + '\xFF';
+    EXPECT_EQ(At(0xE00001, encoded.size()), encoded);
+    const std::string moved = Bytes("0100E008");
+    EXPECT_EQ(At(0x0F0000, 4), moved);
+    EXPECT_EQ(At(0x0F8000, 4), moved);
+    EXPECT_EQ(At(oldOffset, 8), std::string(8, '\xFF'));
+    EXPECT_NE(ReadFile(dir / "ini" / "QDME.ini").find("Ferryman=E00001\r\n"), std::string::npos);
+    EXPECT_EQ(Find<QLabel>("Label3")->text(), "E00001");
+    // The other texts keep their pointers.
+    EXPECT_EQ(At(0x0F0004, 4), rom.substr(0x0F0004, 4));
+}
+
+TEST_F(MainWindowTest, ExitClosesTheWindowWithoutAQuestion) {
+    StartAndOpen();
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    Select("Harbour", "Gull");
+    QTest::keyClicks(Find<QPlainTextEdit>("Text1"), "x");
+    Click("XPButton2");
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_TRUE(user.Take().empty());
+}
+
+TEST_F(MainWindowTest, TheCloseHotspotExitsLikeTheExitButton) {
+    ASSERT_TRUE(StartUp(*session));
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    QTest::mouseClick(Find<QLabel>("Image4"), Qt::LeftButton);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(MainWindowTest, WindowSizeShapeAndToolsMenuPoint) {
+    const double dpi = window->logicalDpiX();
+    EXPECT_EQ(window->width(), ui::TwipsToPixels(10050, dpi));
+    EXPECT_EQ(window->height(), ui::TwipsToPixels(6885, dpi));
+    EXPECT_EQ(window->ToolsMenuPoint(), QPoint(ui::TwipsToPixels(1990, dpi), ui::TwipsToPixels(4440, dpi)));
+    // The rounded shape leaves the top-left corner out and takes the centre.
+    const QRegion mask = window->mask();
+    EXPECT_FALSE(mask.contains(QPoint(1, 1)));
+    EXPECT_FALSE(mask.contains(QPoint(6, 6)));
+    EXPECT_TRUE(mask.contains(QPoint(window->width() / 2, window->height() / 2)));
+    EXPECT_TRUE(mask.contains(QPoint(window->width() / 2, 8)));
+    // The Tools button's top edge is level with the menu point.
+    EXPECT_EQ(Find<QWidget>("XPButton6")->y(), window->ToolsMenuPoint().y());
+    EXPECT_LT(Find<QWidget>("XPButton6")->geometry().left(), window->ToolsMenuPoint().x());
+    EXPECT_GE(Find<QWidget>("XPButton6")->geometry().right() + 1, window->ToolsMenuPoint().x());
+}
+
+TEST_F(MainWindowTest, RendersAtItsSizeWithATextShown) {
+    StartAndOpen();
+    Select("Lighthouse", "Keeper");
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    const QPixmap shot = window->grab();
+    EXPECT_EQ(shot.size(), window->size());
+    // The editor panel is drawn light behind the text box, the heading band dark.
+    const QImage image = shot.toImage();
+    const QPoint panel = Find<QWidget>("lblRepoint")->geometry().topRight() + QPoint(-2, 2);
+    EXPECT_GT(qGray(image.pixel(panel)), 200);
+    EXPECT_LT(qGray(image.pixel(window->width() / 2, 20)), 120);
+    // QUILLON_SCREENSHOT names a PNG file to keep the picture in.
+    const QByteArray out = qgetenv("QUILLON_SCREENSHOT");
+    if (!out.isEmpty()) {
+        // Outside the rounded shape the picture is transparent, as on screen.
+        QImage shaped(shot.size(), QImage::Format_ARGB32);
+        shaped.fill(Qt::transparent);
+        QPainter p(&shaped);
+        p.setClipRegion(window->mask());
+        p.drawPixmap(0, 0, shot);
+        p.end();
+        EXPECT_TRUE(shaped.save(QString::fromLocal8Bit(out), "PNG"));
+    }
+}
+
+TEST(TwipsToPixels, FifteenTwipsPerPixelAt96Dpi) {
+    EXPECT_EQ(ui::TwipsToPixels(10050, 96), 670);
+    EXPECT_EQ(ui::TwipsToPixels(6885, 96), 459);
+    EXPECT_EQ(ui::TwipsToPixels(6885, 144), 688);  // 688.5 rounds to even
+}
+
+}  // namespace
