@@ -10,7 +10,10 @@
 #include "offsets/open_rom.h"
 #include "tools/export_text.h"
 #include "ui/about_dialog.h"
+#include "ui/add_script_dialog.h"
 #include "ui/explanation_dialogs.h"
+#include "ui/search_dialog.h"
+#include "ui/menu_builder.h"
 #include "ui/text_bridge.h"
 #include "ui/tree_icons.h"
 
@@ -50,42 +53,6 @@ constexpr int kButtonPitch = 960;
 constexpr int kButtonWidth = 2055;
 constexpr int kButtonHeight = 735;
 constexpr QPoint kToolsMenuAt(1990, 4440);
-
-// Builds the pop-up `menu` from the menu data; `run` receives the chosen
-// item's data.
-void AddItems(QMenu* menu, const std::vector<MenuItem>& items,
-              const std::function<void(const MenuItem&)>& run) {
-    for (const MenuItem& item : items) {
-        if (item.IsSeparator()) {
-            menu->addSeparator();
-        } else if (!item.children.empty()) {
-            QMenu* sub = menu->addMenu(Q(item.caption));
-            sub->setObjectName(Q(item.name));
-            sub->menuAction()->setObjectName(Q(item.name));
-            sub->setEnabled(item.enabled);
-            AddItems(sub, item.children, run);
-        } else {
-            QAction* action = menu->addAction(Q(item.caption));
-            action->setObjectName(Q(item.name));
-            action->setEnabled(item.enabled);
-            QObject::connect(action, &QAction::triggered, menu, [run, &item] { run(item); });
-        }
-    }
-}
-
-QMenu* BuildMenu(QWidget* owner, const Menu& data, const std::function<void(const MenuItem&)>& run) {
-    auto* menu = new QMenu(owner);
-    menu->setObjectName(Q(data.name));
-    menu->setTitle(Q(data.caption));
-    AddItems(menu, data.items, run);
-    return menu;
-}
-
-QAction* FindAction(QMenu* menu, const QString& name) {
-    for (QAction* a : menu->findChildren<QAction*>())
-        if (a->objectName() == name) return a;
-    return nullptr;
-}
 
 // A label that draws one of the window's own glyphs.
 QLabel* Hotspot(QWidget* parent, const QString& name, const QString& glyph) {
@@ -163,6 +130,11 @@ void MainWindow::BuildControls() {
     }
     connect(buttons_[0], &QPushButton::clicked, this, [this] { OpenRom(session_); });
     connect(buttons_[1], &QPushButton::clicked, this, [this] { ExitProgram(); });
+    connect(buttons_[2], &QPushButton::clicked, this, [this] {
+        SearchDialog dialog(session_, clipboard_, this);
+        dialog.exec();
+        session_.Changed();
+    });
     connect(buttons_[3], &QPushButton::clicked, this, [this] { ShowToolsMenu(); });
     connect(buttons_[4], &QPushButton::clicked, this, [this] {
         AboutDialog about(this);
@@ -241,7 +213,12 @@ void MainWindow::BuildControls() {
         w->setStyleSheet(QStringLiteral("color: #1c3a66;"));
 
     textMenu_ = BuildMenu(this, quillon::TextMenu(), [this](const MenuItem& item) { RunTextMenu(Q(item.name)); });
-    toolsMenu_ = BuildMenu(this, quillon::ToolsMenu(), [](const MenuItem&) {});
+    toolsMenu_ = BuildMenu(this, quillon::ToolsMenu(), [this](const MenuItem& item) {
+        if (item.action != MenuAction::TextScript) return;  // the live update comes with its own window
+        AddScriptDialog dialog(session_, this);
+        dialog.exec();
+        session_.Changed();
+    });
     treeMenu_ = BuildMenu(this, quillon::TreeViewMenu(), [this](const MenuItem& item) {
         if (item.action == MenuAction::AddOffset)
             quillon::ShowAddOffset(session_);

@@ -7,7 +7,9 @@
 #include "offsets/startup.h"
 #include "support/fake_prompter.h"
 #include "support/temp_dir.h"
+#include "ui/add_script_dialog.h"
 #include "ui/main_window.h"
+#include "ui/search_dialog.h"
 
 #include <quillon/codec.h>
 
@@ -16,6 +18,8 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QLabel>
+#include <QLineEdit>
+#include <QStatusBar>
 #include <QMenu>
 #include <QPainter>
 #include <QPlainTextEdit>
@@ -353,6 +357,50 @@ TEST_F(MainWindowTest, RendersAtItsSizeWithATextShown) {
         p.end();
         EXPECT_TRUE(shaped.save(QString::fromLocal8Bit(out), "PNG"));
     }
+}
+
+TEST_F(MainWindowTest, TheSearchWindowFindsATextAndPreviewsIt) {
+    StartAndOpen();
+    ui::SearchDialog search(*session, clipboard, window.get());
+    auto find = [&](const char* name) { return search.findChild<QWidget*>(QString::fromUtf8(name)); };
+    EXPECT_FALSE(find("Command2")->isEnabled());
+    QTest::keyClicks(static_cast<QPlainTextEdit*>(find("Text1")), "lamp");
+    QTest::mouseClick(static_cast<QAbstractButton*>(find("Command1")), Qt::LeftButton);
+    const QString offset = static_cast<QLineEdit*>(find("Text2"))->text();
+    ASSERT_FALSE(offset.isEmpty());
+    EXPECT_EQ(static_cast<QStatusBar*>(find("StatusBar1"))->currentMessage(),
+              "Result: Text found at Offset " + offset + " (Decimal)!");
+    EXPECT_TRUE(static_cast<QPlainTextEdit*>(find("Text3"))->toPlainText().contains("lamp"));
+    EXPECT_TRUE(find("Command2")->isEnabled());
+    EXPECT_FALSE(find("Command3")->isHidden());
+    // Shift+Insert does not paste into the search text.
+    clipboard.text = "xyz";
+    QTest::keyClick(find("Text1"), Qt::Key_Insert, Qt::ShiftModifier);
+    EXPECT_EQ(static_cast<QPlainTextEdit*>(find("Text1"))->toPlainText(), "lamp");
+    // The Japanese table previews only and blocks searching.
+    QTest::mouseClick(static_cast<QAbstractButton*>(find("Option1_1")), Qt::LeftButton);
+    EXPECT_FALSE(find("Command1")->isEnabled());
+    EXPECT_FALSE(find("Command2")->isEnabled());
+}
+
+TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
+    StartAndOpen();
+    ui::AddScriptDialog script(*session, window.get());
+    auto find = [&](const char* name) { return script.findChild<QWidget*>(QString::fromUtf8(name)); };
+    EXPECT_TRUE(find("txtOffset")->isEnabled());
+    EXPECT_FALSE(find("txtText")->isEnabled());
+    QTest::mouseClick(static_cast<QAbstractButton*>(find("Option1_1")), Qt::LeftButton);
+    EXPECT_FALSE(find("txtOffset")->isEnabled());
+    EXPECT_TRUE(find("txtText")->isEnabled());
+    QTest::mouseClick(static_cast<QAbstractButton*>(find("Option1_0")), Qt::LeftButton);
+    QTest::keyClicks(static_cast<QLineEdit*>(find("txtOffset")), "123456");
+    QTest::mouseClick(static_cast<QAbstractButton*>(find("Command1")), Qt::LeftButton);
+    EXPECT_EQ(script.result(), QDialog::Accepted);
+    auto shown = user.Take();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].text.rfind("Saved script to offset ", 0), 0u) << shown[0];
+    const std::string offsetHex = shown[0].text.substr(23, shown[0].text.find('(') - 23);
+    EXPECT_EQ(At(std::stoul(offsetHex, nullptr, 16), 13), Bytes("6A5A0F005634120809036C0200"));
 }
 
 TEST(TwipsToPixels, FifteenTwipsPerPixelAt96Dpi) {

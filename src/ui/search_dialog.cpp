@@ -1,0 +1,173 @@
+#include "ui/search_dialog.h"
+
+#include "app/session.h"
+#include "edit/tag_commands.h"
+#include "edit/text_menus.h"
+#include "ui/menu_builder.h"
+#include "ui/text_bridge.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStatusBar>
+#include <QTextCursor>
+#include <QVBoxLayout>
+
+namespace quillon::ui {
+namespace {
+
+QString Q(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
+std::string U(const QString& s) { return s.toUtf8().toStdString(); }
+
+}  // namespace
+
+SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* parent)
+    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint),
+      session_(session),
+      clipboard_(clipboard),
+      form_(session) {
+    setObjectName(QStringLiteral("frmSearch"));
+    setWindowTitle(Q(kSearchCaption));
+    setModal(true);
+
+    auto* layout = new QVBoxLayout(this);
+    auto* top = new QHBoxLayout;
+    auto* find = new QGroupBox(QStringLiteral("Text to search for (Full text or Parts)"), this);
+    auto* findLayout = new QVBoxLayout(find);
+    text1_ = new QPlainTextEdit(find);
+    text1_->setObjectName(QStringLiteral("Text1"));
+    text1_->setContextMenuPolicy(Qt::CustomContextMenu);
+    text1_->installEventFilter(this);
+    findLayout->addWidget(text1_);
+    top->addWidget(find, 3);
+
+    auto* preview = new QGroupBox(QStringLiteral("Text preview"), this);
+    auto* previewLayout = new QVBoxLayout(preview);
+    text3_ = new QPlainTextEdit(preview);
+    text3_->setObjectName(QStringLiteral("Text3"));
+    text3_->setReadOnly(true);
+    previewLayout->addWidget(text3_);
+    top->addWidget(preview, 3);
+    layout->addLayout(top);
+
+    auto* row = new QGridLayout;
+    text2_ = new QLineEdit(this);
+    text2_->setObjectName(QStringLiteral("Text2"));
+    text4_ = new QLineEdit(this);
+    text4_->setObjectName(QStringLiteral("Text4"));
+    row->addWidget(new QLabel(QStringLiteral("Offset (Dec):"), this), 0, 0);
+    row->addWidget(text2_, 0, 1);
+    row->addWidget(new QLabel(QStringLiteral("Length:"), this), 0, 2);
+    row->addWidget(text4_, 0, 3);
+    check1_ = new QCheckBox(QStringLiteral("Go to beginning of text*"), this);
+    check1_->setObjectName(QStringLiteral("Check1"));
+    check1_->setToolTip(QStringLiteral("Experimental"));
+    row->addWidget(check1_, 1, 0, 1, 2);
+    european_ = new QRadioButton(QStringLiteral("European Table"), this);
+    european_->setObjectName(QStringLiteral("Option1_0"));
+    european_->setToolTip(QStringLiteral("View Text using the European Table"));
+    japanese_ = new QRadioButton(QStringLiteral("Japanese Table"), this);
+    japanese_->setObjectName(QStringLiteral("Option1_1"));
+    japanese_->setToolTip(QStringLiteral("View Text using the Japanese Table"));
+    row->addWidget(european_, 1, 2);
+    row->addWidget(japanese_, 1, 3);
+    layout->addLayout(row);
+
+    auto* buttons = new QHBoxLayout;
+    search_ = new QPushButton(QStringLiteral("Search"), this);
+    search_->setObjectName(QStringLiteral("Command1"));
+    resume_ = new QPushButton(QStringLiteral("Resume"), this);
+    resume_->setObjectName(QStringLiteral("Command2"));
+    writeToIni_ = new QPushButton(QStringLiteral("Write to INI"), this);
+    writeToIni_->setObjectName(QStringLiteral("Command3"));
+    for (QPushButton* b : {search_, resume_, writeToIni_}) buttons->addWidget(b);
+    layout->addLayout(buttons);
+    status_ = new QStatusBar(this);
+    status_->setObjectName(QStringLiteral("StatusBar1"));
+    status_->setSizeGripEnabled(false);
+    layout->addWidget(status_);
+
+    textMenu_ = BuildMenu(this, SearchTextMenu(), [this](const MenuItem& item) {
+        Pull();
+        RunTextMenuItem(item.name, form_.text1, session_.prompter, clipboard_);
+        Push();
+    });
+    connect(text1_, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& pos) { ShowTextMenu(text1_->mapToGlobal(pos)); });
+    connect(search_, &QPushButton::clicked, this, [this] { Run(&SearchForm::SearchText); });
+    connect(resume_, &QPushButton::clicked, this, [this] { Run(&SearchForm::ResumeSearch); });
+    connect(writeToIni_, &QPushButton::clicked, this, [this] { Run(&SearchForm::WriteToIni); });
+    connect(european_, &QRadioButton::clicked, this, [this] {
+        Pull();
+        form_.ChooseTable(false);
+        Push();
+    });
+    connect(japanese_, &QRadioButton::clicked, this, [this] {
+        Pull();
+        form_.ChooseTable(true);
+        Push();
+    });
+    resize(sizeHint().expandedTo(QSize(560, 240)));
+    Push();
+}
+
+void SearchDialog::Pull() {
+    form_.text1.SetText(FromWidgetText(text1_->toPlainText()));
+    QTextCursor c = text1_->textCursor();
+    std::size_t start = BytePosition(form_.text1.Text(), c.selectionStart());
+    std::size_t end = BytePosition(form_.text1.Text(), c.selectionEnd());
+    form_.text1.Select(start, end - start);
+    form_.text2 = U(text2_->text());
+    form_.text4 = U(text4_->text());
+    form_.check1 = check1_->isChecked();
+}
+
+void SearchDialog::Push() {
+    const QString text = ToWidgetText(form_.text1.Text());
+    if (text1_->toPlainText() != text) text1_->setPlainText(text);
+    QTextCursor c = text1_->textCursor();
+    c.setPosition(WidgetPosition(form_.text1.Text(), form_.text1.SelectionStart()));
+    c.setPosition(WidgetPosition(form_.text1.Text(), form_.text1.SelectionStart() + form_.text1.SelectionLength()),
+                  QTextCursor::KeepAnchor);
+    text1_->setTextCursor(c);
+    text2_->setText(Q(form_.text2));
+    text4_->setText(Q(form_.text4));
+    text3_->setPlainText(ToWidgetText(form_.text3));
+    check1_->setChecked(form_.check1);
+    european_->setChecked(!form_.japaneseTable);
+    japanese_->setChecked(form_.japaneseTable);
+    search_->setEnabled(form_.command1Enabled);
+    resume_->setEnabled(form_.command2Enabled);
+    writeToIni_->setVisible(form_.command3Visible);
+    status_->showMessage(Q(form_.status));
+}
+
+void SearchDialog::Run(void (SearchForm::*command)()) {
+    Pull();
+    (form_.*command)();
+    Push();
+}
+
+void SearchDialog::ShowTextMenu(const QPoint& globalPos) { textMenu_->popup(globalPos); }
+
+bool SearchDialog::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == text1_ && event->type() == QEvent::KeyPress) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Insert && (key->modifiers() & Qt::ShiftModifier)) return true;
+        if (key->key() == Qt::Key_Menu) {
+            ShowTextMenu(text1_->mapToGlobal(text1_->cursorRect().bottomLeft()));
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+}  // namespace quillon::ui
