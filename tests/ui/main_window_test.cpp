@@ -30,6 +30,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <memory>
 
 using namespace quillon;
@@ -359,6 +360,14 @@ TEST_F(MainWindowTest, RendersAtItsSizeWithATextShown) {
     }
 }
 
+// With QUILLON_SHOT_DIR set, the window's picture is saved there for a look.
+void SaveShot(QWidget& w, const char* name) {
+    if (const char* dir = std::getenv("QUILLON_SHOT_DIR")) {
+        w.show();
+        w.grab().save(QString::fromUtf8(dir) + "/" + name);
+    }
+}
+
 TEST_F(MainWindowTest, TheSearchWindowFindsATextAndPreviewsIt) {
     StartAndOpen();
     ui::SearchDialog search(*session, clipboard, window.get());
@@ -373,6 +382,7 @@ TEST_F(MainWindowTest, TheSearchWindowFindsATextAndPreviewsIt) {
     EXPECT_TRUE(static_cast<QPlainTextEdit*>(find("Text3"))->toPlainText().contains("lamp"));
     EXPECT_TRUE(find("Command2")->isEnabled());
     EXPECT_FALSE(find("Command3")->isHidden());
+    SaveShot(search, "search-window.png");
     // Shift+Insert does not paste into the search text.
     clipboard.text = "xyz";
     QTest::keyClick(find("Text1"), Qt::Key_Insert, Qt::ShiftModifier);
@@ -394,6 +404,7 @@ TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
     EXPECT_TRUE(find("txtText")->isEnabled());
     QTest::mouseClick(static_cast<QAbstractButton*>(find("Option1_0")), Qt::LeftButton);
     QTest::keyClicks(static_cast<QLineEdit*>(find("txtOffset")), "123456");
+    SaveShot(script, "script-window.png");
     QTest::mouseClick(static_cast<QAbstractButton*>(find("Command1")), Qt::LeftButton);
     EXPECT_EQ(script.result(), QDialog::Accepted);
     auto shown = user.Take();
