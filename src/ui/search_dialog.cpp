@@ -3,6 +3,7 @@
 #include "app/session.h"
 #include "edit/tag_commands.h"
 #include "edit/text_menus.h"
+#include "ui/japanese_dialog.h"
 #include "ui/menu_builder.h"
 #include "ui/text_bridge.h"
 
@@ -88,7 +89,10 @@ SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* pare
     resume_->setObjectName(QStringLiteral("Command2"));
     writeToIni_ = new QPushButton(QStringLiteral("Write to INI"), this);
     writeToIni_->setObjectName(QStringLiteral("Command3"));
-    for (QPushButton* b : {search_, resume_, writeToIni_}) buttons->addWidget(b);
+    japaneseList_ = new QPushButton(QStringLiteral("あ"), this);
+    japaneseList_->setObjectName(QStringLiteral("Command4"));
+    japaneseList_->setToolTip(QStringLiteral("Japanese characters"));
+    for (QPushButton* b : {search_, resume_, writeToIni_, japaneseList_}) buttons->addWidget(b);
     layout->addLayout(buttons);
     status_ = new QStatusBar(this);
     status_->setObjectName(QStringLiteral("StatusBar1"));
@@ -105,6 +109,16 @@ SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* pare
     connect(search_, &QPushButton::clicked, this, [this] { Run(&SearchForm::SearchText); });
     connect(resume_, &QPushButton::clicked, this, [this] { Run(&SearchForm::ResumeSearch); });
     connect(writeToIni_, &QPushButton::clicked, this, [this] { Run(&SearchForm::WriteToIni); });
+    connect(japaneseList_, &QPushButton::clicked, this, [this] {
+        Pull();
+        JapaneseDialog list(
+            [this](int byte) {
+                form_.ClickJapaneseCell(byte);
+                Push();
+            },
+            this);
+        list.exec();
+    });
     connect(european_, &QRadioButton::clicked, this, [this] {
         Pull();
         form_.ChooseTable(false);
@@ -146,6 +160,7 @@ void SearchDialog::Push() {
     japanese_->setChecked(form_.japaneseTable);
     search_->setEnabled(form_.command1Enabled);
     resume_->setEnabled(form_.command2Enabled);
+    japaneseList_->setEnabled(form_.command4Enabled);
     writeToIni_->setVisible(form_.command3Visible);
     status_->showMessage(Q(form_.status));
 }

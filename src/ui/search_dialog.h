@@ -49,6 +49,7 @@ private:
     QPushButton* search_;
     QPushButton* resume_;
     QPushButton* writeToIni_;
+    QPushButton* japaneseList_;
     QStatusBar* status_;
     QMenu* textMenu_;
 };

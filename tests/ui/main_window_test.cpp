@@ -391,6 +391,7 @@ TEST_F(MainWindowTest, TheSearchWindowFindsATextAndPreviewsIt) {
     QTest::mouseClick(static_cast<QAbstractButton*>(find("Option1_1")), Qt::LeftButton);
     EXPECT_FALSE(find("Command1")->isEnabled());
     EXPECT_FALSE(find("Command2")->isEnabled());
+    EXPECT_FALSE(find("Command4")->isEnabled());
 }
 
 TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
