@@ -1,5 +1,7 @@
 #include "ui/add_offset_dialog.h"
 
+#include "ui/text_bridge.h"
+
 #include "offsets/add_offset_form.h"
 
 #include <QComboBox>
@@ -11,13 +13,6 @@
 #include <QVBoxLayout>
 
 namespace quillon::ui {
-namespace {
-
-QString Q(const std::string& s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
-std::string U(const QString& s) { return s.toUtf8().toStdString(); }
-
-}  // namespace
-
 AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
     : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint), form_(form) {
     setObjectName(QStringLiteral("frmAddOffset"));

@@ -16,7 +16,7 @@ namespace quillon::ui {
 AddScriptDialog::AddScriptDialog(Session& session, QWidget* parent)
     : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint), form_(session) {
     setObjectName(QStringLiteral("frmAddScript"));
-    setWindowTitle(QString::fromUtf8(kAddScriptCaption.data(), static_cast<qsizetype>(kAddScriptCaption.size())));
+    setWindowTitle(Q(kAddScriptCaption));
     setModal(true);
 
     auto* layout = new QVBoxLayout(this);

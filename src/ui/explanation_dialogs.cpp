@@ -1,5 +1,7 @@
 #include "ui/explanation_dialogs.h"
 
+#include "ui/text_bridge.h"
+
 #include "edit/explanations.h"
 
 #include <QEvent>
@@ -13,7 +15,6 @@
 namespace quillon::ui {
 namespace {
 
-QString Q(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
 
 // The pictures Image1 to Image9: the text menu's entries as the menu shows them.
 constexpr const char* kPictures[9] = {"TextMenu", "[PLAYER]", "[RIVAL]", "[TEAM1]", "[TEAM2]",

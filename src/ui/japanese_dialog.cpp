@@ -1,5 +1,7 @@
 #include "ui/japanese_dialog.h"
 
+#include "ui/text_bridge.h"
+
 #include "edit/tag_commands.h"
 
 #include <quillon/codec.h>
@@ -57,7 +59,7 @@ protected:
                 p.setPen(QColor(0x1C, 0x3A, 0x66));
                 if (kana.isEmpty()) {
                     p.setFont(kanaFont);
-                    p.drawText(cell, Qt::AlignCenter, QString::fromUtf8(roman.data(), static_cast<qsizetype>(roman.size())));
+                    p.drawText(cell, Qt::AlignCenter, Q(roman));
                     continue;
                 }
                 p.setFont(kanaFont);
@@ -65,7 +67,7 @@ protected:
                 p.setFont(romanFont);
                 p.setPen(QColor(0x70, 0x68, 0x60));
                 p.drawText(cell.adjusted(0, h * 0.6, 0, -2), Qt::AlignCenter,
-                           QString::fromUtf8(roman.data(), static_cast<qsizetype>(roman.size())));
+                           Q(roman));
             }
         }
     }
@@ -93,7 +95,7 @@ QString KanaOf(int byte) {
 JapaneseDialog::JapaneseDialog(std::function<void(int)> onCell, QWidget* parent)
     : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint) {
     setObjectName(QStringLiteral("frmJapanese"));
-    setWindowTitle(QString::fromUtf8(kJapaneseListCaption.data(), static_cast<qsizetype>(kJapaneseListCaption.size())));
+    setWindowTitle(Q(kJapaneseListCaption));
     setModal(true);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(new Grid(std::move(onCell), this));

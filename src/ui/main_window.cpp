@@ -43,7 +43,6 @@
 namespace quillon::ui {
 namespace {
 
-QString Q(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
 
 constexpr int kClientWidth = 10050;  // twips
 constexpr int kClientHeight = 6885;

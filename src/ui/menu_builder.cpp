@@ -1,11 +1,12 @@
 #include "ui/menu_builder.h"
 
+#include "ui/text_bridge.h"
+
 #include <QMenu>
 
 namespace quillon::ui {
 namespace {
 
-QString Q(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
 
 // Builds the pop-up `menu` from the menu data; `run` receives the chosen
 // item's data.

@@ -1,5 +1,7 @@
 #include "ui/qt_prompter.h"
 
+#include "ui/text_bridge.h"
+
 #include "ui/add_offset_dialog.h"
 
 #include <QFileDialog>
@@ -10,12 +12,7 @@
 namespace quillon::ui {
 namespace {
 
-QString Q(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
 
-std::string U(const QString& s) {
-    QByteArray utf8 = s.toUtf8();
-    return std::string(utf8.constData(), static_cast<std::size_t>(utf8.size()));
-}
 
 // Message texts join lines with CR LF; Qt wants LF.
 QString Lines(std::string_view text) { return Q(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")); }

@@ -23,13 +23,6 @@
 #include <QVBoxLayout>
 
 namespace quillon::ui {
-namespace {
-
-QString Q(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
-std::string U(const QString& s) { return s.toUtf8().toStdString(); }
-
-}  // namespace
-
 SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* parent)
     : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint),
       session_(session),

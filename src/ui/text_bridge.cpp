@@ -1,6 +1,13 @@
 #include "ui/text_bridge.h"
 
 namespace quillon::ui {
+
+QString Q(std::string_view utf8) { return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size())); }
+
+std::string U(const QString& text) {
+    const QByteArray utf8 = text.toUtf8();
+    return std::string(utf8.constData(), static_cast<std::size_t>(utf8.size()));
+}
 namespace {
 
 // Length in bytes of the UTF-8 sequence that starts with `lead`.

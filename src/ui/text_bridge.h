@@ -10,6 +10,11 @@
 
 namespace quillon::ui {
 
+// UTF-8 text of the logic as a QString, and back: every caption, name and
+// message crosses here unchanged.
+QString Q(std::string_view utf8);
+std::string U(const QString& text);
+
 // The editor text as the widget shows it: CR LF pairs become LF.
 QString ToWidgetText(std::string_view text);
 // The widget's text as the editor holds it: every LF becomes CR LF.
