@@ -1,8 +1,7 @@
 // The main window driven like a user would: start-up states, opening the
 // demonstration ROM, showing and editing texts, saving with repointing and
 // leaving the program. Runs on the offscreen platform.
-#include "app/clipboard.h"
-#include "app/session.h"
+#include "main_window_fixture.h"
 #include "edit/text_menus.h"
 #include "offsets/startup.h"
 #include "support/fake_prompter.h"
@@ -38,13 +37,6 @@ using namespace quillon::test;
 
 namespace {
 
-class PlainClipboard : public Clipboard {
-public:
-    std::string GetText() override { return text; }
-    void SetText(std::string_view t) override { text = t; }
-    std::string text;
-};
-
 const Shown kBackupWarning = Msg(Icon::Warning,
     "Warning: Before using any ROM-Hacking tools, always remember to create Backup copies of your ROM!\r\n"
     "The creator of this Tool doesn't take any responsibility for what might happen to your ROM!");
@@ -55,64 +47,6 @@ const Shown kLonger = Ask(
     "file again, until you restore it back to the original one.\r\n\r\nDo you want to Re-Point?",
     "Do you really want to do that?");
 const Shown kSaved = Msg(Icon::Information, "Text has been saved.", "Saved!");
-
-std::string Bytes(const std::string& hex) {
-    std::string out;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) out.push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-    return out;
-}
-
-// A program folder holding the shipped settings, the demonstration ROM and
-// its offset file, with the main window over a session on it.
-class MainWindowTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        std::filesystem::create_directories(dir / "ini");
-        std::filesystem::copy_file(QUILLON_SETTINGS_FILE, dir / "ini" / "settings.ini");
-        std::filesystem::copy_file(std::filesystem::path(QUILLON_DEMO_DIR) / "quillon-demo.gba", Rom());
-        std::filesystem::copy_file(std::filesystem::path(QUILLON_DEMO_DIR) / "ini" / "QDME.ini", dir / "ini" / "QDME.ini");
-        session = std::make_unique<Session>(dir.path(), user);
-        window = std::make_unique<ui::MainWindow>(*session, clipboard);
-    }
-    std::filesystem::path Rom() const { return dir / "quillon-demo.gba"; }
-
-    template <class W>
-    W* Find(const char* name) {
-        W* w = window->findChild<W*>(QString::fromUtf8(name));
-        EXPECT_NE(w, nullptr) << name;
-        return w;
-    }
-    void Click(const char* name) { QTest::mouseClick(Find<QAbstractButton>(name), Qt::LeftButton); }
-
-    void StartAndOpen() {
-        ASSERT_TRUE(StartUp(*session));
-        user.Then(Rom());
-        Click("XPButton1");
-        user.Take();
-    }
-    QTreeWidgetItem* Node(const QString& section, const QString& key) {
-        auto* tree = Find<QTreeWidget>("TreeView1");
-        for (int i = 0; i < tree->topLevelItemCount(); ++i) {
-            QTreeWidgetItem* s = tree->topLevelItem(i);
-            if (s->text(0) != section) continue;
-            for (int j = 0; j < s->childCount(); ++j)
-                if (s->child(j)->text(0) == key) return s->child(j);
-        }
-        ADD_FAILURE() << "no node " << key.toStdString();
-        return nullptr;
-    }
-    void Select(const QString& section, const QString& key) {
-        Find<QTreeWidget>("TreeView1")->setCurrentItem(Node(section, key));
-    }
-    QString Text1() { return Find<QPlainTextEdit>("Text1")->toPlainText(); }
-    std::string At(std::size_t offset, std::size_t count) { return ReadFile(Rom()).substr(offset, count); }
-
-    TempDir dir;
-    FakePrompter user;
-    PlainClipboard clipboard;
-    std::unique_ptr<Session> session;
-    std::unique_ptr<ui::MainWindow> window;
-};
 
 TEST_F(MainWindowTest, StartsWithNothingToEdit) {
     ASSERT_TRUE(StartUp(*session));
