@@ -19,3 +19,5 @@ QUILLON_BUILD_PACKAGES=(cmake ninja-build g++ libgtest-dev libgmock-dev libbench
 QUILLON_FUZZ_PACKAGES=(clang libclang-rt-dev)
 # The windows: Qt 6 Widgets, Network and Test, and an X server for screenshots.
 QUILLON_UI_PACKAGES=(qt6-base-dev xvfb xauth)
+# The screenshot tool: a CJK font for the kana of the Japanese character list.
+QUILLON_SHOT_PACKAGES=(fonts-noto-cjk)

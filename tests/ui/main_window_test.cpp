@@ -20,7 +20,6 @@
 #include <QLineEdit>
 #include <QStatusBar>
 #include <QMenu>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -29,7 +28,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 
 using namespace quillon;
@@ -280,26 +278,6 @@ TEST_F(MainWindowTest, RendersAtItsSizeWithATextShown) {
     const QPoint panel = Find<QWidget>("lblRepoint")->geometry().topRight() + QPoint(-2, 2);
     EXPECT_GT(qGray(image.pixel(panel)), 200);
     EXPECT_LT(qGray(image.pixel(window->width() / 2, 20)), 120);
-    // QUILLON_SCREENSHOT names a PNG file to keep the picture in.
-    const QByteArray out = qgetenv("QUILLON_SCREENSHOT");
-    if (!out.isEmpty()) {
-        // Outside the rounded shape the picture is transparent, as on screen.
-        QImage shaped(shot.size(), QImage::Format_ARGB32);
-        shaped.fill(Qt::transparent);
-        QPainter p(&shaped);
-        p.setClipRegion(window->mask());
-        p.drawPixmap(0, 0, shot);
-        p.end();
-        EXPECT_TRUE(shaped.save(QString::fromLocal8Bit(out), "PNG"));
-    }
-}
-
-// With QUILLON_SHOT_DIR set, the window's picture is saved there for a look.
-void SaveShot(QWidget& w, const char* name) {
-    if (const char* dir = std::getenv("QUILLON_SHOT_DIR")) {
-        w.show();
-        w.grab().save(QString::fromUtf8(dir) + "/" + name);
-    }
 }
 
 TEST_F(MainWindowTest, TheSearchWindowFindsATextAndPreviewsIt) {
@@ -316,7 +294,6 @@ TEST_F(MainWindowTest, TheSearchWindowFindsATextAndPreviewsIt) {
     EXPECT_TRUE(static_cast<QPlainTextEdit*>(find("Text3"))->toPlainText().contains("lamp"));
     EXPECT_TRUE(find("Command2")->isEnabled());
     EXPECT_FALSE(find("Command3")->isHidden());
-    SaveShot(search, "search-window.png");
     // Shift+Insert does not paste into the search text.
     clipboard.text = "xyz";
     QTest::keyClick(find("Text1"), Qt::Key_Insert, Qt::ShiftModifier);
@@ -339,7 +316,6 @@ TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
     EXPECT_TRUE(find("txtText")->isEnabled());
     QTest::mouseClick(static_cast<QAbstractButton*>(find("Option1_0")), Qt::LeftButton);
     QTest::keyClicks(static_cast<QLineEdit*>(find("txtOffset")), "123456");
-    SaveShot(script, "script-window.png");
     QTest::mouseClick(static_cast<QAbstractButton*>(find("Command1")), Qt::LeftButton);
     EXPECT_EQ(script.result(), QDialog::Accepted);
     auto shown = user.Take();

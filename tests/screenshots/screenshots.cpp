@@ -1,0 +1,180 @@
+// quillon_screenshots FOLDER: drives the real windows over the demonstration
+// ROM and saves a picture of the main window, its pop-up menus and every
+// auxiliary window into FOLDER. Each picture is checked before it is kept:
+// drawn (not blank), and with every control inside its window, no overlaps
+// and no cut captions. Runs on any Qt platform (offscreen or an X server).
+#include "layout_check.h"
+#include "main_window_fixture.h"
+#include "offsets/add_offset_form.h"
+#include "ui/about_dialog.h"
+#include "ui/add_offset_dialog.h"
+#include "ui/add_script_dialog.h"
+#include "ui/explanation_dialogs.h"
+#include "ui/japanese_dialog.h"
+#include "ui/search_dialog.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPainter>
+#include <QScreen>
+#include <QSet>
+
+#include <iostream>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+QString g_folder;
+
+// Pictures with fewer colours than this are taken for blank.
+constexpr int kMinColours = 12;
+
+int Colours(const QImage& image) {
+    QSet<QRgb> seen;
+    for (int y = 0; y < image.height(); y += 2)
+        for (int x = 0; x < image.width(); x += 2) seen.insert(image.pixel(x, y));
+    return static_cast<int>(seen.size());
+}
+
+void Settle(QWidget& w) {
+    w.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
+    QApplication::processEvents();
+}
+
+// Saves the picture of `w` as `name`, with the window's shape applied: outside
+// a masked window's region the picture is transparent, as on screen.
+void Keep(QWidget& w, const QString& name) {
+    Settle(w);
+    EXPECT_EQ(LayoutProblems(w), QStringList()) << name.toStdString();
+    const QPixmap shot = w.grab();
+    QImage image(shot.size(), QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    QPainter p(&image);
+    if (!w.mask().isEmpty()) p.setClipRegion(w.mask());
+    p.drawPixmap(0, 0, shot);
+    p.end();
+    EXPECT_GE(Colours(image), kMinColours) << name.toStdString() << " looks blank";
+    EXPECT_TRUE(image.save(g_folder + QLatin1Char('/') + name, "PNG")) << name.toStdString();
+}
+
+// On an X server the screen itself is captured too: the window as the window
+// system shows it, with `over` placed by Qt over it.
+void KeepScreen(QWidget& main, QWidget& over, const QString& name) {
+    if (QGuiApplication::platformName() != QLatin1String("xcb")) return;
+    Settle(main);
+    Settle(over);
+    QTest::qWait(200);
+    const QRect area = main.frameGeometry().united(over.frameGeometry()).adjusted(-8, -8, 8, 8);
+    const QPixmap screen = main.screen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
+    EXPECT_GE(Colours(screen.toImage()), kMinColours) << name.toStdString() << " looks blank";
+    EXPECT_TRUE(screen.save(g_folder + QLatin1Char('/') + name, "PNG"));
+}
+
+class Screenshot : public MainWindowTest {
+protected:
+    void SetUp() override {
+        MainWindowTest::SetUp();
+        StartAndOpen();
+        Select("Lighthouse", "Keeper");
+        window->move(40, 40);
+    }
+};
+
+TEST_F(Screenshot, MainWindow) {
+    Keep(*window, "main-window.png");
+}
+
+TEST_F(Screenshot, PopupMenus) {
+    Settle(*window);
+    auto* text1 = Find<QWidget>("Text1");
+    window->TextMenu()->popup(text1->mapToGlobal(QPoint(40, 40)));
+    Keep(*window->TextMenu(), "text-menu.png");
+    window->TextMenu()->hide();
+    window->ShowToolsMenu();
+    Keep(*window->ToolsMenu(), "tools-menu.png");
+    window->ToolsMenu()->hide();
+}
+
+TEST_F(Screenshot, SearchWindow) {
+    ui::SearchDialog search(*session, clipboard, window.get());
+    QTest::keyClicks(search.findChild<QWidget*>("Text1"), "lamp");
+    QTest::mouseClick(search.findChild<QAbstractButton*>("Command1"), Qt::LeftButton);
+    Keep(search, "search-window.png");
+    KeepScreen(*window, search, "screen-search-over-main.png");
+}
+
+TEST_F(Screenshot, AddOffsetWindow) {
+    AddOffsetForm form(*session);
+    form.sectionName = "Lighthouse";
+    form.textName = "Keeper, later";
+    ui::AddOffsetDialog dialog(form, window.get());
+    Keep(dialog, "add-offset-window.png");
+}
+
+TEST_F(Screenshot, ScriptWindow) {
+    ui::AddScriptDialog script(*session, window.get());
+    QTest::keyClicks(script.findChild<QLineEdit*>("txtOffset"), "123456");
+    Keep(script, "script-window.png");
+}
+
+TEST_F(Screenshot, JapaneseList) {
+    ui::JapaneseDialog list([](int) {}, window.get());
+    Keep(list, "japanese-list.png");
+}
+
+TEST_F(Screenshot, AboutWindow) {
+    ui::AboutDialog about(window.get());
+    Keep(about, "about-window.png");
+}
+
+TEST_F(Screenshot, ExplanationWindows) {
+    ui::MenuExplanationDialog menus(user, window.get());
+    Keep(menus, "menu-explanation.png");
+    ui::ColorExplanationDialog colours(&menus);
+    Keep(colours, "colour-explanation.png");
+}
+
+// The checker itself finds what it looks for, so a clean run means something.
+TEST(LayoutCheck, FindsOverlapsCutCaptionsAndControlsOutside) {
+    QWidget w;
+    w.resize(200, 100);
+    auto* a = new QLabel(QStringLiteral("A"), &w);
+    a->setObjectName(QStringLiteral("a"));
+    a->setGeometry(10, 10, 40, 20);
+    auto* b = new QLabel(QStringLiteral("B"), &w);
+    b->setObjectName(QStringLiteral("b"));
+    b->setGeometry(30, 15, 40, 20);
+    auto* cut = new QLabel(QStringLiteral("A caption far too long for its box"), &w);
+    cut->setObjectName(QStringLiteral("cut"));
+    cut->setGeometry(10, 50, 30, 20);
+    auto* out = new QLabel(QStringLiteral("x"), &w);
+    out->setObjectName(QStringLiteral("out"));
+    out->setGeometry(190, 90, 30, 20);
+    const QStringList problems = LayoutProblems(w);
+    EXPECT_TRUE(problems.contains(QStringLiteral("a overlaps b"))) << problems.join(';').toStdString();
+    EXPECT_TRUE(problems.contains(QStringLiteral("cut cuts its caption \"A caption far too long for its box\"")));
+    EXPECT_TRUE(problems.contains(QStringLiteral("out reaches outside the window")));
+    delete b;
+    delete cut;
+    delete out;
+    EXPECT_TRUE(LayoutProblems(w).isEmpty());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    if (argc != 2) {
+        std::cerr << "usage: quillon_screenshots FOLDER\n";
+        return 2;
+    }
+    g_folder = QString::fromLocal8Bit(argv[1]);
+    std::filesystem::create_directories(std::filesystem::path(argv[1]));
+    return RUN_ALL_TESTS();
+}
