@@ -47,13 +47,16 @@ QString ToQtFilter(std::string_view filter) {
     return entries.join(QStringLiteral(";;"));
 }
 
+// Boxes shown before the main window appears are centred on the screen.
+QWidget* QtPrompter::Owner() const { return parent_ && parent_->isVisible() ? parent_ : nullptr; }
+
 void QtPrompter::Message(Icon icon, std::string_view text, std::string_view title) {
-    QMessageBox box(ToQt(icon), Q(title), Lines(text), QMessageBox::Ok, parent_);
+    QMessageBox box(ToQt(icon), Q(title), Lines(text), QMessageBox::Ok, Owner());
     box.exec();
 }
 
 bool QtPrompter::AskYesNo(std::string_view text, std::string_view title) {
-    QMessageBox box(QMessageBox::Question, Q(title), Lines(text), QMessageBox::Yes | QMessageBox::No, parent_);
+    QMessageBox box(QMessageBox::Question, Q(title), Lines(text), QMessageBox::Yes | QMessageBox::No, Owner());
     return box.exec() == QMessageBox::Yes;
 }
 

@@ -26,6 +26,8 @@ public:
     void ShowAddOffset(AddOffsetForm& form) override;
 
 private:
+    QWidget* Owner() const;
+
     QWidget* parent_ = nullptr;
 };
 
