@@ -16,6 +16,7 @@
 #include "ui/menu_builder.h"
 #include "ui/text_bridge.h"
 #include "ui/tree_icons.h"
+#include "ui/update_dialog.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -213,7 +214,12 @@ void MainWindow::BuildControls() {
 
     textMenu_ = BuildMenu(this, quillon::TextMenu(), [this](const MenuItem& item) { RunTextMenu(Q(item.name)); });
     toolsMenu_ = BuildMenu(this, quillon::ToolsMenu(), [this](const MenuItem& item) {
-        if (item.action != MenuAction::TextScript) return;  // the live update comes with its own window
+        if (item.action == MenuAction::Update) {
+            UpdateDialog update(session_.prompter, session_.programFolder, QUILLON_UPDATE_BASE_URL, this);
+            update.exec();
+            return;
+        }
+        if (item.action != MenuAction::TextScript) return;
         AddScriptDialog dialog(session_, this);
         dialog.exec();
         session_.Changed();

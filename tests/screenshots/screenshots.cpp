@@ -12,6 +12,8 @@
 #include "ui/explanation_dialogs.h"
 #include "ui/japanese_dialog.h"
 #include "ui/search_dialog.h"
+#include "ui/update_dialog.h"
+#include "support/local_http_server.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -137,6 +139,17 @@ TEST_F(Screenshot, ExplanationWindows) {
     Keep(menus, "menu-explanation.png");
     ui::ColorExplanationDialog colours(&menus);
     Keep(colours, "colour-explanation.png");
+}
+
+TEST_F(Screenshot, UpdateWindow) {
+    LocalHttpServer server;
+    server.Serve("/updates/quillon.txt", Body("3.1.2"));
+    server.Serve("/updates/quillon2.txt", Body(server.Url("/files/quillon-3.1.2.zip")));
+    ui::UpdateDialog update(user, dir.path(), server.Url(), window.get(), "3.1.1");
+    Keep(update, "update-window-ready.png");
+    QTest::mouseClick(update.findChild<QAbstractButton*>("cmdCheck"), Qt::LeftButton);
+    ASSERT_TRUE(WaitUntil([&] { return !update.findChild<QWidget*>("cmdDownload")->isHidden(); }));
+    Keep(update, "update-window.png");
 }
 
 // The checker itself finds what it looks for, so a clean run means something.
