@@ -1,10 +1,11 @@
 #include "ui/about_dialog.h"
 
+#include "ui/xp_button.h"
+
 #include <QDesktopServices>
 #include <QLabel>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPushButton>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -100,10 +101,8 @@ AboutDialog::AboutDialog(QWidget* parent, ProgramVersion version)
     layout->addWidget(new QLabel(QStringLiteral("Bel Akerfeldt, Corin Hale, Dax Morrow,\nJune Pallister, Tobin Quayle"), this));
     layout->addStretch();
 
-    auto* ok = new QPushButton(QStringLiteral("&OK"), this);
-    ok->setObjectName(QStringLiteral("Command1"));
-    ok->setDefault(true);
-    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    auto* ok = new XPButton(QStringLiteral("Command1"), QStringLiteral("&OK"), this);
+    connect(ok, &XPButton::clicked, this, &QDialog::accept);
     layout->addWidget(ok);
 
     // 6615 x 6225 twips at 15 twips per pixel.

@@ -1,6 +1,7 @@
 #include "ui/add_offset_dialog.h"
 
 #include "ui/text_bridge.h"
+#include "ui/xp_button.h"
 
 #include "offsets/add_offset_form.h"
 
@@ -9,7 +10,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace quillon::ui {
@@ -45,11 +45,8 @@ AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
     offsetLayout->addWidget(new QLabel(QStringLiteral("(Decimal)"), offsetFrame));
     layout->addWidget(offsetFrame);
 
-    add_ = new QPushButton(QStringLiteral("&Add to INI"), this);
-    add_->setObjectName(QStringLiteral("Command1"));
-    add_->setDefault(true);
-    cancel_ = new QPushButton(QStringLiteral("&Cancel"), this);
-    cancel_->setObjectName(QStringLiteral("Command2"));
+    add_ = new XPButton(QStringLiteral("Command1"), QStringLiteral("&Add to INI"), this);
+    cancel_ = new XPButton(QStringLiteral("Command2"), QStringLiteral("&Cancel"), this);
     layout->addWidget(add_);
     layout->addWidget(cancel_);
 
@@ -64,11 +61,11 @@ AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
         form_.ChooseSection(static_cast<std::size_t>(index));
         Push();
     });
-    connect(add_, &QPushButton::clicked, this, [this] {
+    connect(add_, &XPButton::clicked, this, [this] {
         Pull();
         if (form_.Add()) accept();
     });
-    connect(cancel_, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cancel_, &XPButton::clicked, this, &QDialog::reject);
 
     // 2760 x 4140 twips at 15 twips per pixel.
     resize(184, 276);

@@ -9,9 +9,10 @@ class AddOffsetForm;
 
 class QComboBox;
 class QLineEdit;
-class QPushButton;
 
 namespace quillon::ui {
+
+class XPButton;
 
 class AddOffsetDialog : public QDialog {
 public:
@@ -26,8 +27,8 @@ private:
     QComboBox* sections_;
     QLineEdit* name_;
     QLineEdit* offset_;
-    QPushButton* add_;
-    QPushButton* cancel_;
+    XPButton* add_;
+    XPButton* cancel_;
 };
 
 }  // namespace quillon::ui

@@ -1,13 +1,13 @@
 #include "ui/add_script_dialog.h"
 
 #include "ui/text_bridge.h"
+#include "ui/xp_button.h"
 
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
 
@@ -49,9 +49,7 @@ AddScriptDialog::AddScriptDialog(Session& session, QWidget* parent)
     check1_ = new QCheckBox(QStringLiteral("Add offset to INI file?"), this);
     check1_->setObjectName(QStringLiteral("Check1"));
     layout->addWidget(check1_);
-    auto* add = new QPushButton(QStringLiteral("Add Script"), this);
-    add->setObjectName(QStringLiteral("Command1"));
-    add->setDefault(true);
+    auto* add = new XPButton(QStringLiteral("Command1"), QStringLiteral("Add Script"), this);
     layout->addWidget(add);
 
     connect(fromOffset_, &QRadioButton::clicked, this, [this] {
@@ -62,7 +60,7 @@ AddScriptDialog::AddScriptDialog(Session& session, QWidget* parent)
         form_.ChooseOption(1);
         Push();
     });
-    connect(add, &QPushButton::clicked, this, [this] {
+    connect(add, &XPButton::clicked, this, [this] {
         form_.txtOffset = txtOffset_->text().toUtf8().toStdString();
         form_.txtText.SetText(FromWidgetText(txtText_->toPlainText()));
         form_.check1 = check1_->isChecked();

@@ -1,6 +1,7 @@
 #include "ui/explanation_dialogs.h"
 
 #include "ui/text_bridge.h"
+#include "ui/xp_button.h"
 
 #include "edit/explanations.h"
 
@@ -9,7 +10,6 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace quillon::ui {
@@ -43,9 +43,8 @@ MenuExplanationDialog::MenuExplanationDialog(Prompter& prompter, QWidget* parent
     }
     layout->addLayout(grid);
     layout->addStretch();
-    auto* ok = new QPushButton(QStringLiteral("&OK"), this);
-    ok->setObjectName(QStringLiteral("Command1"));
-    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    auto* ok = new XPButton(QStringLiteral("Command1"), QStringLiteral("&OK"), this);
+    connect(ok, &XPButton::clicked, this, &QDialog::accept);
     layout->addWidget(ok);
     // 5295 x 4140 twips at 15 twips per pixel.
     resize(353, 276);
@@ -87,9 +86,8 @@ ColorExplanationDialog::ColorExplanationDialog(QWidget* parent)
     auto* label = new QLabel(Q(kColorExplLabel), this);
     label->setWordWrap(true);
     layout->addWidget(label);
-    auto* ok = new QPushButton(QStringLiteral("&OK"), this);
-    ok->setObjectName(QStringLiteral("Command1"));
-    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    auto* ok = new XPButton(QStringLiteral("Command1"), QStringLiteral("&OK"), this);
+    connect(ok, &XPButton::clicked, this, &QDialog::accept);
     layout->addWidget(ok);
     // 12030 x 3570 twips at 15 twips per pixel.
     resize(802, 238);

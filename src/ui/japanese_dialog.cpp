@@ -1,6 +1,7 @@
 #include "ui/japanese_dialog.h"
 
 #include "ui/text_bridge.h"
+#include "ui/xp_button.h"
 
 #include "edit/tag_commands.h"
 
@@ -9,7 +10,6 @@
 #include <QFontDatabase>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace quillon::ui {
@@ -99,10 +99,9 @@ JapaneseDialog::JapaneseDialog(std::function<void(int)> onCell, QWidget* parent)
     setModal(true);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(new Grid(std::move(onCell), this));
-    auto* close = new QPushButton(QStringLiteral("&Close"), this);
-    close->setObjectName(QStringLiteral("Command1"));
+    auto* close = new XPButton(QStringLiteral("Command1"), QStringLiteral("&Close"), this);
     layout->addWidget(close, 0, Qt::AlignRight);
-    connect(close, &QPushButton::clicked, this, &QDialog::accept);
+    connect(close, &XPButton::clicked, this, &QDialog::accept);
 }
 
 }  // namespace quillon::ui

@@ -10,6 +10,7 @@
 #include "offsets/open_rom.h"
 #include "tools/export_text.h"
 #include "ui/about_dialog.h"
+#include "ui/button_pictures.h"
 #include "ui/add_script_dialog.h"
 #include "ui/explanation_dialogs.h"
 #include "ui/search_dialog.h"
@@ -17,6 +18,7 @@
 #include "ui/text_bridge.h"
 #include "ui/tree_icons.h"
 #include "ui/update_dialog.h"
+#include "ui/xp_button.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -31,7 +33,6 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QTextBlock>
 #include <QTreeWidget>
@@ -118,25 +119,27 @@ void MainWindow::BuildControls() {
         session_.Changed();
     });
 
-    save_ = new QPushButton(QStringLiteral("S&ave Text"), this);
-    save_->setObjectName(QStringLiteral("Command2"));
-    connect(save_, &QPushButton::clicked, this, [this] { SaveText(session_); });
+    const qreal dpr = devicePixelRatioF();
+    save_ = new XPButton(QStringLiteral("Command2"), QStringLiteral("S&ave Text"), this);
+    save_->SetPictureNormal(ButtonPicture(QStringLiteral("save"), 16, dpr));
+    connect(save_, &XPButton::clicked, this, [this] { SaveText(session_); });
 
     const char* names[5] = {"XPButton1", "XPButton2", "XPButton3", "XPButton6", "XPButton4"};
     const char* captions[5] = {"&Open ROM", "&Exit", "&Search", "&Tools", "&About"};
+    const char* pictures[5] = {"open", "exit", "search", "tools", "about"};
     for (int i = 0; i < 5; ++i) {
-        buttons_[i] = new QPushButton(QString::fromUtf8(captions[i]), this);
-        buttons_[i]->setObjectName(QString::fromUtf8(names[i]));
+        buttons_[i] = new XPButton(QString::fromUtf8(names[i]), QString::fromUtf8(captions[i]), this);
+        buttons_[i]->SetPictureNormal(ButtonPicture(QString::fromUtf8(pictures[i]), 24, dpr));
     }
-    connect(buttons_[0], &QPushButton::clicked, this, [this] { OpenRom(session_); });
-    connect(buttons_[1], &QPushButton::clicked, this, [this] { ExitProgram(); });
-    connect(buttons_[2], &QPushButton::clicked, this, [this] {
+    connect(buttons_[0], &XPButton::clicked, this, [this] { OpenRom(session_); });
+    connect(buttons_[1], &XPButton::clicked, this, [this] { ExitProgram(); });
+    connect(buttons_[2], &XPButton::clicked, this, [this] {
         SearchDialog dialog(session_, clipboard_, this);
         dialog.exec();
         session_.Changed();
     });
-    connect(buttons_[3], &QPushButton::clicked, this, [this] { ShowToolsMenu(); });
-    connect(buttons_[4], &QPushButton::clicked, this, [this] {
+    connect(buttons_[3], &XPButton::clicked, this, [this] { ShowToolsMenu(); });
+    connect(buttons_[4], &XPButton::clicked, this, [this] {
         AboutDialog about(this);
         about.exec();
     });
@@ -164,9 +167,8 @@ void MainWindow::BuildControls() {
     });
     connect(tree_, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) { ShowTreeMenu(pos); });
 
-    offset_ = new QPushButton(QStringLiteral("O&ffset"), this);
-    offset_->setObjectName(QStringLiteral("Command5"));
-    connect(offset_, &QPushButton::clicked, this, [this] { ViewOffset(session_); });
+    offset_ = new XPButton(QStringLiteral("Command5"), QStringLiteral("O&ffset"), this);
+    connect(offset_, &XPButton::clicked, this, [this] { ViewOffset(session_); });
 
     frame1_ = new QGroupBox(QStringLiteral("Information"), this);
     frame1_->setObjectName(QStringLiteral("Frame1"));

@@ -11,7 +11,6 @@ class QGroupBox;
 class QLabel;
 class QMenu;
 class QPlainTextEdit;
-class QPushButton;
 class QRadioButton;
 class QTreeWidget;
 class QTreeWidgetItem;
@@ -23,6 +22,8 @@ struct Menu;
 }  // namespace quillon
 
 namespace quillon::ui {
+
+class XPButton;
 
 // Pixels for a length in twips at this window's logical DPI (15 twips per
 // pixel at 96 dpi), rounded half to even.
@@ -72,9 +73,9 @@ private:
     QCheckBox* check1_ = nullptr;
     QRadioButton* european_ = nullptr;
     QRadioButton* japanese_ = nullptr;
-    QPushButton* save_ = nullptr;
-    QPushButton* offset_ = nullptr;
-    QPushButton* buttons_[5] = {};  // XPButton1, 2, 3, 6, 4 from top to bottom
+    XPButton* save_ = nullptr;
+    XPButton* offset_ = nullptr;
+    XPButton* buttons_[5] = {};  // XPButton1, 2, 3, 6, 4 from top to bottom
     QGroupBox* frame1_ = nullptr;
     QLabel* label2_ = nullptr;
     QLabel* label4_ = nullptr;

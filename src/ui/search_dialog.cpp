@@ -6,6 +6,7 @@
 #include "ui/japanese_dialog.h"
 #include "ui/menu_builder.h"
 #include "ui/text_bridge.h"
+#include "ui/xp_button.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -16,7 +17,6 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QStatusBar>
 #include <QTextCursor>
@@ -76,16 +76,12 @@ SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* pare
     layout->addLayout(row);
 
     auto* buttons = new QHBoxLayout;
-    search_ = new QPushButton(QStringLiteral("Search"), this);
-    search_->setObjectName(QStringLiteral("Command1"));
-    resume_ = new QPushButton(QStringLiteral("Resume"), this);
-    resume_->setObjectName(QStringLiteral("Command2"));
-    writeToIni_ = new QPushButton(QStringLiteral("Write to INI"), this);
-    writeToIni_->setObjectName(QStringLiteral("Command3"));
-    japaneseList_ = new QPushButton(QStringLiteral("あ"), this);
-    japaneseList_->setObjectName(QStringLiteral("Command4"));
+    search_ = new XPButton(QStringLiteral("Command1"), QStringLiteral("Search"), this);
+    resume_ = new XPButton(QStringLiteral("Command2"), QStringLiteral("Resume"), this);
+    writeToIni_ = new XPButton(QStringLiteral("Command3"), QStringLiteral("Write to INI"), this);
+    japaneseList_ = new XPButton(QStringLiteral("Command4"), QStringLiteral("あ"), this);
     japaneseList_->setToolTip(QStringLiteral("Japanese characters"));
-    for (QPushButton* b : {search_, resume_, writeToIni_, japaneseList_}) buttons->addWidget(b);
+    for (XPButton* b : {search_, resume_, writeToIni_, japaneseList_}) buttons->addWidget(b);
     layout->addLayout(buttons);
     status_ = new QStatusBar(this);
     status_->setObjectName(QStringLiteral("StatusBar1"));
@@ -99,10 +95,10 @@ SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* pare
     });
     connect(text1_, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& pos) { ShowTextMenu(text1_->mapToGlobal(pos)); });
-    connect(search_, &QPushButton::clicked, this, [this] { Run(&SearchForm::SearchText); });
-    connect(resume_, &QPushButton::clicked, this, [this] { Run(&SearchForm::ResumeSearch); });
-    connect(writeToIni_, &QPushButton::clicked, this, [this] { Run(&SearchForm::WriteToIni); });
-    connect(japaneseList_, &QPushButton::clicked, this, [this] {
+    connect(search_, &XPButton::clicked, this, [this] { Run(&SearchForm::SearchText); });
+    connect(resume_, &XPButton::clicked, this, [this] { Run(&SearchForm::ResumeSearch); });
+    connect(writeToIni_, &XPButton::clicked, this, [this] { Run(&SearchForm::WriteToIni); });
+    connect(japaneseList_, &XPButton::clicked, this, [this] {
         Pull();
         JapaneseDialog list(
             [this](int byte) {

@@ -10,7 +10,6 @@ class QCheckBox;
 class QLineEdit;
 class QMenu;
 class QPlainTextEdit;
-class QPushButton;
 class QRadioButton;
 class QStatusBar;
 
@@ -20,6 +19,8 @@ class Session;
 }  // namespace quillon
 
 namespace quillon::ui {
+
+class XPButton;
 
 class SearchDialog : public QDialog {
 public:
@@ -46,10 +47,10 @@ private:
     QCheckBox* check1_;
     QRadioButton* european_;
     QRadioButton* japanese_;
-    QPushButton* search_;
-    QPushButton* resume_;
-    QPushButton* writeToIni_;
-    QPushButton* japaneseList_;
+    XPButton* search_;
+    XPButton* resume_;
+    XPButton* writeToIni_;
+    XPButton* japaneseList_;
     QStatusBar* status_;
     QMenu* textMenu_;
 };

@@ -1,5 +1,7 @@
 #include "ui/update_dialog.h"
 
+#include "ui/xp_button.h"
+
 #include "ui/main_window.h"
 #include "ui/text_bridge.h"
 
@@ -9,7 +11,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
-#include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
 
@@ -102,23 +103,19 @@ UpdateDialog::UpdateDialog(Prompter& prompter, const std::filesystem::path& prog
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    check_ = new QPushButton(QStringLiteral("&Check"), this);
-    check_->setObjectName(QStringLiteral("cmdCheck"));
-    download_ = new QPushButton(QStringLiteral("&Download"), this);
-    download_->setObjectName(QStringLiteral("cmdDownload"));
-    cancel_ = new QPushButton(QStringLiteral("&Cancel"), this);
-    cancel_->setObjectName(QStringLiteral("cmdCancel"));
-    for (QPushButton* b : {check_, download_, cancel_}) {
-        b->setAutoDefault(false);
+    check_ = new XPButton(QStringLiteral("cmdCheck"), QStringLiteral("&Check"), this);
+    download_ = new XPButton(QStringLiteral("cmdDownload"), QStringLiteral("&Download"), this);
+    cancel_ = new XPButton(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), this);
+    for (XPButton* b : {check_, download_, cancel_}) {
         b->setMinimumWidth(90);
         buttons->addWidget(b);
     }
     body->addLayout(buttons);
     layout->addLayout(body);
 
-    connect(check_, &QPushButton::clicked, this, [this] { form_.Check(); });
-    connect(download_, &QPushButton::clicked, this, [this] { form_.Download(); });
-    connect(cancel_, &QPushButton::clicked, this, &UpdateDialog::reject);
+    connect(check_, &XPButton::clicked, this, [this] { form_.Check(); });
+    connect(download_, &XPButton::clicked, this, [this] { form_.Download(); });
+    connect(cancel_, &XPButton::clicked, this, &UpdateDialog::reject);
     form_.OnChanged([this] { Push(); });
     Push();
 

@@ -12,13 +12,14 @@
 
 class QLabel;
 class QProgressBar;
-class QPushButton;
 
 namespace quillon {
 class Prompter;
 }
 
 namespace quillon::ui {
+
+class XPButton;
 
 class UpdateDialog : public QDialog {
 public:
@@ -38,9 +39,9 @@ private:
     QProgressBar* prog_;
     QLabel* label1_;
     QLabel* updateMsg_;
-    QPushButton* check_;
-    QPushButton* download_;
-    QPushButton* cancel_;
+    XPButton* check_;
+    XPButton* download_;
+    XPButton* cancel_;
 };
 
 }  // namespace quillon::ui

@@ -13,6 +13,7 @@
 #include "ui/japanese_dialog.h"
 #include "ui/search_dialog.h"
 #include "ui/update_dialog.h"
+#include "ui/xp_button_gallery.h"
 #include "support/local_http_server.h"
 
 #include <QApplication>
@@ -150,6 +151,13 @@ TEST_F(Screenshot, UpdateWindow) {
     QTest::mouseClick(update.findChild<QAbstractButton*>("cmdCheck"), Qt::LeftButton);
     ASSERT_TRUE(WaitUntil([&] { return !update.findChild<QWidget*>("cmdDownload")->isHidden(); }));
     Keep(update, "update-window.png");
+}
+
+// Every button style in its normal, hover, pressed, focused, disabled and
+// checked look.
+TEST(ButtonGallery, AllStylesInEveryState) {
+    std::unique_ptr<QWidget> gallery(ui::MakeXPButtonGallery(nullptr));
+    Keep(*gallery, "xpbutton-gallery.png");
 }
 
 // The checker itself finds what it looks for, so a clean run means something.

@@ -6,10 +6,10 @@
 #include "app/clipboard.h"
 #include "ui/about_dialog.h"
 #include "ui/main_window.h"
+#include "ui/xp_button.h"
 
 #include <QApplication>
 #include <QLabel>
-#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
@@ -42,7 +42,7 @@ TEST(About, WindowShowsVersionLinksAndClosesWithOk) {
     EXPECT_TRUE(about.findChild<QLabel*>("Label4")->text().contains("href="));
     EXPECT_EQ(about.findChild<QLabel*>("Image7")->toolTip(), "Quillon logo");
     about.show();
-    QTest::mouseClick(about.findChild<QPushButton*>("Command1"), Qt::LeftButton);
+    QTest::mouseClick(about.findChild<ui::XPButton*>("Command1"), Qt::LeftButton);
     EXPECT_FALSE(about.isVisible());
     EXPECT_EQ(about.result(), QDialog::Accepted);
 }
@@ -71,7 +71,7 @@ TEST(About, TheAboutButtonOpensItModallyOverTheMainWindow) {
         seenParent = modal->parentWidget();
         modal->close();
     });
-    window.findChild<QPushButton*>("XPButton4")->click();
+    window.findChild<ui::XPButton*>("XPButton4")->click();
     EXPECT_EQ(seenTitle, "About Quillon");
     EXPECT_TRUE(seenModal);
     EXPECT_EQ(seenParent, &window);

@@ -8,10 +8,10 @@
 #include "ui/qt_prompter.h"
 #include "ui/text_bridge.h"
 #include "ui/tree_icons.h"
+#include "ui/xp_button.h"
 
 #include <QComboBox>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -119,7 +119,7 @@ TEST_F(AddOffsetWindow, ChoosingASectionAndAddingWritesTheEntry) {
     EXPECT_EQ(Find<QLineEdit>(dialog, "Text1")->text(), "Market");
     Find<QLineEdit>(dialog, "Text2")->setText(QStringLiteral("Guard"));
     Find<QLineEdit>(dialog, "Text3")->setText(QStringLiteral("1000000"));
-    QTest::mouseClick(Find<QPushButton>(dialog, "Command1"), Qt::LeftButton);
+    QTest::mouseClick(Find<ui::XPButton>(dialog, "Command1"), Qt::LeftButton);
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
     EXPECT_TRUE(form.Added());
     EXPECT_NE(ReadFile(dir / "ini" / "QDME.ini").find("Guard=F4240"), std::string::npos);
@@ -130,7 +130,7 @@ TEST_F(AddOffsetWindow, EmptyBoxesKeepTheWindowOpen) {
     ui::AddOffsetDialog dialog(form);
     dialog.show();
     Find<QLineEdit>(dialog, "Text1")->setText(QStringLiteral("Harbour"));
-    QTest::mouseClick(Find<QPushButton>(dialog, "Command1"), Qt::LeftButton);
+    QTest::mouseClick(Find<ui::XPButton>(dialog, "Command1"), Qt::LeftButton);
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_FALSE(form.Added());
     dialog.hide();
@@ -143,7 +143,7 @@ TEST_F(AddOffsetWindow, AnOffsetPastTheRomIsRefusedAndTheWindowStays) {
     Find<QLineEdit>(dialog, "Text1")->setText(QStringLiteral("Harbour"));
     Find<QLineEdit>(dialog, "Text2")->setText(QStringLiteral("Far"));
     Find<QLineEdit>(dialog, "Text3")->setText(QStringLiteral("2097152"));
-    QTest::mouseClick(Find<QPushButton>(dialog, "Command1"), Qt::LeftButton);
+    QTest::mouseClick(Find<ui::XPButton>(dialog, "Command1"), Qt::LeftButton);
     EXPECT_TRUE(dialog.isVisible());
     auto shown = user.Take();
     ASSERT_EQ(shown.size(), 1u);
@@ -157,7 +157,7 @@ TEST_F(AddOffsetWindow, APresetOffsetIsFixedAndCannotBeCancelled) {
     ui::AddOffsetDialog dialog(form);
     EXPECT_EQ(Find<QLineEdit>(dialog, "Text3")->text(), "4096");
     EXPECT_FALSE(Find<QLineEdit>(dialog, "Text3")->isEnabled());
-    EXPECT_FALSE(Find<QPushButton>(dialog, "Command2")->isEnabled());
+    EXPECT_FALSE(Find<ui::XPButton>(dialog, "Command2")->isEnabled());
 }
 
 }  // namespace

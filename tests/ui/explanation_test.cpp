@@ -7,10 +7,10 @@
 #include "support/temp_dir.h"
 #include "ui/explanation_dialogs.h"
 #include "ui/main_window.h"
+#include "ui/xp_button.h"
 
 #include <QApplication>
 #include <QLabel>
-#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
@@ -45,14 +45,14 @@ TEST(MenuExplanationWindow, TheColourPictureOpensTheColourWindowOverIt) {
         if (QWidget* modal = QApplication::activeModalWidget()) {
             seenTitle = modal->windowTitle();
             seenParent = modal->parentWidget();
-            modal->findChild<QPushButton*>("Command1")->click();
+            modal->findChild<ui::XPButton*>("Command1")->click();
         }
     });
     QTest::mouseClick(Picture(help, 8), Qt::LeftButton);
     EXPECT_EQ(seenTitle, "Color Tag explanation");
     EXPECT_EQ(seenParent, &help);
     EXPECT_TRUE(user.Take().empty());
-    QTest::mouseClick(help.findChild<QPushButton*>("Command1"), Qt::LeftButton);
+    QTest::mouseClick(help.findChild<ui::XPButton*>("Command1"), Qt::LeftButton);
     EXPECT_FALSE(help.isVisible());
 }
 

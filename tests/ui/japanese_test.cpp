@@ -1,7 +1,7 @@
 // The Japanese character list: kana per byte and clicks on the grid's cells.
 #include "ui/japanese_dialog.h"
+#include "ui/xp_button.h"
 
-#include <QPushButton>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -36,6 +36,6 @@ TEST(JapaneseList, ACellClickHandsOverItsByteAndTheWindowStaysOpen) {
     QTest::mouseClick(grid, Qt::RightButton, {}, cellCentre(3, 3));
     EXPECT_EQ(clicked, (std::vector<int>{0x06, 0xAF}));
     EXPECT_TRUE(list.isVisible());
-    QTest::mouseClick(list.findChild<QPushButton*>("Command1"), Qt::LeftButton);
+    QTest::mouseClick(list.findChild<quillon::ui::XPButton*>("Command1"), Qt::LeftButton);
     EXPECT_FALSE(list.isVisible());
 }

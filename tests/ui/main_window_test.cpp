@@ -9,6 +9,7 @@
 #include "ui/add_script_dialog.h"
 #include "ui/main_window.h"
 #include "ui/search_dialog.h"
+#include "ui/xp_button.h"
 
 #include <quillon/codec.h>
 
@@ -21,7 +22,6 @@
 #include <QStatusBar>
 #include <QMenu>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
 #include <QTreeWidget>
@@ -58,7 +58,7 @@ TEST_F(MainWindowTest, StartsWithNothingToEdit) {
     EXPECT_TRUE(Find<QRadioButton>("Option1_0")->isChecked());
     EXPECT_FALSE(window->ToolsMenu()->findChild<QAction*>("mnuTextScript")->isEnabled());
     EXPECT_EQ(Find<QLabel>("lblRepoint")->text(), "0 Characters left until repoint.");
-    EXPECT_EQ(Find<QPushButton>("XPButton1")->text(), "&Open ROM");
+    EXPECT_EQ(Find<ui::XPButton>("XPButton1")->text(), "&Open ROM");
     EXPECT_EQ(Find<QWidget>("Option1_1")->toolTip(), "Use the Japanese Table file (Editing impossible)");
     EXPECT_EQ(Find<QWidget>("Image2")->toolTip(), "Click for help on how to use the Menu.");
 

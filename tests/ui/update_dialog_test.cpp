@@ -8,6 +8,7 @@
 #include "support/temp_dir.h"
 #include "ui/main_window.h"
 #include "ui/update_dialog.h"
+#include "ui/xp_button.h"
 
 #include <QAction>
 #include <QApplication>
@@ -15,13 +16,11 @@
 #include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
-#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 
 using namespace quillon;
 using namespace quillon::test;
@@ -29,7 +28,7 @@ using namespace quillon::test;
 namespace {
 
 QString Text(QWidget& w, const char* name) { return w.findChild<QLabel*>(name)->text(); }
-QPushButton* Button(QWidget& w, const char* name) { return w.findChild<QPushButton*>(name); }
+ui::XPButton* Button(QWidget& w, const char* name) { return w.findChild<ui::XPButton*>(name); }
 
 TEST(UpdateWindow, ChecksDownloadsAndCancels) {
     TempDir dir;
@@ -69,8 +68,6 @@ TEST(UpdateWindow, ChecksDownloadsAndCancels) {
     EXPECT_TRUE(Button(window, "cmdDownload")->isVisible());
     EXPECT_FALSE(Button(window, "cmdCheck")->isVisible());
     EXPECT_EQ(window.cursor().shape(), Qt::ArrowCursor);
-    if (const char* shots = std::getenv("QUILLON_SHOT_DIR"))
-        window.grab().save(QString::fromUtf8(shots) + "/update-window.png");
 
     QTest::mouseClick(Button(window, "cmdDownload"), Qt::LeftButton);
     EXPECT_FALSE(Button(window, "cmdDownload")->isVisible());
@@ -112,7 +109,7 @@ TEST(UpdateWindow, LiveUpdateOpensItModallyOverTheMainWindow) {
         seenName = modal->objectName();
         seenModal = modal->isModal();
         seenParent = modal->parentWidget();
-        QTest::mouseClick(modal->findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
+        QTest::mouseClick(modal->findChild<ui::XPButton*>("cmdCancel"), Qt::LeftButton);
     });
     window.ToolsMenu()->findChild<QAction*>("mnuUpdate")->trigger();
     EXPECT_EQ(seenName, "frmInternetUpdate");

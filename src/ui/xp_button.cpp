@@ -1,0 +1,609 @@
+#include "ui/xp_button.h"
+
+#include "ui/xp_button_rules.h"
+#include "ui/xp_button_style.h"
+
+#include <QApplication>
+#include <QBitmap>
+#include <QCursor>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QShortcutEvent>
+
+#include <algorithm>
+
+namespace quillon::ui {
+namespace {
+
+constexpr short kLeft = 1;
+constexpr short kRight = 2;
+constexpr short kSpace = 32;
+
+}  // namespace
+
+XPButton::XPButton(const QString& name, QWidget* parent) : XPButton(name, name, parent) {}
+
+XPButton::XPButton(const QString& name, const QString& caption, QWidget* parent) : QAbstractButton(parent) {
+    setObjectName(name);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);  // hover starts on a move without a button
+    props_ = NewXPButtonProperties(caption);
+    hoverTimer_.setInterval(3);
+    connect(&hoverTimer_, &QTimer::timeout, this, &XPButton::OnHoverTick);
+    // QAbstractButton::click() emits clicked() on its own; Click follows it
+    // there too. This is the first slot of clicked(), so it runs first.
+    connect(this, &QAbstractButton::clicked, this, [this] {
+        if (raisingClick_) {
+            raisingClick_ = false;
+            return;
+        }
+        AfterClicked();
+        emit Click();
+    });
+    Apply();
+    if (props_.colorScheme != 2) props_.foreColor = ToBgr(colors_.fore);
+}
+
+void XPButton::Apply() {
+    setEnabled(props_.enabled);
+    QAbstractButton::setFont(props_.font);
+    QAbstractButton::setText(props_.caption);
+    ComputeAccessKey();
+    if (props_.mousePointer == 0)
+        unsetCursor();
+    else
+        setCursor(CursorForPointer(props_.mousePointer, props_.mouseIcon));
+    ComputeColors();
+    UpdateOutline();
+    if (props_.buttonType == 11) CaptureBackground();
+    updateGeometry();
+    Redraw();
+}
+
+void XPButton::Changed(const char* key) {
+    Redraw();
+    emit PropertyChanged(QString::fromLatin1(key));
+}
+
+void XPButton::Redraw() {
+    if (shown_) update();
+}
+
+void XPButton::ComputeColors() {
+    if (props_.colorScheme == 2) {
+        colors_ = {ToQColor(props_.backColor), ToQColor(props_.backOver), ToQColor(props_.foreColor),
+                   ToQColor(props_.foreOver)};
+        return;
+    }
+    // The container's ground, the system's button text, and its link colour
+    // for the hover caption. The palette is the one inherited from the container.
+    const QPalette& pal = palette();
+    const QColor ground = pal.color(QPalette::Active, QPalette::Base);
+    colors_ = {ground, ground, pal.color(QPalette::Active, QPalette::ButtonText),
+               pal.color(QPalette::Active, QPalette::Link)};
+}
+
+void XPButton::ComputeAccessKey() {
+    keyedCaption_ = text();
+    const int at = AccessKeyPosition(keyedCaption_);
+    accessKey_ = at < 0 ? QChar() : keyedCaption_[at].toLower();
+    // The one shortcut of the button is Alt with the access key; its event
+    // is handled in event() so that exactly one Click follows.
+    setShortcut(at < 0 ? QKeySequence()
+                       : QKeySequence(QKeyCombination(Qt::AltModifier,
+                                                      static_cast<Qt::Key>(keyedCaption_[at].toUpper().unicode()))));
+}
+
+void XPButton::UpdateOutline() {
+    const int style = props_.buttonType;
+    if (style == 3 || style == 4 || style == 13)
+        setMask(XPButtonOutline(style, size()));
+    else
+        clearMask();
+}
+
+void XPButton::CaptureBackground() {
+    QWidget* container = parentWidget();
+    if (!container || width() <= 0 || height() <= 0) {
+        background_ = QPixmap();
+        return;
+    }
+    // The container and the siblings under the control, without the control.
+    capturing_ = true;
+    background_ = container->grab(geometry());
+    capturing_ = false;
+}
+
+// Properties.
+
+void XPButton::SetButtonType(int style) {
+    if (style < 1 || style > 13) return;
+    props_.buttonType = style;
+    UpdateOutline();
+    if (style == 11) CaptureBackground();
+    updateGeometry();
+    Changed("BTYPE");
+}
+
+void XPButton::SetCaption(const QString& caption) {
+    props_.caption = caption;
+    QAbstractButton::setText(caption);
+    ComputeAccessKey();
+    updateGeometry();
+    Changed("TX");
+}
+
+void XPButton::SetEnabled(bool enabled) {
+    props_.enabled = enabled;
+    setEnabled(enabled);
+    Changed("ENAB");
+}
+
+void XPButton::SetFont(const QFont& f) {
+    props_.font = f;
+    QAbstractButton::setFont(f);
+    updateGeometry();
+    Changed("FONT");
+}
+
+void XPButton::SetFontBold(bool on) {
+    QFont f = font();
+    f.setBold(on);
+    SetFont(f);
+}
+
+void XPButton::SetFontItalic(bool on) {
+    QFont f = font();
+    f.setItalic(on);
+    SetFont(f);
+}
+
+void XPButton::SetFontUnderline(bool on) {
+    QFont f = font();
+    f.setUnderline(on);
+    SetFont(f);
+}
+
+void XPButton::SetFontSize(qreal points) {
+    if (points <= 0) return;
+    QFont f = font();
+    f.setPointSizeF(points);
+    SetFont(f);
+}
+
+void XPButton::SetFontName(const QString& family) {
+    QFont f = font();
+    f.setFamily(family);
+    SetFont(f);
+}
+
+void XPButton::SetColorScheme(int scheme) {
+    props_.colorScheme = scheme;
+    ComputeColors();
+    Changed("COLTYPE");
+}
+
+void XPButton::SetShowFocusRect(bool on) {
+    props_.showFocusRect = on;
+    Changed("FOCUSR");
+}
+
+void XPButton::SetBackColor(BgrColor color) {
+    props_.backColor = color;
+    if (designMode_) {
+        props_.backOver = color;
+        emit PropertyChanged(QStringLiteral("BCOLO"));
+    }
+    ComputeColors();
+    Changed("BCOL");
+}
+
+void XPButton::SetBackOver(BgrColor color) {
+    props_.backOver = color;
+    ComputeColors();
+    Changed("BCOLO");
+}
+
+void XPButton::SetForeColor(BgrColor color) {
+    props_.foreColor = color;
+    if (designMode_) {
+        props_.foreOver = color;
+        emit PropertyChanged(QStringLiteral("FCOLO"));
+    }
+    ComputeColors();
+    Changed("FCOL");
+}
+
+void XPButton::SetForeOver(BgrColor color) {
+    props_.foreOver = color;
+    ComputeColors();
+    Changed("FCOLO");
+}
+
+void XPButton::SetMaskColor(BgrColor color) {
+    props_.maskColor = color;
+    Changed("MCOL");
+}
+
+void XPButton::SetUseMaskColor(bool on) {
+    props_.useMaskColor = on;
+    Changed("UMCOL");
+}
+
+void XPButton::SetMousePointer(int pointer) {
+    props_.mousePointer = pointer;
+    if (pointer == 0)
+        unsetCursor();
+    else
+        setCursor(CursorForPointer(pointer, props_.mouseIcon));
+    Changed("MPTR");
+}
+
+void XPButton::SetMouseIcon(const QPixmap& icon) {
+    props_.mouseIcon = icon;
+    if (props_.mousePointer == kPointerCustom) setCursor(CursorForPointer(kPointerCustom, icon));
+    Changed("MICON");
+}
+
+void XPButton::SetPictureNormal(const QPixmap& picture) {
+    props_.pictureNormal = picture;
+    updateGeometry();
+    Changed("PICN");
+}
+
+void XPButton::SetPictureOver(const QPixmap& picture) {
+    props_.pictureOver = picture;
+    Changed("PICH");
+}
+
+void XPButton::SetPicturePosition(int position) {
+    props_.picturePosition = position;
+    updateGeometry();
+    Changed("PICPOS");
+}
+
+void XPButton::SetUseGreyscale(bool on) {
+    props_.useGreyscale = on;
+    Changed("NGREY");
+}
+
+void XPButton::SetSoftBevel(bool on) {
+    props_.softBevel = on;
+    Changed("SOFT");
+}
+
+void XPButton::SetSpecialEffect(int effect) {
+    props_.specialEffect = effect;
+    Changed("FX");
+}
+
+void XPButton::SetCheckBoxBehaviour(bool on) {
+    props_.checkBoxBehaviour = on;
+    Changed("CHECK");
+}
+
+void XPButton::SetValue(bool on) {
+    props_.value = on;
+    Changed("VALUE");
+}
+
+void XPButton::SetImageIndex(std::int16_t index) {
+    props_.imageIndex = index;
+    Changed("ImageIndex");
+}
+
+void XPButton::WriteProperties(PropertyBag& bag) const {
+    XPButtonProperties p = props_;
+    p.caption = text();
+    p.enabled = Enabled();
+    p.font = font();
+    WriteXPButtonProperties(p, bag);
+}
+
+void XPButton::ReadProperties(const PropertyBag& bag) {
+    const QPalette& pal = palette();
+    props_ = ReadXPButtonProperties(
+        bag, {font(), ToBgr(pal.color(QPalette::Button)), ToBgr(pal.color(QPalette::ButtonText))});
+    Apply();
+}
+
+void XPButton::Refresh() {
+    shown_ = true;
+    lastDrawing_ = QPixmap();
+    if (props_.buttonType == 11) CaptureBackground();
+    ComputeColors();
+    UpdateOutline();
+    update();
+}
+
+void XPButton::DisableRefresh() {
+    if (!shown_) return;
+    // Keep the current look to show until redrawing is allowed again.
+    lastDrawing_ = grab();
+    shown_ = false;
+}
+
+void XPButton::SetDrawingState(DrawingState state) {
+    hover_ = state.hover;
+    pressed_ = state.pressed;
+    focused_ = state.focused;
+    Redraw();
+}
+
+QPixmap XPButton::Picture(bool hover) const {
+    QPixmap pm = hover && !props_.pictureOver.isNull() ? props_.pictureOver : props_.pictureNormal;
+    if (pm.isNull() || !props_.useMaskColor) return pm;
+    const QBitmap keep = pm.createMaskFromColor(ToQColor(props_.maskColor), Qt::MaskInColor);
+    pm.setMask(keep);
+    return pm;
+}
+
+QSize XPButton::sizeHint() const {
+    XPButtonFace f;
+    f.style = props_.buttonType;
+    f.caption = text();
+    f.font = font();
+    f.picture = props_.pictureNormal;
+    f.picturePosition = props_.picturePosition;
+    const QSize content = XPButtonContentSize(f);
+    const int inset = props_.buttonType >= 7 ? 3 : 4;
+    return QSize(std::max(75, content.width() + 2 * inset + 16), std::max(23, content.height() + 2 * inset + 6));
+}
+
+QSize XPButton::minimumSizeHint() const {
+    const int inset = props_.buttonType >= 7 ? 3 : 4;
+    return QSize(2 * inset + 16, QFontMetrics(font()).height() + 2 * inset + 2);
+}
+
+// Drawing.
+
+void XPButton::paintEvent(QPaintEvent*) {
+    if (capturing_) return;  // the container is being captured without the control
+    QPainter p(this);
+    if (!shown_ && !lastDrawing_.isNull()) {
+        p.drawPixmap(0, 0, lastDrawing_);
+        return;
+    }
+    if (text() != keyedCaption_) ComputeAccessKey();  // the caption was set through QAbstractButton
+    const bool hover = hover_ && isEnabled();
+    XPButtonFace f;
+    f.style = props_.buttonType;
+    f.bounds = rect();
+    f.content = XPButtonContentRect(f.style, rect());
+    f.caption = text();
+    f.font = font();
+    f.back = DrawnBack(hover);
+    f.fore = DrawnFore(hover);
+    f.accent = colors_.foreOver;
+    f.picture = Picture(hover);
+    f.background = background_;
+    f.picturePosition = props_.picturePosition;
+    f.specialEffect = props_.specialEffect;
+    f.softBevel = props_.softBevel;
+    f.greyscale = props_.useGreyscale;
+    f.enabled = isEnabled();
+    f.hover = hover;
+    f.pressed = pressed_ || (props_.checkBoxBehaviour && props_.value);
+    f.focused = focused_;
+    f.showFocusRect = props_.showFocusRect;
+    PaintXPButton(p, f);
+}
+
+void XPButton::resizeEvent(QResizeEvent* e) {
+    QAbstractButton::resizeEvent(e);
+    UpdateOutline();
+    Redraw();
+}
+
+void XPButton::showEvent(QShowEvent* e) {
+    QAbstractButton::showEvent(e);
+    shown_ = true;
+    lastDrawing_ = QPixmap();
+    if (props_.buttonType == 11) CaptureBackground();
+}
+
+void XPButton::hideEvent(QHideEvent* e) {
+    QAbstractButton::hideEvent(e);
+    shown_ = false;
+    EndHover();
+}
+
+void XPButton::changeEvent(QEvent* e) {
+    QAbstractButton::changeEvent(e);
+    switch (e->type()) {
+        case QEvent::EnabledChange:
+            if (!isEnabled()) {
+                pressed_ = false;
+                EndHover();
+            }
+            Redraw();
+            break;
+        case QEvent::PaletteChange:
+            // The container's colours changed: derive ours again.
+            if (props_.colorScheme != 2) ComputeColors();
+            Redraw();
+            break;
+        case QEvent::FontChange: updateGeometry(); break;
+        default: break;
+    }
+}
+
+// Clicks.
+
+void XPButton::AfterClicked() {
+    if (props_.checkBoxBehaviour) SetValue(!props_.value);
+    pressed_ = false;
+    if (shown_ && isVisible()) repaint();
+}
+
+void XPButton::ClickNow() {
+    if (!isEnabled()) return;
+    AfterClicked();
+    QPointer<XPButton> alive(this);
+    emit Click();
+    if (!alive) return;
+    raisingClick_ = true;  // the clicked() slot of the constructor skips this one
+    emit clicked(props_.value);
+}
+
+bool XPButton::event(QEvent* e) {
+    if (e->type() == QEvent::Shortcut) {
+        // Alt with the access key: a left click.
+        if (static_cast<QShortcutEvent*>(e)->isAmbiguous()) {
+            setFocus(Qt::ShortcutFocusReason);
+        } else if (isEnabled()) {
+            lastButton_ = kLeft;
+            ClickNow();
+        }
+        return true;
+    }
+    return QAbstractButton::event(e);
+}
+
+// Mouse.
+
+void XPButton::PressAt(short button, Qt::KeyboardModifiers modifiers, QPointF at) {
+    short shift = ShiftCode(modifiers);
+    emit MouseDown(button, shift, static_cast<float>(at.x()), static_cast<float>(at.y()));
+    lastButton_ = button;
+    pressInside_ = true;
+    if (button != kRight) {
+        pressed_ = true;
+        Redraw();
+    }
+}
+
+void XPButton::mousePressEvent(QMouseEvent* e) {
+    PressAt(MouseButtonCode(e->button()), e->modifiers(), e->position());
+    e->accept();
+}
+
+void XPButton::mouseDoubleClickEvent(QMouseEvent* e) {
+    // The second press of a double click is a new left press at (0, 0); the
+    // implicit grab keeps the mouse until its release, which clicks again.
+    if (lastButton_ == kLeft && e->button() == Qt::LeftButton) PressAt(kLeft, e->modifiers(), QPointF(0, 0));
+    e->accept();
+}
+
+void XPButton::mouseMoveEvent(QMouseEvent* e) {
+    short buttons = MouseButtonsCode(e->buttons());
+    short shift = ShiftCode(e->modifiers());
+    emit MouseMove(buttons, shift, static_cast<float>(e->position().x()), static_cast<float>(e->position().y()));
+    if (e->buttons() != Qt::NoButton && e->buttons() != Qt::LeftButton) return;
+    const bool over = PointerOver(e->globalPosition().toPoint());
+    if (over && e->buttons() == Qt::NoButton) {
+        if (!hover_) {
+            hoverTimer_.start();
+            hover_ = true;
+            pressed_ = false;
+            Redraw();
+            emit MouseOver();
+        }
+    } else {
+        pressed_ = over;  // the left button held over the control draws pressed
+        Redraw();
+    }
+}
+
+void XPButton::mouseReleaseEvent(QMouseEvent* e) {
+    short button = MouseButtonCode(e->button());
+    short shift = ShiftCode(e->modifiers());
+    emit MouseUp(button, shift, static_cast<float>(e->position().x()), static_cast<float>(e->position().y()));
+    if (button != kRight) {
+        pressed_ = false;
+        Redraw();
+    }
+    const bool onControl = pressInside_ && Inside(e->position().toPoint());
+    pressInside_ = false;
+    if (onControl && lastButton_ == kLeft) ClickNow();
+    e->accept();
+}
+
+void XPButton::leaveEvent(QEvent* e) {
+    QAbstractButton::leaveEvent(e);
+    EndHover();
+}
+
+bool XPButton::PointerOver(const QPoint& global) const { return QApplication::widgetAt(global) == this; }
+
+bool XPButton::Inside(const QPoint& local) const {
+    return rect().contains(local) && (mask().isEmpty() || mask().contains(local));
+}
+
+void XPButton::OnHoverTick() {
+    if (!PointerOver(QCursor::pos())) EndHover();
+}
+
+void XPButton::EndHover() {
+    hoverTimer_.stop();
+    if (!hover_) return;
+    hover_ = false;
+    pressed_ = false;
+    Redraw();
+    emit MOUSEOUT();
+}
+
+// Keyboard.
+
+void XPButton::keyPressEvent(QKeyEvent* e) {
+    short code = KeyCode(e->key());
+    short shift = ShiftCode(e->modifiers());
+    emit KeyDown(code, shift);
+    lastKey_ = code;
+    bool handled = true;
+    switch (code) {
+        case kSpace:
+            pressed_ = true;
+            Redraw();
+            break;
+        case 37:  // Left
+        case 38:  // Up
+            focusNextPrevChild(false);
+            break;
+        case 39:  // Right
+        case 40:  // Down
+            focusNextPrevChild(true);
+            break;
+        default: handled = false; break;
+    }
+    if (!e->text().isEmpty()) {
+        short ascii = static_cast<short>(e->text().at(0).unicode());
+        emit KeyPress(ascii);
+    }
+    // Keys the button does not use go on to the window (Enter, Escape, ...).
+    e->setAccepted(handled);
+}
+
+void XPButton::keyReleaseEvent(QKeyEvent* e) {
+    if (e->isAutoRepeat()) return;  // a held Space clicks once, on its real release
+    short code = KeyCode(e->key());
+    short shift = ShiftCode(e->modifiers());
+    emit KeyUp(code, shift);
+    if (lastKey_ == kSpace && code == kSpace) {
+        lastKey_ = 0;
+        pressed_ = false;
+        ClickNow();
+        return;
+    }
+    e->ignore();
+}
+
+void XPButton::focusInEvent(QFocusEvent* e) {
+    QAbstractButton::focusInEvent(e);
+    focused_ = true;
+    Redraw();
+}
+
+void XPButton::focusOutEvent(QFocusEvent* e) {
+    QAbstractButton::focusOutEvent(e);
+    focused_ = false;
+    if (lastKey_ == kSpace) {
+        lastKey_ = 0;
+        pressed_ = false;
+    }
+    Redraw();
+}
+
+}  // namespace quillon::ui

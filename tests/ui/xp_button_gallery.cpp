@@ -1,0 +1,85 @@
+#include "ui/xp_button_gallery.h"
+
+#include "ui/button_pictures.h"
+#include "ui/xp_button.h"
+
+#include <QLabel>
+#include <QLinearGradient>
+#include <QPainter>
+#include <QWidget>
+
+namespace quillon::ui {
+namespace {
+
+constexpr int kMargin = 14;
+constexpr int kLabelWidth = 112;
+constexpr int kHeaderHeight = 26;
+constexpr int kCellWidth = 124;
+constexpr int kCellHeight = 34;
+constexpr int kGap = 10;
+
+constexpr const char* kStyleNames[13] = {"Raised", "Framed",      "System", "Gradient", "Toolbar", "Rounded", "Glass",
+                                         "Flat accent", "Pill", "Link", "Transparent", "Metal", "Oval"};
+constexpr const char* kStateNames[6] = {"Normal", "Hover", "Pressed", "Focused", "Disabled", "Checked"};
+
+// A soft diagonal ground, so that style 11 shows the pixels it takes.
+class Sheet : public QWidget {
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter p(this);
+        QLinearGradient g(0, 0, width(), height());
+        g.setColorAt(0, QColor(244, 247, 251));
+        g.setColorAt(1, QColor(214, 224, 238));
+        p.fillRect(rect(), g);
+        p.setPen(QColor(196, 206, 222));
+        p.drawLine(kMargin, kMargin + kHeaderHeight - 4, width() - kMargin, kMargin + kHeaderHeight - 4);
+    }
+};
+
+}  // namespace
+
+QWidget* MakeXPButtonGallery(QWidget* parent) {
+    auto* sheet = new Sheet(parent);
+    sheet->setObjectName(QStringLiteral("XPButtonGallery"));
+    sheet->setWindowTitle(QStringLiteral("XPButton styles"));
+    const int left = kMargin + kLabelWidth;
+    sheet->setFixedSize(left + 6 * (kCellWidth + kGap) - kGap + kMargin,
+                        kMargin + kHeaderHeight + 13 * (kCellHeight + kGap) - kGap + kMargin);
+    QFont bold = sheet->font();
+    bold.setBold(true);
+    for (int s = 0; s < 6; ++s) {
+        auto* label = new QLabel(QString::fromUtf8(kStateNames[s]), sheet);
+        label->setFont(bold);
+        label->setAlignment(Qt::AlignCenter);
+        label->setGeometry(left + s * (kCellWidth + kGap), kMargin, kCellWidth, kHeaderHeight - 8);
+    }
+    const QPixmap picture = ButtonPicture(QStringLiteral("save"), 16, sheet->devicePixelRatioF());
+    for (int style = 1; style <= 13; ++style) {
+        const int y = kMargin + kHeaderHeight + (style - 1) * (kCellHeight + kGap);
+        auto* label = new QLabel(QStringLiteral("%1  %2").arg(style).arg(QString::fromUtf8(kStyleNames[style - 1])), sheet);
+        label->setGeometry(kMargin, y, kLabelWidth - 8, kCellHeight);
+        for (int s = 0; s < 6; ++s) {
+            auto* b = new XPButton(QStringLiteral("XPButton%1_%2").arg(style).arg(s), QStringLiteral("S&ave Text"), sheet);
+            b->setGeometry(left + s * (kCellWidth + kGap), y, kCellWidth, kCellHeight);
+            b->SetPictureNormal(picture);
+            b->SetButtonType(style);  // after the geometry, so style 11 takes the right pixels
+            switch (s) {
+                case 1: b->SetDrawingState({.hover = true}); break;
+                case 2: b->SetDrawingState({.pressed = true}); break;
+                case 3: b->SetDrawingState({.focused = true}); break;
+                case 4: b->SetEnabled(false); break;
+                case 5:
+                    b->SetCheckBoxBehaviour(true);
+                    b->SetValue(true);
+                    break;
+                default: break;
+            }
+        }
+    }
+    return sheet;
+}
+
+}  // namespace quillon::ui
