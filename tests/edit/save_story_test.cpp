@@ -3,6 +3,7 @@
 #include "edit/save_text.h"
 #include "edit/text_view.h"
 #include "offsets/add_offset_form.h"
+#include "support/save_messages.h"
 #include "support/workspace.h"
 
 #include <quillon/rom.h>
@@ -18,13 +19,6 @@ namespace {
 
 const Shown kShorter = Ask("The text you entered is shorter than the old one.\r\n\r\nDo you want to continue?",
                            "Do you really want to do that?");
-const Shown kLonger = Ask(
-    "The text you entered is longer than the old one.\r\n"
-    "When you continue, the text needs to be Re-Pointed to another location.\r\n\r\n"
-    "Due the fact of that, the INI file will be changed and you can't edit the text of a clean ROM with that INI "
-    "file again, until you restore it back to the original one.\r\n\r\nDo you want to Re-Point?",
-    "Do you really want to do that?");
-const Shown kSaved = Msg(Icon::Information, "Text has been saved.", "Saved!");
 const Shown kEnoughSpace = Msg(Icon::Information, "There's enough space after the Text.\r\nThe Text won't be re-pointed.");
 
 constexpr std::size_t kText = 0x100000;

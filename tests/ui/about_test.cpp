@@ -1,5 +1,6 @@
 // The about window: its version captions, links and OK button, and its
 // opening from the main window.
+#include "main_window_fixture.h"
 #include "app/session.h"
 #include "support/fake_prompter.h"
 #include "support/temp_dir.h"
@@ -47,17 +48,11 @@ TEST(About, WindowShowsVersionLinksAndClosesWithOk) {
     EXPECT_EQ(about.result(), QDialog::Accepted);
 }
 
-class NoClipboard : public Clipboard {
-public:
-    std::string GetText() override { return {}; }
-    void SetText(std::string_view) override {}
-};
-
 TEST(About, TheAboutButtonOpensItModallyOverTheMainWindow) {
     test::TempDir dir;
     test::FakePrompter user;
     Session session(dir.path(), user);
-    NoClipboard clipboard;
+    test::PlainClipboard clipboard;
     ui::MainWindow window(session, clipboard);
     window.show();
     QString seenTitle;

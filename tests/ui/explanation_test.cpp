@@ -1,5 +1,6 @@
 // The menu explanation window: each picture explains its menu item, the
 // colour picture opens the colour window, the first picture does nothing.
+#include "main_window_fixture.h"
 #include "app/clipboard.h"
 #include "app/session.h"
 #include "edit/explanations.h"
@@ -56,17 +57,11 @@ TEST(MenuExplanationWindow, TheColourPictureOpensTheColourWindowOverIt) {
     EXPECT_FALSE(help.isVisible());
 }
 
-class NoClipboard : public Clipboard {
-public:
-    std::string GetText() override { return {}; }
-    void SetText(std::string_view) override {}
-};
-
 TEST(MenuExplanationWindow, TheHelpIconOpensIt) {
     TempDir dir;
     FakePrompter user;
     Session session(dir.path(), user);
-    NoClipboard clipboard;
+    test::PlainClipboard clipboard;
     ui::MainWindow window(session, clipboard);
     window.show();
     QString seenTitle;

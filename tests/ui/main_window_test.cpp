@@ -5,6 +5,7 @@
 #include "edit/text_menus.h"
 #include "offsets/startup.h"
 #include "support/fake_prompter.h"
+#include "support/save_messages.h"
 #include "support/temp_dir.h"
 #include "ui/add_script_dialog.h"
 #include "ui/main_window.h"
@@ -38,13 +39,6 @@ namespace {
 const Shown kBackupWarning = Msg(Icon::Warning,
     "Warning: Before using any ROM-Hacking tools, always remember to create Backup copies of your ROM!\r\n"
     "The creator of this Tool doesn't take any responsibility for what might happen to your ROM!");
-const Shown kLonger = Ask(
-    "The text you entered is longer than the old one.\r\n"
-    "When you continue, the text needs to be Re-Pointed to another location.\r\n\r\n"
-    "Due the fact of that, the INI file will be changed and you can't edit the text of a clean ROM with that INI "
-    "file again, until you restore it back to the original one.\r\n\r\nDo you want to Re-Point?",
-    "Do you really want to do that?");
-const Shown kSaved = Msg(Icon::Information, "Text has been saved.", "Saved!");
 
 TEST_F(MainWindowTest, StartsWithNothingToEdit) {
     ASSERT_TRUE(StartUp(*session));

@@ -1,6 +1,7 @@
 // The live-update window against a local update server: its texts, the
 // buttons through a check and a download, Cancel, and its opening from the
 // Tools menu.
+#include "main_window_fixture.h"
 #include "app/clipboard.h"
 #include "app/session.h"
 #include "support/fake_prompter.h"
@@ -87,17 +88,11 @@ TEST(UpdateWindow, ChecksDownloadsAndCancels) {
     EXPECT_EQ(window.result(), QDialog::Rejected);
 }
 
-class NoClipboard : public Clipboard {
-public:
-    std::string GetText() override { return {}; }
-    void SetText(std::string_view) override {}
-};
-
 TEST(UpdateWindow, LiveUpdateOpensItModallyOverTheMainWindow) {
     TempDir dir;
     FakePrompter user;
     Session session(dir.path(), user);
-    NoClipboard clipboard;
+    test::PlainClipboard clipboard;
     ui::MainWindow window(session, clipboard);
     window.show();
     QString seenName;
