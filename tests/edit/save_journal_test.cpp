@@ -98,8 +98,9 @@ TEST(SaveJournal, ASingleFailedWriteIsUndoneAtOnce) {
         EXPECT_FALSE(FileExists(JournalPath(w->Rom()))) << failAt;
         auto shown = w->user.Take();
         EXPECT_EQ(shown.back().icon, Icon::Critical);
-        if (failAt > 1)
+        if (failAt > 1) {
             EXPECT_NE(shown.back().text.find("were left as they were"), std::string::npos) << shown.back();
+        }
     }
 }
 
