@@ -1,5 +1,7 @@
 #include "ui/button_pictures.h"
 
+#include "ui/outline.h"
+
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
@@ -14,26 +16,14 @@ namespace {
 
 void DrawOpen(QPainter& p) {
     // A folder with its front flap tilted open.
-    QPainterPath back;
-    back.moveTo(2.5, 5.5);
-    back.lineTo(9, 5.5);
-    back.lineTo(11, 7.5);
-    back.lineTo(20.5, 7.5);
-    back.lineTo(20.5, 19.5);
-    back.lineTo(2.5, 19.5);
-    back.closeSubpath();
+    const QPainterPath back = Outline({{2.5, 5.5}, {9, 5.5}, {11, 7.5}, {20.5, 7.5}, {20.5, 19.5}, {2.5, 19.5}});
     p.setPen(QPen(QColor(150, 105, 20), 1));
     p.setBrush(QColor(236, 184, 64));
     p.drawPath(back);
     p.setPen(Qt::NoPen);
     p.setBrush(QColor(255, 255, 255));
     p.drawRect(QRectF(5, 9, 13, 6));
-    QPainterPath flap;
-    flap.moveTo(2.5, 19.5);
-    flap.lineTo(6, 11.5);
-    flap.lineTo(22.5, 11.5);
-    flap.lineTo(19.5, 19.5);
-    flap.closeSubpath();
+    const QPainterPath flap = Outline({{2.5, 19.5}, {6, 11.5}, {22.5, 11.5}, {19.5, 19.5}});
     QLinearGradient g(0, 11.5, 0, 19.5);
     g.setColorAt(0, QColor(255, 221, 120));
     g.setColorAt(1, QColor(242, 184, 50));
@@ -44,13 +34,7 @@ void DrawOpen(QPainter& p) {
 
 void DrawSave(QPainter& p) {
     // A diskette: body, label and shutter.
-    QPainterPath body;
-    body.moveTo(3.5, 3.5);
-    body.lineTo(18, 3.5);
-    body.lineTo(20.5, 6);
-    body.lineTo(20.5, 20.5);
-    body.lineTo(3.5, 20.5);
-    body.closeSubpath();
+    const QPainterPath body = Outline({{3.5, 3.5}, {18, 3.5}, {20.5, 6}, {20.5, 20.5}, {3.5, 20.5}});
     p.setPen(QPen(QColor(22, 48, 100), 1));
     p.setBrush(QColor(52, 96, 176));
     p.drawPath(body);
@@ -71,26 +55,13 @@ void DrawExit(QPainter& p) {
     p.setPen(QPen(QColor(90, 60, 30), 1));
     p.setBrush(QColor(250, 246, 236));
     p.drawRect(QRectF(3.5, 2.5, 11, 19));
-    QPainterPath door;
-    door.moveTo(3.5, 2.5);
-    door.lineTo(10.5, 5);
-    door.lineTo(10.5, 23);
-    door.lineTo(3.5, 21.5);
-    door.closeSubpath();
+    const QPainterPath door = Outline({{3.5, 2.5}, {10.5, 5}, {10.5, 23}, {3.5, 21.5}});
     p.setBrush(QColor(176, 112, 52));
     p.drawPath(door);
     p.setPen(Qt::NoPen);
     p.setBrush(QColor(250, 220, 120));
     p.drawEllipse(QPointF(9, 13.5), 0.9, 0.9);
-    QPainterPath arrow;
-    arrow.moveTo(12, 10.5);
-    arrow.lineTo(17, 10.5);
-    arrow.lineTo(17, 7.5);
-    arrow.lineTo(22, 12.5);
-    arrow.lineTo(17, 17.5);
-    arrow.lineTo(17, 14.5);
-    arrow.lineTo(12, 14.5);
-    arrow.closeSubpath();
+    const QPainterPath arrow = Outline({{12, 10.5}, {17, 10.5}, {17, 7.5}, {22, 12.5}, {17, 17.5}, {17, 14.5}, {12, 14.5}});
     p.setPen(QPen(QColor(150, 30, 30), 1));
     p.setBrush(QColor(218, 54, 48));
     p.drawPath(arrow);

@@ -1,5 +1,7 @@
 #include "ui/tree_icons.h"
 
+#include "ui/outline.h"
+
 #include <QHash>
 #include <QPainter>
 #include <QPainterPath>
@@ -21,13 +23,7 @@ QPixmap DrawSmall() {
     QPainter p(&pm);
     p.setRenderHint(QPainter::Antialiasing);
     // A little note with a folded corner.
-    QPainterPath page;
-    page.moveTo(3, 1.5);
-    page.lineTo(10, 1.5);
-    page.lineTo(13, 4.5);
-    page.lineTo(13, 14.5);
-    page.lineTo(3, 14.5);
-    page.closeSubpath();
+    const QPainterPath page = Outline({{3, 1.5}, {10, 1.5}, {13, 4.5}, {13, 14.5}, {3, 14.5}});
     p.setPen(QPen(QColor(70, 90, 130), 1));
     p.setBrush(QColor(250, 246, 225));
     p.drawPath(page);

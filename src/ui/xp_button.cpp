@@ -149,34 +149,23 @@ void XPButton::SetFont(const QFont& f) {
 }
 
 void XPButton::SetFontBold(bool on) {
-    QFont f = font();
-    f.setBold(on);
-    SetFont(f);
+    EditFont([on](QFont& f) { f.setBold(on); });
 }
 
 void XPButton::SetFontItalic(bool on) {
-    QFont f = font();
-    f.setItalic(on);
-    SetFont(f);
+    EditFont([on](QFont& f) { f.setItalic(on); });
 }
 
 void XPButton::SetFontUnderline(bool on) {
-    QFont f = font();
-    f.setUnderline(on);
-    SetFont(f);
+    EditFont([on](QFont& f) { f.setUnderline(on); });
 }
 
 void XPButton::SetFontSize(qreal points) {
-    if (points <= 0) return;
-    QFont f = font();
-    f.setPointSizeF(points);
-    SetFont(f);
+    if (points > 0) EditFont([points](QFont& f) { f.setPointSizeF(points); });
 }
 
 void XPButton::SetFontName(const QString& family) {
-    QFont f = font();
-    f.setFamily(family);
-    SetFont(f);
+    EditFont([&family](QFont& f) { f.setFamily(family); });
 }
 
 void XPButton::SetColorScheme(int scheme) {
@@ -185,52 +174,26 @@ void XPButton::SetColorScheme(int scheme) {
     Changed("COLTYPE");
 }
 
-void XPButton::SetShowFocusRect(bool on) {
-    props_.showFocusRect = on;
-    Changed("FOCUSR");
-}
+void XPButton::SetShowFocusRect(bool on) { Store(props_.showFocusRect, on, "FOCUSR"); }
 
-void XPButton::SetBackColor(BgrColor color) {
-    props_.backColor = color;
-    if (designMode_) {
-        props_.backOver = color;
-        emit PropertyChanged(QStringLiteral("BCOLO"));
+void XPButton::SetColor(BgrColor& field, BgrColor color, const char* key, BgrColor* overField,
+                        const char* overKey) {
+    field = color;
+    // While designing, the normal colour also becomes the hover colour.
+    if (designMode_ && overField) {
+        *overField = color;
+        emit PropertyChanged(QString::fromLatin1(overKey));
     }
     ComputeColors();
-    Changed("BCOL");
+    Changed(key);
 }
 
-void XPButton::SetBackOver(BgrColor color) {
-    props_.backOver = color;
-    ComputeColors();
-    Changed("BCOLO");
-}
-
-void XPButton::SetForeColor(BgrColor color) {
-    props_.foreColor = color;
-    if (designMode_) {
-        props_.foreOver = color;
-        emit PropertyChanged(QStringLiteral("FCOLO"));
-    }
-    ComputeColors();
-    Changed("FCOL");
-}
-
-void XPButton::SetForeOver(BgrColor color) {
-    props_.foreOver = color;
-    ComputeColors();
-    Changed("FCOLO");
-}
-
-void XPButton::SetMaskColor(BgrColor color) {
-    props_.maskColor = color;
-    Changed("MCOL");
-}
-
-void XPButton::SetUseMaskColor(bool on) {
-    props_.useMaskColor = on;
-    Changed("UMCOL");
-}
+void XPButton::SetBackColor(BgrColor color) { SetColor(props_.backColor, color, "BCOL", &props_.backOver, "BCOLO"); }
+void XPButton::SetBackOver(BgrColor color) { SetColor(props_.backOver, color, "BCOLO"); }
+void XPButton::SetForeColor(BgrColor color) { SetColor(props_.foreColor, color, "FCOL", &props_.foreOver, "FCOLO"); }
+void XPButton::SetForeOver(BgrColor color) { SetColor(props_.foreOver, color, "FCOLO"); }
+void XPButton::SetMaskColor(BgrColor color) { Store(props_.maskColor, color, "MCOL"); }
+void XPButton::SetUseMaskColor(bool on) { Store(props_.useMaskColor, on, "UMCOL"); }
 
 void XPButton::SetMousePointer(int pointer) {
     props_.mousePointer = pointer;
@@ -248,51 +211,23 @@ void XPButton::SetMouseIcon(const QPixmap& icon) {
 }
 
 void XPButton::SetPictureNormal(const QPixmap& picture) {
-    props_.pictureNormal = picture;
+    Store(props_.pictureNormal, picture, "PICN");
     updateGeometry();
-    Changed("PICN");
 }
 
-void XPButton::SetPictureOver(const QPixmap& picture) {
-    props_.pictureOver = picture;
-    Changed("PICH");
-}
+void XPButton::SetPictureOver(const QPixmap& picture) { Store(props_.pictureOver, picture, "PICH"); }
 
 void XPButton::SetPicturePosition(int position) {
-    props_.picturePosition = position;
+    Store(props_.picturePosition, position, "PICPOS");
     updateGeometry();
-    Changed("PICPOS");
 }
 
-void XPButton::SetUseGreyscale(bool on) {
-    props_.useGreyscale = on;
-    Changed("NGREY");
-}
-
-void XPButton::SetSoftBevel(bool on) {
-    props_.softBevel = on;
-    Changed("SOFT");
-}
-
-void XPButton::SetSpecialEffect(int effect) {
-    props_.specialEffect = effect;
-    Changed("FX");
-}
-
-void XPButton::SetCheckBoxBehaviour(bool on) {
-    props_.checkBoxBehaviour = on;
-    Changed("CHECK");
-}
-
-void XPButton::SetValue(bool on) {
-    props_.value = on;
-    Changed("VALUE");
-}
-
-void XPButton::SetImageIndex(std::int16_t index) {
-    props_.imageIndex = index;
-    Changed("ImageIndex");
-}
+void XPButton::SetUseGreyscale(bool on) { Store(props_.useGreyscale, on, "NGREY"); }
+void XPButton::SetSoftBevel(bool on) { Store(props_.softBevel, on, "SOFT"); }
+void XPButton::SetSpecialEffect(int effect) { Store(props_.specialEffect, effect, "FX"); }
+void XPButton::SetCheckBoxBehaviour(bool on) { Store(props_.checkBoxBehaviour, on, "CHECK"); }
+void XPButton::SetValue(bool on) { Store(props_.value, on, "VALUE"); }
+void XPButton::SetImageIndex(std::int16_t index) { Store(props_.imageIndex, index, "ImageIndex"); }
 
 void XPButton::WriteProperties(PropertyBag& bag) const {
     XPButtonProperties p = props_;

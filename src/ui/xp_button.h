@@ -160,6 +160,23 @@ private:
 
     void Apply();  // the properties onto the widget, then colours and caption
     void Changed(const char* key);
+    // Stores a property's value, redraws and announces it under `key`.
+    template <class T>
+    void Store(T& field, const T& value, const char* key) {
+        field = value;
+        Changed(key);
+    }
+    // A colour property; with `overField`, the hover colour that follows it
+    // while designing.
+    void SetColor(BgrColor& field, BgrColor color, const char* key, BgrColor* overField = nullptr,
+                  const char* overKey = nullptr);
+    // Changes the caption font through `edit` and stores it.
+    template <class Edit>
+    void EditFont(Edit edit) {
+        QFont f = font();
+        edit(f);
+        SetFont(f);
+    }
     void Redraw();
     void ComputeColors();
     void ComputeAccessKey();
