@@ -14,12 +14,10 @@
 #include "ui/search_dialog.h"
 #include "ui/update_dialog.h"
 #include "ui/xp_button_gallery.h"
-#include "support/local_http_server.h"
+#include "update/update_fixture.h"
 
 #include <QApplication>
 #include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
 #include <QPainter>
 #include <QScreen>
 #include <QSet>
@@ -88,14 +86,9 @@ protected:
     }
 };
 
-TEST_F(Screenshot, MainWindow) {
+TEST_F(Screenshot, MainWindowAndMenus) {
     Keep(*window, "main-window.png");
-}
-
-TEST_F(Screenshot, PopupMenus) {
-    Settle(*window);
-    auto* text1 = Find<QWidget>("Text1");
-    window->TextMenu()->popup(text1->mapToGlobal(QPoint(40, 40)));
+    window->TextMenu()->popup(Find("Text1")->mapToGlobal(QPoint(40, 40)));
     Keep(*window->TextMenu(), "text-menu.png");
     window->TextMenu()->hide();
     window->ShowToolsMenu();
@@ -103,86 +96,63 @@ TEST_F(Screenshot, PopupMenus) {
     window->ToolsMenu()->hide();
 }
 
-TEST_F(Screenshot, SearchWindow) {
+TEST_F(Screenshot, ToolWindowsAndTheButtonGallery) {
     ui::SearchDialog search(*session, clipboard, window.get());
-    QTest::keyClicks(search.findChild<QWidget*>("Text1"), "lamp");
-    QTest::mouseClick(search.findChild<QAbstractButton*>("Command1"), Qt::LeftButton);
+    QTest::keyClicks(Child(search, "Text1"), "lamp");
+    ClickChild(search, "Command1");
     Keep(search, "search-window.png");
     KeepScreen(*window, search, "screen-search-over-main.png");
-}
-
-TEST_F(Screenshot, AddOffsetWindow) {
+    search.hide();
     AddOffsetForm form(*session);
     form.sectionName = "Lighthouse";
     form.textName = "Keeper, later";
-    ui::AddOffsetDialog dialog(form, window.get());
-    Keep(dialog, "add-offset-window.png");
-}
-
-TEST_F(Screenshot, ScriptWindow) {
+    ui::AddOffsetDialog addOffset(form, window.get());
     ui::AddScriptDialog script(*session, window.get());
-    QTest::keyClicks(script.findChild<QLineEdit*>("txtOffset"), "123456");
-    Keep(script, "script-window.png");
-}
-
-TEST_F(Screenshot, JapaneseList) {
+    QTest::keyClicks(Child(script, "txtOffset"), "123456");
     ui::JapaneseDialog list([](int) {}, window.get());
-    Keep(list, "japanese-list.png");
-}
-
-TEST_F(Screenshot, AboutWindow) {
     ui::AboutDialog about(window.get());
-    Keep(about, "about-window.png");
-}
-
-TEST_F(Screenshot, ExplanationWindows) {
     ui::MenuExplanationDialog menus(user, window.get());
-    Keep(menus, "menu-explanation.png");
     ui::ColorExplanationDialog colours(&menus);
-    Keep(colours, "colour-explanation.png");
+    // Every button style in its normal, hover, pressed, focused, disabled and checked look.
+    const std::unique_ptr<QWidget> gallery(ui::MakeXPButtonGallery(nullptr));
+    const std::pair<QWidget*, const char*> shots[] = {
+        {&addOffset, "add-offset-window.png"}, {&script, "script-window.png"}, {&list, "japanese-list.png"},
+        {&about, "about-window.png"},          {&menus, "menu-explanation.png"}, {&colours, "colour-explanation.png"},
+        {gallery.get(), "xpbutton-gallery.png"}};
+    for (auto [w, name] : shots) {
+        Keep(*w, name);
+        w->hide();
+    }
 }
 
-TEST_F(Screenshot, UpdateWindow) {
-    LocalHttpServer server;
-    server.Serve("/updates/quillon.txt", Body("3.1.2"));
-    server.Serve("/updates/quillon2.txt", Body(server.Url("/files/quillon-3.1.2.zip")));
-    ui::UpdateDialog update(user, dir.path(), server.Url(), window.get(), "3.1.1");
+using UpdateScreenshot = UpdateFixture;
+
+TEST_F(UpdateScreenshot, UpdateWindow) {
+    ServeFiles("3.1.2", server.Url("/files/quillon-3.1.2.zip"));
+    ui::UpdateDialog update(user, dir.path(), server.Url(), nullptr, "3.1.1");
     Keep(update, "update-window-ready.png");
-    QTest::mouseClick(update.findChild<QAbstractButton*>("cmdCheck"), Qt::LeftButton);
-    ASSERT_TRUE(WaitUntil([&] { return !update.findChild<QWidget*>("cmdDownload")->isHidden(); }));
+    ClickChild(update, "cmdCheck");
+    ASSERT_TRUE(WaitUntil([&] { return !Child(update, "cmdDownload")->isHidden(); }));
     Keep(update, "update-window.png");
-}
-
-// Every button style in its normal, hover, pressed, focused, disabled and
-// checked look.
-TEST(ButtonGallery, AllStylesInEveryState) {
-    std::unique_ptr<QWidget> gallery(ui::MakeXPButtonGallery(nullptr));
-    Keep(*gallery, "xpbutton-gallery.png");
 }
 
 // The checker itself finds what it looks for, so a clean run means something.
 TEST(LayoutCheck, FindsOverlapsCutCaptionsAndControlsOutside) {
     QWidget w;
     w.resize(200, 100);
-    auto* a = new QLabel(QStringLiteral("A"), &w);
-    a->setObjectName(QStringLiteral("a"));
-    a->setGeometry(10, 10, 40, 20);
-    auto* b = new QLabel(QStringLiteral("B"), &w);
-    b->setObjectName(QStringLiteral("b"));
-    b->setGeometry(30, 15, 40, 20);
-    auto* cut = new QLabel(QStringLiteral("A caption far too long for its box"), &w);
-    cut->setObjectName(QStringLiteral("cut"));
-    cut->setGeometry(10, 50, 30, 20);
-    auto* out = new QLabel(QStringLiteral("x"), &w);
-    out->setObjectName(QStringLiteral("out"));
-    out->setGeometry(190, 90, 30, 20);
-    const QStringList problems = LayoutProblems(w);
-    EXPECT_TRUE(problems.contains(QStringLiteral("a overlaps b"))) << problems.join(';').toStdString();
-    EXPECT_TRUE(problems.contains(QStringLiteral("cut cuts its caption \"A caption far too long for its box\"")));
-    EXPECT_TRUE(problems.contains(QStringLiteral("out reaches outside the window")));
-    delete b;
-    delete cut;
-    delete out;
+    auto label = [&](const char* name, const char* text, QRect at) {
+        auto* l = new QLabel(QString::fromUtf8(text), &w);
+        l->setObjectName(QString::fromUtf8(name));
+        l->setGeometry(at);
+        return l;
+    };
+    label("a", "A", {10, 10, 40, 20});
+    QLabel* b = label("b", "B", {30, 15, 40, 20});
+    QLabel* cut = label("cut", "A caption far too long for its box", {10, 50, 30, 20});
+    QLabel* out = label("out", "x", {190, 90, 30, 20});
+    EXPECT_EQ(LayoutProblems(w), (QStringList{"cut cuts its caption \"A caption far too long for its box\"",
+                                     "out reaches outside the window", "a overlaps b"}));
+    qDeleteAll(QList<QLabel*>{b, cut, out});
     EXPECT_TRUE(LayoutProblems(w).isEmpty());
 }
 

@@ -2,105 +2,19 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QHostAddress>
 #include <QPointer>
-#include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
 #include <QTimer>
 
 #include <algorithm>
-#include <cctype>
 
 namespace quillon::test {
-
-HttpReply Body(std::string body) {
-    HttpReply r;
-    r.body = std::move(body);
-    return r;
-}
-
-HttpReply Status(int status, std::string reason) {
-    HttpReply r;
-    r.status = status;
-    r.body = reason;
-    r.reason = std::move(reason);
-    return r;
-}
-
-HttpReply Redirect(std::string location, int status) {
-    HttpReply r;
-    r.status = status;
-    r.reason = "Found";
-    r.headers.emplace_back("Location", std::move(location));
-    return r;
-}
-
-struct LocalHttpServer::Impl {
-    QTcpServer server;
-    QString address;
-    quint16 port = 0;
-    std::map<std::string, HttpReply> replies;
-    std::vector<HttpRequest> requests;
-
-    void Accept();
-    void Answer(QTcpSocket* socket, const HttpReply& reply);
-    static void SendBody(QPointer<QTcpSocket> socket, std::string body, std::size_t chunk, int gapMs);
-};
-
 namespace {
 
-HttpRequest Parse(const QByteArray& head) {
-    HttpRequest req;
-    const QList<QByteArray> lines = head.split('\n');
-    const QList<QByteArray> first = lines.value(0).trimmed().split(' ');
-    req.method = first.value(0).toStdString();
-    req.path = first.value(1).toStdString();
-    for (qsizetype i = 1; i < lines.size(); ++i) {
-        const QByteArray line = lines[i].trimmed();
-        const qsizetype colon = line.indexOf(':');
-        if (colon <= 0) continue;
-        std::string name = line.left(colon).trimmed().toStdString();
-        std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
-        req.headers[name] = line.mid(colon + 1).trimmed().toStdString();
-    }
-    return req;
-}
-
-}  // namespace
-
-void LocalHttpServer::Impl::Accept() {
-    while (QTcpSocket* socket = server.nextPendingConnection()) {
-        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-            if (socket->property("answered").toBool()) return;
-            QByteArray seen = socket->property("head").toByteArray() + socket->readAll();
-            const qsizetype end = seen.indexOf("\r\n\r\n");
-            if (end < 0) {
-                socket->setProperty("head", seen);
-                return;
-            }
-            socket->setProperty("answered", true);
-            HttpRequest req = Parse(seen.left(end));
-            requests.push_back(req);
-            auto found = replies.find(req.path);
-            HttpReply reply = found != replies.end() ? found->second : Status(404, "Not Found");
-            QTimer::singleShot(reply.delayMs, socket, [this, socket, reply] { Answer(socket, reply); });
-        });
-    }
-}
-
-void LocalHttpServer::Impl::Answer(QTcpSocket* socket, const HttpReply& reply) {
-    std::string head = "HTTP/1.1 " + std::to_string(reply.status) + " " + reply.reason + "\r\n";
-    if (reply.contentLength) head += "Content-Length: " + std::to_string(reply.body.size()) + "\r\n";
-    for (const auto& [name, value] : reply.headers) head += name + ": " + value + "\r\n";
-    head += "Connection: close\r\n\r\n";
-    socket->write(head.data(), static_cast<qint64>(head.size()));
-    std::string body = reply.body.substr(0, std::min(reply.cutAfter, reply.body.size()));
-    SendBody(socket, std::move(body), reply.chunkSize ? reply.chunkSize : std::string::npos, reply.chunkGapMs);
-}
-
-void LocalHttpServer::Impl::SendBody(QPointer<QTcpSocket> socket, std::string body, std::size_t chunk, int gapMs) {
+// Writes `chunk` bytes of `body` now and the rest after `gapMs`; closes the
+// connection after the last byte.
+void SendBody(QPointer<QTcpSocket> socket, std::string body, std::size_t chunk, int gapMs) {
     if (!socket) return;
     const std::size_t n = std::min(chunk, body.size());
     socket->write(body.data(), static_cast<qint64>(n));
@@ -114,29 +28,38 @@ void LocalHttpServer::Impl::SendBody(QPointer<QTcpSocket> socket, std::string bo
     });
 }
 
-LocalHttpServer::LocalHttpServer(const char* address) : impl_(std::make_unique<Impl>()) {
-    impl_->address = QString::fromLatin1(address);
-    QObject::connect(&impl_->server, &QTcpServer::newConnection, &impl_->server, [this] { impl_->Accept(); });
-    impl_->server.listen(QHostAddress(impl_->address), 0);
-    impl_->port = impl_->server.serverPort();
+}  // namespace
+
+LocalHttpServer::LocalHttpServer() {
+    QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] { Accept(); });
+    server_.listen(QHostAddress::LocalHost, 0);
+    port_ = server_.serverPort();  // kept for Url() after Close()
 }
 
-LocalHttpServer::~LocalHttpServer() = default;
-
-void LocalHttpServer::Serve(std::string path, HttpReply reply) { impl_->replies[std::move(path)] = std::move(reply); }
-
-std::string LocalHttpServer::Url(std::string_view path) const {
-    return "http://" + impl_->address.toStdString() + ":" + std::to_string(impl_->port) + std::string(path);
-}
-
-void LocalHttpServer::Close() { impl_->server.close(); }
-
-const std::vector<HttpRequest>& LocalHttpServer::Requests() const { return impl_->requests; }
-
-std::vector<std::string> LocalHttpServer::Paths() const {
-    std::vector<std::string> paths;
-    for (const HttpRequest& r : impl_->requests) paths.push_back(r.path);
-    return paths;
+void LocalHttpServer::Accept() {
+    while (QTcpSocket* socket = server_.nextPendingConnection()) {
+        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
+            if (socket->property("answered").toBool()) return;
+            const QByteArray seen = socket->property("head").toByteArray() + socket->readAll();
+            const qsizetype end = seen.indexOf("\r\n\r\n");
+            socket->setProperty("head", seen);
+            if (end < 0) return;
+            socket->setProperty("answered", true);
+            const QByteArray head = seen.left(end);
+            const std::string path = head.left(head.indexOf('\n')).split(' ').value(1).toStdString();
+            requests_.push_back({path, head.toLower().toStdString()});
+            const auto found = replies_.find(path);
+            const HttpReply reply = found != replies_.end() ? found->second : Status(404, "Not Found");
+            std::string out = "HTTP/1.1 " + std::to_string(reply.status) + " " + reply.reason + "\r\n" +
+                              "Content-Length: " + std::to_string(reply.body.size()) + "\r\n";
+            if (!reply.location.empty()) out += "Location: " + reply.location + "\r\n";
+            out += "Connection: close\r\n\r\n";
+            socket->write(out.data(), static_cast<qint64>(out.size()));
+            SendBody(socket, reply.body.substr(0, std::min(reply.cutAfter, reply.body.size())),
+                     reply.chunkSize ? reply.chunkSize : std::string::npos, reply.chunkGapMs);
+        });
+    }
 }
 
 bool WaitUntil(const std::function<bool()>& done, int timeoutMs) {

@@ -2,6 +2,9 @@
 
 #include "offsets/startup.h"
 
+#include <QApplication>
+#include <QTimer>
+
 namespace quillon::test {
 
 std::string Bytes(const std::string& hex) {
@@ -9,6 +12,19 @@ std::string Bytes(const std::string& hex) {
     for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
         out.push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
     return out;
+}
+
+ModalSeen OpenModal(const std::function<void()>& open) {
+    ModalSeen seen;
+    QObject guard;  // drops the timer when no modal window ran it
+    QTimer::singleShot(0, &guard, [&] {
+        if (QWidget* modal = QApplication::activeModalWidget()) {
+            seen = {modal->windowTitle(), modal->parentWidget(), modal->isModal()};
+            modal->close();
+        }
+    });
+    open();
+    return seen;
 }
 
 void MainWindowTest::SetUp() {
@@ -28,13 +44,9 @@ void MainWindowTest::StartAndOpen() {
 }
 
 QTreeWidgetItem* MainWindowTest::Node(const QString& section, const QString& key) {
-    auto* tree = Find<QTreeWidget>("TreeView1");
-    for (int i = 0; i < tree->topLevelItemCount(); ++i) {
-        QTreeWidgetItem* s = tree->topLevelItem(i);
-        if (s->text(0) != section) continue;
-        for (int j = 0; j < s->childCount(); ++j)
-            if (s->child(j)->text(0) == key) return s->child(j);
-    }
+    const auto found = Find<QTreeWidget>("TreeView1")->findItems(key, Qt::MatchExactly | Qt::MatchRecursive);
+    for (QTreeWidgetItem* item : found)
+        if (item->parent() && item->parent()->text(0) == section) return item;
     ADD_FAILURE() << "no node " << key.toStdString();
     return nullptr;
 }

@@ -1,7 +1,8 @@
 #pragma once
 // The main window over a session in a temporary program folder that holds
 // the shipped settings, the demonstration ROM and its offset file, driven by a
-// scripted user. Shared by the window tests and the screenshot tool.
+// scripted user; and small helpers for finding and driving child widgets.
+// Shared by the window tests and the screenshot tool.
 #include "app/clipboard.h"
 #include "app/session.h"
 #include "support/fake_prompter.h"
@@ -9,13 +10,16 @@
 #include "ui/main_window.h"
 
 #include <QAbstractButton>
+#include <QLabel>
+#include <QMenu>
+#include <QPlainTextEdit>
 #include <QTest>
 #include <QTreeWidget>
-#include <QPlainTextEdit>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -31,18 +35,36 @@ public:
 // Bytes of a hex text.
 std::string Bytes(const std::string& hex);
 
+// The child of `parent` named `name`; a failure when there is none.
+template <class W = QWidget>
+W* Child(const QObject& parent, const char* name) {
+    W* w = parent.findChild<W*>(QString::fromUtf8(name));
+    EXPECT_NE(w, nullptr) << name;
+    return w;
+}
+inline QString Caption(const QObject& parent, const char* name) { return Child<QLabel>(parent, name)->text(); }
+inline void ClickChild(const QObject& parent, const char* name) {
+    QTest::mouseClick(Child(parent, name), Qt::LeftButton);
+}
+inline void Trigger(const QMenu* menu, const char* action) { Child<QAction>(*menu, action)->trigger(); }
+
+// The modal window that `open` shows, as seen from inside its event loop
+// before it is closed again.
+struct ModalSeen {
+    QString title;
+    QWidget* parent = nullptr;
+    bool modal = false;
+};
+ModalSeen OpenModal(const std::function<void()>& open);
+
 class MainWindowTest : public ::testing::Test {
 protected:
     void SetUp() override;
     std::filesystem::path Rom() const { return dir / "quillon-demo.gba"; }
 
-    template <class W>
-    W* Find(const char* name) {
-        W* w = window->findChild<W*>(QString::fromUtf8(name));
-        EXPECT_NE(w, nullptr) << name;
-        return w;
-    }
-    void Click(const char* name) { QTest::mouseClick(Find<QAbstractButton>(name), Qt::LeftButton); }
+    template <class W = QWidget>
+    W* Find(const char* name) { return Child<W>(*window, name); }
+    void Click(const char* name) { ClickChild(*window, name); }
 
     // Starts the program and opens the demonstration ROM through the open dialog.
     void StartAndOpen();

@@ -11,12 +11,8 @@
 namespace quillon::ui {
 namespace {
 
-constexpr int kMargin = 14;
-constexpr int kLabelWidth = 112;
-constexpr int kHeaderHeight = 26;
-constexpr int kCellWidth = 124;
-constexpr int kCellHeight = 34;
-constexpr int kGap = 10;
+// Sizes in pixels.
+constexpr int kMargin = 14, kLabelWidth = 112, kHeaderHeight = 26, kCellWidth = 124, kCellHeight = 34, kGap = 10;
 
 constexpr const char* kStyleNames[13] = {"Raised", "Framed",      "System", "Gradient", "Toolbar", "Rounded", "Glass",
                                          "Flat accent", "Pill", "Link", "Transparent", "Metal", "Oval"};

@@ -1,0 +1,238 @@
+// The live update: the names allowed in the updates folder, the redirect
+// rule, and the window's form against a local update server: the check (the
+// answers of the two server files, the failures) and the download into the
+// updates folder (progress, the file as received, refused names, broken and
+// empty transfers, a redirect and cancelling).
+#include "update_fixture.h"
+#include "update/last_slash.h"
+#include "update/redirect_policy.h"
+
+#include <filesystem>
+#include <set>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(UpdateFileName, OnlyPlainNamesAreSafeInTheUpdatesFolder) {
+    for (const char* good : {"new.zip", "quillon-3.1.2.exe", ".hidden", "...", "a b.zip", "caf\xC3\xA9.zip"})
+        EXPECT_TRUE(IsSafeUpdateFileName(good)) << good;
+    for (std::string bad : {"", ".", "..", "a/b", "..\\evil.exe", "new.zip\r\n", "new\tzip", "x\x7F"})
+        EXPECT_FALSE(IsSafeUpdateFileName(bad)) << bad;
+    EXPECT_FALSE(IsSafeUpdateFileName(std::string("a\0b", 3)));
+}
+
+TEST(RedirectPolicy, FollowsHttpsAnywhereAndPlainHttpOnlyOnTheSameHost) {
+    struct Case {
+        const char* from;
+        const char* to;
+        bool allowed;
+    } cases[] = {
+        {"http://a.test/x", "http://a.test/y", true},
+        {"http://a.test:80/x", "http://A.TEST/y", true},
+        {"http://a.test/x", "/elsewhere/y", true},
+        {"http://a.test:8080/x", "http://a.test:9090/y", false},
+        {"http://a.test/x", "http://b.test/y", false},
+        {"http://a.test/x", "https://b.test/y", true},
+        {"https://a.test/x", "https://b.test/y", true},
+        {"https://a.test/x", "http://a.test/y", false},
+        {"http://a.test/x", "ftp://a.test/y", false},
+        {"http://a.test/x", "file:///etc/passwd", false},
+    };
+    for (const Case& c : cases) EXPECT_EQ(RedirectAllowed(c.from, c.to), c.allowed) << c.from << " -> " << c.to;
+}
+
+std::string Offer(const std::string& from, const std::string& to) {
+    return "There's an update from v" + from + " to v" + to + " available.";
+}
+
+// The version file's body is compared with the running version character
+// code by character code, as it stands; exactly "no" switches the update off.
+using Check = UpdateFixture;
+
+TEST_F(Check, FetchesBothFilesThenComparesTheVersions) {
+    const struct {
+        std::string body, current, status;
+        bool offered;
+        std::vector<Shown> shown = {};
+    } cases[] = {
+        {"3.1.2", "3.1.1", Offer("3.1.1", "3.1.2"), true},
+        {"3.1.1", "3.1.1", "There is no update available.", false},
+        {"3.1", "3.1.1", "There is no update available.", false},
+        {"3.10.0", "3.1.1", Offer("3.1.1", "3.10.0"), true},
+        {"3.9", "3.10.0", Offer("3.10.0", "3.9"), true},
+        {"3.1.1\r\n", "3.1.1", Offer("3.1.1", "3.1.1\r\n"), true},
+        {"No", "3.1.1", Offer("3.1.1", "No"), true},
+        {"no\n", "3.1.1", Offer("3.1.1", "no\n"), true},
+        {"\xC3\xA9", "3.1.1", Offer("3.1.1", "\xC3\xA9"), true},  // bytes above 0x7F count as large
+        {"", "3.1.1", "Update failed.", false},
+        {"no", "3.1.1", "Update disabled.", false,
+         {Msg(Icon::Critical, "The update feature has been disabled by the author. Please try again later.")}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.body + " against " + c.current);
+        form = MakeForm(dir.path(), c.current);
+        ServeFiles(c.body, server.Url("/files/new.zip"));
+        const std::size_t before = server.Requests().size();
+        CheckAndWait();
+        ASSERT_EQ(server.Requests().size(), before + 2);  // a wrong path would have failed the check
+        EXPECT_NE(server.Requests()[before].head.find("cache-control: no-cache"), std::string::npos);
+        EXPECT_TRUE(fs::is_directory(dir / "updates"));
+        EXPECT_EQ(form->updateURL, server.Url("/files/new.zip"));
+        EXPECT_EQ(form->lblUpdateMsg, c.status);
+        EXPECT_EQ(form->cmdDownloadVisible, c.offered);
+        EXPECT_EQ(form->cmdCheckVisible, !c.offered);
+        EXPECT_EQ(user.Take(), c.shown);
+    }
+}
+
+// Failures give their number and description. Plain HTTP may not leave the
+// host: that redirect is refused before any connection to the other address.
+TEST_F(Check, FailuresReportTheirNumberAndDescription) {
+    const struct {
+        HttpReply version, address;
+        std::size_t requests;
+        std::string title, description;
+    } cases[] = {
+        {Status(404, "Not Found"), Body("x"), 1, "Error #404", "Not Found"},
+        {Body("3.1.2"), Status(404, "Not Found"), 2, "Error #404", "Not Found"},
+        {Status(503, "Service Unavailable"), Body("x"), 1, "Error #503", "Service Unavailable"},
+        {Redirect("http://127.0.0.2:1/v.txt"), Body("x"), 1, "Error #11",
+         "Redirect to http://127.0.0.2:1/v.txt refused"},
+        {{}, {}, 0, "Error #1", "Connection refused"},  // last: the server is down
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.title);
+        server.Serve("/updates/quillon.txt", c.version);
+        server.Serve("/updates/quillon2.txt", c.address);
+        if (c.requests == 0) server.Close();
+        const std::size_t before = server.Requests().size();
+        CheckAndWait();
+        EXPECT_EQ(server.Requests().size(), before + c.requests);
+        EXPECT_EQ(form->lblUpdateMsg, "Update failed.");
+        EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Critical,
+                                                      "An error has occured. Update failed.\r\n\r\nError "
+                                                      "description: \r\n" + c.description, c.title)});
+        ExpectReady();
+    }
+}
+
+const Shown kFailed = Msg(Icon::Critical, "The update failed.", "Error");
+const Shown kSucceeded = Msg(Icon::Information, "The update was successfull.\r\nCheck the Updates folder!",
+                             "Update downloaded!");
+
+// Every byte value, repeated to `size` bytes.
+std::string Pattern(std::size_t size) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>((i * 7 + i / 256) & 0xFF);
+    return bytes;
+}
+
+std::set<std::string> FolderNames(const fs::path& folder) {
+    std::set<std::string> names;
+    for (const auto& e : fs::directory_iterator(folder)) names.insert(e.path().filename().string());
+    return names;
+}
+
+class Download : public UpdateFixture {
+protected:
+    void SetUp() override { fs::create_directory(dir / "updates"); }
+    // Download from `url` as after a check that offered it, then wait until
+    // the transfer has ended.
+    void DownloadAndWait(std::string url) {
+        form->updateURL = std::move(url);
+        form->cmdDownloadVisible = true;
+        form->cmdCheckVisible = false;
+        form->Download();
+        ASSERT_TRUE(WaitUntil([&] { return form->DL().Running() == 0; }));
+    }
+};
+
+TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
+    const std::string bytes = Pattern(64 * 1024);
+    HttpReply file = Body(bytes);
+    file.chunkSize = 16 * 1024;
+    file.chunkGapMs = 130;  // longer than the 100 ms Qt keeps between progress notices
+    server.Serve("/files/real.zip", file);
+    server.Serve("/files/new.zip", Redirect("/files/real.zip"));  // followed on the same host
+    ServeFiles("3.1.2", server.Url("/files/new.zip"));
+    WriteFile(dir / "updates" / "new.zip", "an older update");
+    CheckAndWait();
+    ASSERT_TRUE(form->cmdDownloadVisible);
+
+    std::vector<std::pair<std::int32_t, std::string>> progress;
+    form->OnChanged([&] {
+        if (progress.empty() || progress.back().second != form->label1)
+            progress.emplace_back(form->progValue, form->label1);
+    });
+    form->Download();
+    EXPECT_EQ(form->lblUpdateMsg, "Downloading the update...");
+    ExpectReady();
+    ASSERT_TRUE(WaitUntil([&] { return form->DL().Running() == 0; }));
+
+    EXPECT_EQ(ReadFile(dir / "updates" / "new.zip"), bytes);
+    EXPECT_EQ(FolderNames(dir / "updates"), std::set<std::string>{"new.zip"});
+    ASSERT_GE(progress.size(), 3u);  // the start, at least one step between, the last notice
+    EXPECT_LT(progress[progress.size() - 2].first, 65536);
+    EXPECT_EQ(progress.back().second, "Downloaded: 65536 / 65536 Bytes.");
+    EXPECT_EQ(form->progMax, 65536);
+    EXPECT_EQ(form->progValue, 0);
+    EXPECT_EQ(form->lblUpdateMsg, "Update successfull.");
+    EXPECT_EQ(user.Take(), std::vector<Shown>{kSucceeded});
+    EXPECT_NE(server.Requests().back().head.find("cache-control: no-cache"), std::string::npos);
+}
+
+TEST_F(Download, HostileFileNamesAreRefusedBeforeAnythingIsFetched) {
+    for (std::string tail : {"/files/", "/files/.", "/files/..", "/files/..\\..\\evil.exe", "/files/new.zip\r\n",
+                             "/files/ne\x01w.zip"}) {
+        DownloadAndWait(server.Url(tail));
+        EXPECT_EQ(form->lblUpdateMsg, "Update failed.") << tail;
+        EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Critical, "The update failed.",
+                                                      "Error 52: Bad file name or number")})
+            << tail;
+        ExpectReady();
+    }
+    EXPECT_TRUE(server.Requests().empty());
+    EXPECT_EQ(FolderNames(dir.path()), std::set<std::string>{"updates"});
+    EXPECT_TRUE(fs::is_empty(dir / "updates"));
+}
+
+// A failed, cut-off or empty transfer is reported once, as failed, and
+// leaves an older file of the same name alone.
+TEST_F(Download, FailedCutOffAndEmptyTransfersWriteNothing) {
+    HttpReply cut = Body(Pattern(8192));
+    cut.cutAfter = 4096;
+    server.Serve("/cut/new.zip", cut);
+    server.Serve("/empty/new.zip", Body(""));
+    WriteFile(dir / "updates" / "new.zip", "an older update");
+    for (std::string url : {server.Url("/missing/new.zip"), server.Url("/cut/new.zip"), server.Url("/empty/new.zip"),
+                            std::string("ftp://127.0.0.1/new.zip")}) {
+        DownloadAndWait(url);
+        EXPECT_EQ(user.Take(), std::vector<Shown>{kFailed}) << url;
+        EXPECT_EQ(form->lblUpdateMsg, "Update failed.") << url;
+        EXPECT_EQ(ReadFile(dir / "updates" / "new.zip"), "an older update") << url;
+        ExpectReady();
+    }
+    EXPECT_EQ(FolderNames(dir / "updates"), std::set<std::string>{"new.zip"});
+}
+
+TEST_F(Download, CancelAbandonsARunningTransfer) {
+    HttpReply slow = Body(Pattern(8192));
+    slow.chunkSize = 1024;
+    slow.chunkGapMs = 60;
+    server.Serve("/files/new.zip", slow);
+    form->updateURL = server.Url("/files/new.zip");
+    form->Download();
+    ASSERT_TRUE(WaitUntil([&] { return form->progValue > 0; }));
+    form->Cancel();
+    EXPECT_EQ(form->DL().Running(), 0u);
+    WaitUntil([] { return false; }, 500);  // the server sends the rest meanwhile
+    EXPECT_FALSE(fs::exists(dir / "updates" / "new.zip"));
+    EXPECT_TRUE(user.Take().empty());
+    ExpectReady();
+}
+
+}  // namespace
