@@ -210,4 +210,9 @@ TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
     EXPECT_EQ(At(std::stoul(offsetHex, nullptr, 16), 13), Bytes("6A5A0F005634120809036C0200"));
 }
 
+TEST(TwipsToPixels, FifteenTwipsPerPixelAt96DpiRoundedHalfToEven) {
+    EXPECT_EQ(ui::TwipsToPixels(10050, 96), 670);
+    EXPECT_EQ(ui::TwipsToPixels(6885, 144), 688);  // 688.5
+}
+
 }  // namespace

@@ -200,6 +200,18 @@ TEST_F(Download, HostileFileNamesAreRefusedBeforeAnythingIsFetched) {
     EXPECT_TRUE(fs::is_empty(dir / "updates"));
 }
 
+// A regular file where the updates folder belongs: the download gives up
+// after its restarts with error 75 and touches nothing.
+TEST_F(Download, AnUnusableUpdatesFolderEndsTheDownload) {
+    fs::remove(dir / "updates");
+    WriteFile(dir / "updates", "not a folder");
+    DownloadAndWait(server.Url("/files/new.zip"));
+    EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Critical, "The update failed.",
+                                                  "Error 75: Path/File access error")});
+    EXPECT_TRUE(server.Requests().empty());
+    EXPECT_EQ(ReadFile(dir / "updates"), "not a folder");
+}
+
 // A failed, cut-off or empty transfer is reported once, as failed, and
 // leaves an older file of the same name alone.
 TEST_F(Download, FailedCutOffAndEmptyTransfersWriteNothing) {
