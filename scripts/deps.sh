@@ -14,7 +14,8 @@ quillon_deps() {
 }
 
 # What every build needs: compiler, CMake, the test and benchmark libraries.
-QUILLON_BUILD_PACKAGES=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev)
+QUILLON_BUILD_PACKAGES=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev
+    libcli11-dev libgettextpo-dev zlib1g-dev)
 # The fuzz build: clang with libFuzzer and the sanitizer runtimes.
 QUILLON_FUZZ_PACKAGES=(clang libclang-rt-dev)
 # The windows: Qt 6 Widgets, Network and Test, and an X server for screenshots.
