@@ -30,6 +30,19 @@ struct MainControls {
     std::string offsetCaption;       // Label3: current offset in hex digits
     std::string gameCode;            // Label4: game code of the open ROM
     std::string repointCaption = "0 Characters left until repoint.";  // lblRepoint
+    // Why the shown text can't be saved (Command2's tooltip); empty when it can.
+    std::string saveRefusal;
+    // Where the shown text's bytes differ from what saving would write back;
+    // empty when they come back byte for byte.
+    std::string roundTripNote;
+};
+
+// The bytes of the shown text as they were read, so a save can tell whether
+// another program changed them since.
+struct LoadedText {
+    std::uint64_t offset = 0;
+    std::string bytes;  // the text and the byte behind it (its terminator)
+    std::uint64_t romSize = 0;
 };
 
 class Session {
@@ -51,6 +64,10 @@ public:
     Prompter& prompter;
     std::filesystem::path romPath;  // the open dialog's file name
     std::int32_t oldTextLength = 0;
+    LoadedText loaded;
+    // Set when the ROM may not be written (a journal that could not be
+    // replayed waits beside it); says why.
+    std::string readOnlyReason;
     TreeModel tree;
     cInifile ini;  // the main window's INI access, pointed anew at each use
     MainControls controls;

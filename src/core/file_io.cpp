@@ -5,12 +5,14 @@
 #include <cerrno>
 #include <cstdio>
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <system_error>
 
 #if __has_include(<unistd.h>)
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #define QUILLON_HAVE_FSYNC 1
 #endif
@@ -69,6 +71,11 @@ void Seek(std::FILE* f, std::uint64_t offset, const std::filesystem::path& path,
 
 void SetWriteHook(WriteHook hook) { Hook() = std::move(hook); }
 
+WriteHook StopAfterWrites(int count) {
+    auto done = std::make_shared<int>(0);
+    return [done, count](const std::filesystem::path&) { return ++*done <= count; };
+}
+
 void ThrowFileError(const std::filesystem::path& path, std::string_view action, int err) {
     throw FileError("Cannot " + std::string(action) + " '" + path.string() + "': " +
                     std::generic_category().message(err));
@@ -126,36 +133,116 @@ void ResizeFile(const std::filesystem::path& path, std::uint64_t size) {
     if (ec) ThrowFileError(path, "write", ec.value());
 }
 
-void ReplaceFile(const std::filesystem::path& path, std::string_view contents) {
-    if (IsWriteProtected(path)) ThrowFileError(path, "write", EACCES);
-    std::error_code ec;
-    if (std::filesystem::is_directory(path, ec)) ThrowFileError(path, "write", EISDIR);
-    CheckHook(path);
-    std::filesystem::path tmp = path;
-    tmp += ".tmp";
-    {
-        File f = Open(tmp, "wb", "create");
-        if (!contents.empty() && std::fwrite(contents.data(), 1, contents.size(), f.get()) != contents.size()) {
-            int err = errno;
-            f.reset();
-            std::filesystem::remove(tmp, ec);
-            ThrowFileError(path, "write", err);
+namespace {
+
+// Writes `contents` to a new file with a unique name beside `target`, created
+// exclusively and never through a link, flushed to disk. Returns its path.
+std::filesystem::path WriteTemporary(const std::filesystem::path& target, std::string_view contents,
+                                     std::filesystem::perms mode) {
+    std::filesystem::path pattern = target;
+    pattern += ".tmp-XXXXXX";
+    std::string name = pattern.string();
+#ifdef QUILLON_HAVE_FSYNC
+    int fd = ::mkstemp(name.data());  // O_CREAT | O_EXCL, mode 600
+    if (fd < 0) ThrowFileError(target, "create a temporary file for", errno);
+    std::filesystem::path tmp(name);
+    auto fail = [&](int err) {
+        ::close(fd);
+        ::unlink(tmp.c_str());
+        ThrowFileError(target, "write", err);
+    };
+    for (std::size_t done = 0; done < contents.size();) {
+        ssize_t n = ::write(fd, contents.data() + done, contents.size() - done);
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            fail(errno);
         }
-        try {
-            Sync(f.get(), tmp);
-        } catch (...) {
-            f.reset();
-            std::filesystem::remove(tmp, ec);
-            throw;
-        }
+        done += static_cast<std::size_t>(n);
     }
-    std::filesystem::rename(tmp, path, ec);
+    if (::fchmod(fd, static_cast<mode_t>(mode)) != 0) fail(errno);
+    if (::fsync(fd) != 0 && errno != EINVAL) fail(errno);
+    ::close(fd);
+    return tmp;
+#else
+    std::filesystem::path tmp = target;
+    tmp += ".tmp";
+    File f = Open(tmp, "wb", "create");
+    if (!contents.empty() && std::fwrite(contents.data(), 1, contents.size(), f.get()) != contents.size())
+        ThrowFileError(target, "write", errno);
+    Sync(f.get(), tmp);
+    (void)mode;
+    return tmp;
+#endif
+}
+
+// The file a path names: a link is followed to its target (which may not
+// exist yet), so replacing it replaces the target and keeps the link.
+std::filesystem::path Resolve(const std::filesystem::path& path) {
+    std::filesystem::path p = path;
+    for (int depth = 0; depth < 40; ++depth) {
+        std::error_code ec;
+        if (!std::filesystem::is_symlink(std::filesystem::symlink_status(p, ec))) return p;
+        std::filesystem::path target = std::filesystem::read_symlink(p, ec);
+        if (ec) ThrowFileError(path, "follow the link", ec.value());
+        p = target.is_absolute() ? target : p.parent_path() / target;
+    }
+    ThrowFileError(path, "follow the link", ELOOP);
+}
+
+}  // namespace
+
+void ReplaceFile(const std::filesystem::path& path, std::string_view contents) {
+    const std::filesystem::path target = Resolve(path);
+    if (IsWriteProtected(target)) ThrowFileError(path, "write", EACCES);
+    std::error_code ec;
+    auto status = std::filesystem::status(target, ec);
+    if (std::filesystem::is_directory(status)) ThrowFileError(path, "write", EISDIR);
+    using std::filesystem::perms;
+    perms mode = std::filesystem::exists(status)
+                     ? status.permissions() & perms::mask
+                     : perms::owner_read | perms::owner_write | perms::group_read | perms::others_read;
+    CheckHook(path);
+    const std::filesystem::path tmp = WriteTemporary(target, contents, mode);
+    std::filesystem::rename(tmp, target, ec);
     if (ec) {
         std::error_code ignored;
         std::filesystem::remove(tmp, ignored);
         ThrowFileError(path, "write", ec.value());
     }
+    SyncFolder(target.parent_path());
+}
+
+bool CreateExclusive(const std::filesystem::path& path, std::string_view contents) {
+    std::error_code ec;
+    if (std::filesystem::exists(std::filesystem::symlink_status(path, ec))) return false;
+    CheckHook(path);
+    using std::filesystem::perms;
+    const std::filesystem::path tmp =
+        WriteTemporary(path, contents, perms::owner_read | perms::owner_write | perms::group_read | perms::others_read);
+#ifdef QUILLON_HAVE_FSYNC
+    // A hard link fails when the name is taken, so the finished file appears
+    // whole and never replaces another.
+    int linked = ::link(tmp.c_str(), path.c_str());
+    int err = errno;
+    ::unlink(tmp.c_str());
+    if (linked != 0) {
+        if (err == EEXIST) return false;
+        ThrowFileError(path, "create", err);
+    }
+#else
+    std::filesystem::rename(tmp, path, ec);
+    if (ec) ThrowFileError(path, "create", ec.value());
+#endif
     SyncFolder(path.parent_path());
+    return true;
+}
+
+bool FolderWritable(const std::filesystem::path& folder) {
+    std::error_code ec;
+    auto st = std::filesystem::status(folder.empty() ? std::filesystem::path(".") : folder, ec);
+    if (ec || !std::filesystem::is_directory(st)) return false;
+    using std::filesystem::perms;
+    return (st.permissions() & (perms::owner_write | perms::group_write | perms::others_write)) != perms::none;
 }
 
 InputFile::InputFile(const std::filesystem::path& path) : path_(path) {

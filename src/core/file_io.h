@@ -16,6 +16,10 @@ namespace quillon::io {
 using WriteHook = std::function<bool(const std::filesystem::path&)>;
 void SetWriteHook(WriteHook hook);
 
+// A hook that lets the first `count` writes through and fails every later
+// one, as when the machine stops after write `count`.
+WriteHook StopAfterWrites(int count);
+
 // Installs a hook for the lifetime of the guard and removes it afterwards.
 class ScopedWriteHook {
 public:
@@ -79,7 +83,18 @@ void ResizeFile(const std::filesystem::path& path, std::uint64_t size);
 
 // Replaces (or creates) a whole file through a temporary file in the same
 // folder and a rename, so a crash leaves either the old or the new contents.
+// The temporary file has a unique name and is created exclusively; a link at
+// `path` is written through to its target, and an existing file keeps its
+// permissions.
 void ReplaceFile(const std::filesystem::path& path, std::string_view contents);
+
+// Creates `path` with `contents`, whole or not at all, and never over an
+// existing file or link: false when something is already there.
+bool CreateExclusive(const std::filesystem::path& path, std::string_view contents);
+
+// A folder a new file can be made in: it exists and its permission bits let
+// someone write (root passes any bits, so they are read, not tried).
+bool FolderWritable(const std::filesystem::path& folder);
 
 // Removes a file; a missing file is no error.
 void RemoveFile(const std::filesystem::path& path);

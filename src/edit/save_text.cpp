@@ -3,7 +3,8 @@
 #include "app/session.h"
 #include "edit/free_space.h"
 #include "edit/pointer_scan.h"
-#include "edit/save_journal.h"
+#include "edit/commit.h"
+#include "core/file_io.h"
 #include "edit/text_view.h"
 #include "offsets/ini_document.h"
 #include "offsets/offset_file.h"
@@ -62,6 +63,51 @@ std::optional<std::string> MovedOffsetFile(Session& session, std::int32_t oldOff
 
 enum class Step { Done, Stop };
 
+// The shown text's bytes as they were loaded, still in the ROM: nothing when
+// they are, else what differs.
+std::optional<std::string> ChangedSinceLoad(const Session& session) {
+    const LoadedText& loaded = session.loaded;
+    const std::uint64_t size = io::FileSize(session.romPath);
+    if (size != loaded.romSize)
+        return "The ROM was changed outside Quillon since the text was loaded: its size is now " +
+               std::to_string(size) + " bytes instead of " + std::to_string(loaded.romSize) + ".";
+    if (io::ReadAt(session.romPath, loaded.offset, loaded.bytes.size()) != loaded.bytes)
+        return "The ROM was changed outside Quillon since the text was loaded: the text's bytes at offset " +
+               PlainHex(static_cast<std::int32_t>(loaded.offset)) + " are no longer the ones shown.";
+    return std::nullopt;
+}
+
+WritePlan PlanFor(const Session& session, std::vector<BytesAt> blocks) {
+    WritePlan plan;
+    plan.command = "Save Text";
+    plan.subject = session.tree.SelectedParentText();
+    if (const TreeNode* node = session.tree.SelectedNode(); node && !IsSectionNodeKey(node->key))
+        plan.subject += " / " + KeyNameOf(node->key);
+    plan.rom = session.romPath;
+    plan.romSize = session.loaded.romSize;
+    plan.romWrites = RangesFor(session.romPath, blocks);
+    return plan;
+}
+
+// Offers to show the ROM's text again after another program changed it.
+void OfferReload(Session& session) {
+    if (session.prompter.AskYesNo("Load the text from the ROM again?\r\nYour changes in the editor will be lost."))
+        LoadTextAt(session, session.controls.offsetCaption);
+}
+
+bool Write(Session& session, const WritePlan& plan) {
+    switch (Commit(session, plan, "The text could not be saved:")) {
+        case Committed::Written:
+            return true;
+        case Committed::ChangedOutside:
+            OfferReload(session);
+            return false;
+        case Committed::NotWritten:
+            return false;
+    }
+    return false;
+}
+
 // The text grew past the free bytes behind it: move it and repoint.
 Step Repoint(Session& session, std::int32_t newLength) {
     auto& c = session.controls;
@@ -91,44 +137,48 @@ Step Repoint(Session& session, std::int32_t newLength) {
     }
     const std::string oldPointer = HexToBytes(PointerHex(PadHex(oldOffset)));
     const std::string newPointer = HexToBytes(PointerHex(newOffsetText));
-    SavePlan plan;
-    plan.rom = session.romPath;
-    plan.romFirst = ScanPointerRewrites(session.romPath, oldPointer, newPointer);
-    if (plan.romFirst.empty()) {
+    std::vector<BytesAt> blocks;
+    for (auto& p : ScanPointerRewrites(session.romPath, oldPointer, newPointer))
+        blocks.push_back({p.offset, std::move(p.bytes)});
+    if (blocks.empty()) {
         session.prompter.Message(Icon::Critical, "The text pointer wasn't found!\r\nThe text can't be edited!");
         return Step::Stop;
     }
-    plan.romFirst.push_back({static_cast<std::uint64_t>(oldOffset),
-                             FreeRun(c.gameCode, static_cast<std::size_t>(session.oldTextLength) + 1)});
+    blocks.push_back({static_cast<std::uint64_t>(oldOffset),
+                      FreeRun(c.gameCode, static_cast<std::size_t>(session.oldTextLength) + 1)});
+    // The free byte kept in front of the moved text is part of the plan, so a
+    // change to it since the search is noticed.
+    blocks.push_back({static_cast<std::uint64_t>(found), FreeRun(c.gameCode, 1)});
+    blocks.push_back({static_cast<std::uint64_t>(newOffset),
+                      HexToBytes(EncodeText(c.text1.Text(), c.specialDialog) + "FF")});
+    WritePlan plan = PlanFor(session, std::move(blocks));
     if (auto offsets = MovedOffsetFile(session, oldOffset, newOffsetText)) {
         plan.offsetFile = session.OffsetFile();
-        plan.offsetFileText = std::move(*offsets);
+        plan.offsetBefore = io::ReadAll(session.OffsetFile());
+        plan.offsetAfter = std::move(*offsets);
     }
-    plan.romLast.push_back({static_cast<std::uint64_t>(newOffset),
-                            HexToBytes(EncodeText(c.text1.Text(), c.specialDialog) + "FF")});
-
-    std::string error;
-    switch (WriteJournaled(plan, error)) {
-        case SaveOutcome::Saved:
-            c.offsetCaption = newOffsetText;
-            return Step::Done;
-        case SaveOutcome::RolledBack:
-            session.prompter.Message(Icon::Critical, "The text could not be saved:\r\n" + error +
-                                                         "\r\n\r\nThe ROM and the offset file were left as they were.");
-            return Step::Stop;
-        case SaveOutcome::JournalKept:
-            session.prompter.Message(Icon::Critical,
-                                     "The text could not be saved:\r\n" + error +
-                                         "\r\n\r\nThe ROM and the offset file will be restored to their state "
-                                         "before this save when the ROM is opened again.");
-            return Step::Stop;
-    }
-    return Step::Stop;
+    return Write(session, plan) ? (c.offsetCaption = newOffsetText, Step::Done) : Step::Stop;
 }
 
 // Everything up to the final write; Done means the text is on disk.
 Step Save(Session& session) {
     auto& c = session.controls;
+    if (!c.saveRefusal.empty()) {
+        Refuse(session, c.saveRefusal);
+        return Step::Stop;
+    }
+    if (!session.readOnlyReason.empty()) {
+        Refuse(session, session.readOnlyReason);
+        return Step::Stop;
+    }
+    if (auto changed = ChangedSinceLoad(session)) {
+        Refuse(session, *changed);
+        OfferReload(session);
+        return Step::Stop;
+    }
+    if (!c.roundTripNote.empty() &&
+        !session.prompter.AskYesNo(c.roundTripNote + "\r\n\r\nDo you want to save it anyway?", kAskTitle))
+        return Step::Stop;
     std::string hex = EncodeText(c.text1.Text(), c.specialDialog);
     const auto newLength = static_cast<std::int32_t>(hex.size() / 2);
 
@@ -142,6 +192,7 @@ Step Save(Session& session) {
         hex += Repeat("FF", missing);
     }
 
+    std::int32_t growth = 0;
     if (newLength > session.oldTextLength) {
         if (!session.prompter.AskYesNo(
                 "The text you entered is longer than the old one.\r\n"
@@ -151,7 +202,7 @@ Step Save(Session& session) {
                 "Do you want to Re-Point?",
                 kAskTitle))
             return Step::Stop;
-        const std::int32_t growth = newLength - session.oldTextLength;
+        growth = newLength - session.oldTextLength;
         if (growth > 32767) {
             Refuse(session, "The text grew by " + std::to_string(growth) +
                                 " bytes; a text can grow by at most 32767 bytes at once.");
@@ -168,8 +219,10 @@ Step Save(Session& session) {
             return Repoint(session, newLength);
         }
     }
-    WriteBytesHex(session.romPath, c.offsetCaption, hex + "FF");
-    return Step::Done;
+    std::vector<BytesAt> blocks{{static_cast<std::uint64_t>(HexToLong(c.offsetCaption)), HexToBytes(hex + "FF")}};
+    if (growth > 0)  // the byte behind the new terminator must still be free
+        blocks.push_back({blocks[0].offset + blocks[0].bytes.size(), FreeRun(c.gameCode, 1)});
+    return Write(session, PlanFor(session, std::move(blocks))) ? Step::Done : Step::Stop;
 }
 
 }  // namespace
@@ -192,7 +245,7 @@ void SaveText(Session& session) {
     } catch (const FileError& e) {
         session.prompter.Message(Icon::Critical, std::string("The text could not be saved:\r\n") + e.what());
     }
-    c.saveEnabled = true;
+    c.saveEnabled = c.saveRefusal.empty() && session.readOnlyReason.empty();
     session.Changed();
 }
 

@@ -7,7 +7,11 @@
 #include <quillon/codec.h>
 #include <quillon/rom.h>
 
+#include "core/file_io.h"
+#include "edit/write_plan.h"
+
 #include <charconv>
+#include <cstdio>
 #include <exception>
 
 namespace quillon {
@@ -29,6 +33,45 @@ std::optional<std::uint32_t> ParseDecimal(std::string_view text) {
     return value;
 }
 
+std::string HexOf(std::string_view bytes) {
+    std::string out;
+    for (char b : bytes) out += (out.empty() ? "" : " ") + ByteHex(b);
+    return out;
+}
+
+// Why a text at `offsetHex` can't be saved, or nothing. The text is still
+// shown, but a save there would write into the header or past the end.
+std::string SaveRefusal(std::string_view offsetHex, std::uint64_t romSize) {
+    if (offsetHex.empty()) return "This entry has no offset in the offset file, so its text can't be saved.";
+    const auto offset = static_cast<std::uint64_t>(static_cast<std::uint32_t>(HexToLong(offsetHex)));
+    if (offset < kFirstWritableOffset)
+        return "The offset " + std::string(offsetHex) +
+               " lies inside the cartridge header (below C0), so its text can't be saved.";
+    if (offset >= romSize)
+        return "The offset " + std::string(offsetHex) + " lies at or past the end of the ROM (" +
+               std::to_string(romSize) + " bytes), so there is no text there to save.";
+    return {};
+}
+
+// Where the loaded bytes differ from the bytes saving the shown text would
+// write, in words; empty when they come back unchanged.
+std::string RoundTripNote(std::string_view loaded, std::string_view saved) {
+    if (loaded == saved) return {};
+    std::size_t at = 0;
+    while (at < loaded.size() && at < saved.size() && loaded[at] == saved[at]) ++at;
+    auto piece = [at](std::string_view bytes) {
+        std::string_view p = bytes.substr(std::min(at, bytes.size()), 4);
+        return p.empty() ? std::string("nothing") : HexOf(p);
+    };
+    std::string note = "This text holds bytes the editor can't write back unchanged: from byte " +
+                       std::to_string(at + 1) + " on, the ROM holds " + piece(loaded) + ", but saving writes " +
+                       piece(saved) + ".";
+    if (loaded.size() != saved.size())
+        note += " Saving makes the text " + std::to_string(loaded.size()) + " bytes long instead of " +
+                std::to_string(saved.size()) + ".";
+    return note;
+}
+
 }  // namespace
 
 void ShowNoText(Session& session) {
@@ -37,6 +80,9 @@ void ShowNoText(Session& session) {
     c.offsetCaption.clear();
     session.oldTextLength = 0;
     c.saveEnabled = false;
+    c.saveRefusal.clear();
+    c.roundTripNote.clear();
+    session.loaded = {};
     c.tableEnabled = false;
     c.specialDialogEnabled = false;
     UpdateRepointCounter(session);
@@ -44,13 +90,23 @@ void ShowNoText(Session& session) {
 
 void LoadTextAt(Session& session, std::string_view offsetHex) {
     auto& c = session.controls;
+    c.saveRefusal.clear();
+    c.roundTripNote.clear();
+    session.loaded = {};
     std::string bytes = ReadBytesUntil(session.romPath, offsetHex, kMaxTextBytes, "FF");
     c.tableEnabled = true;
     c.specialDialogEnabled = true;
     c.text1.SetText(DecodeText(bytes, c.japaneseTable));
     c.text1.readOnly = c.japaneseTable;
-    c.saveEnabled = !c.japaneseTable;
     session.oldTextLength = EncodedLength(session);
+    const std::uint64_t size = io::FileSize(session.romPath);
+    c.saveRefusal = SaveRefusal(offsetHex, size);
+    if (c.saveRefusal.empty()) {
+        const auto offset = static_cast<std::uint64_t>(HexToLong(offsetHex));
+        session.loaded = {offset, io::ReadAt(session.romPath, offset, bytes.size() + 1), size};
+        if (!c.japaneseTable) c.roundTripNote = RoundTripNote(bytes, HexToBytes(EncodeText(c.text1.Text(), false)));
+    }
+    c.saveEnabled = !c.japaneseTable && c.saveRefusal.empty() && session.readOnlyReason.empty();
     UpdateRepointCounter(session);
 }
 

@@ -65,6 +65,16 @@ struct CommitResult {
 
 std::filesystem::path JournalPath(const std::filesystem::path& rom);
 
+// One block to put at an offset, as a command thinks of its writes.
+struct BytesAt {
+    std::uint64_t offset = 0;
+    std::string bytes;
+};
+
+// Turns blocks, applied in order (a later one wins where they overlap), into
+// non-overlapping ranges whose `before` is read from the ROM now.
+std::vector<RomWrite> RangesFor(const std::filesystem::path& rom, const std::vector<BytesAt>& blocks);
+
 // Guards, journals and writes `plan`. Throws PlanRefused (or ChangedOnDisk)
 // before anything is written when a range lies outside the file or in its
 // header, the file's length or any expected bytes differ, the offset file

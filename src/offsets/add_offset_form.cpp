@@ -23,6 +23,12 @@ std::string PlainHex(std::uint32_t value) {
 
 }  // namespace
 
+bool UsableKeyName(std::string_view name) {
+    if (name.empty() || name.front() == ';' || name.front() == '#') return false;
+    if (name.front() == ' ' || name.front() == '\t' || name.back() == ' ' || name.back() == '\t') return false;
+    return name.find_first_of("\r\n=[]") == std::string_view::npos;
+}
+
 AddOffsetForm::AddOffsetForm(Session& session, std::optional<std::string> presetOffset) : session_(session) {
     ini_.SetPath(session.OffsetFile());
     std::int32_t count = 0;
@@ -46,8 +52,9 @@ bool AddOffsetForm::Add() {
     };
     if (HasLineBreak(sectionName) || sectionName.find_first_of("[]") != std::string::npos)
         return refuse("A section name can't contain line breaks, \"[\" or \"]\".");
-    if (HasLineBreak(textName) || textName.find('=') != std::string::npos)
-        return refuse("A text name can't contain line breaks or \"=\".");
+    if (!UsableKeyName(textName))
+        return refuse("A text name can't start with \";\" or \"#\", start or end with a blank, or contain line "
+                      "breaks, \"=\", \"[\" or \"]\": the offset file could not hold it.");
 
     std::uint32_t offset = 0;
     auto [end, ec] = std::from_chars(offsetDecimal.data(), offsetDecimal.data() + offsetDecimal.size(), offset);

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillon {
@@ -40,6 +41,11 @@ private:
     std::vector<std::string> sections_;
     bool added_ = false;
 };
+
+// Whether an offset file can hold `name` as a key that every later read finds:
+// not empty, no leading ";" or "#", no blank at either end, no line break,
+// "=" or bracket.
+bool UsableKeyName(std::string_view name);
 
 // The "Add new offset" menu item: the window with empty boxes.
 void ShowAddOffset(Session& session);

@@ -2,7 +2,7 @@
 
 #include "app/session.h"
 #include "core/file_io.h"
-#include "edit/save_journal.h"
+#include "edit/commit.h"
 #include "edit/text_view.h"
 #include "offsets/offset_file.h"
 
@@ -65,12 +65,9 @@ void OpenRom(Session& session) {
         return;
     }
     session.romPath = *chosen;
+    session.readOnlyReason.clear();
     try {
-        if (RecoverInterruptedSave(session.romPath))
-            session.prompter.Message(Icon::Information,
-                                     "The last save to this ROM was cut off before it was finished.\r\n"
-                                     "The ROM and its offset file have been restored to their state before "
-                                     "that save.");
+        RecoverJournal(session);  // a journal that can't be replayed leaves the ROM read-only
         const std::string code = GetRomCode(session.romPath);
         if (!UsableGameCode(code)) {
             session.prompter.Message(Icon::Warning,
@@ -89,7 +86,12 @@ void OpenRom(Session& session) {
                 session.Changed();
                 return;
             }
-            io::ReplaceFile(session.OffsetFile(), OffsetFileHead(session.romPath, ShortDate()));
+            if (Commit(session, OffsetFilePlan(session, "Create offset file", code, OffsetFileHead(session.romPath, ShortDate())),
+                       "The offset file could not be created:") != Committed::Written) {
+                EnterNoRomState(session);
+                session.Changed();
+                return;
+            }
             session.prompter.Message(Icon::Information,
                                      "Blank INI file created!\r\n"
                                      "Use the search function to add offsets to your new file!");

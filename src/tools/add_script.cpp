@@ -2,6 +2,7 @@
 
 #include "app/session.h"
 #include "core/file_io.h"
+#include "edit/commit.h"
 #include "edit/free_space.h"
 #include "offsets/add_offset_form.h"
 
@@ -83,7 +84,15 @@ void AddScriptForm::AddScript() {
                           " lies outside the offsets a script can use (" + PlainHex(kMinPointerTarget) + " to " +
                           PlainHex(kMaxPointerTarget) + ").");
         if (fromText) data = ScriptHex(PointerHex(PadHex(record))) + text;
-        WriteBytesHex(rom, PadHex(script), data);
+        WritePlan plan;
+        plan.command = "Insert Dialog-Script";
+        plan.subject = PlainHex(script);
+        plan.rom = rom;
+        plan.romSize = io::FileSize(rom);
+        plan.romWrites = RangesFor(rom, {{static_cast<std::uint64_t>(script), HexToBytes(data)}});
+        if (Commit(session_, plan, "The script could not be written:") != Committed::Written) return;
+    } catch (const PlanRefused& e) {
+        return refuse(e.what());
     } catch (const FileError& e) {
         return prompter.Message(Icon::Critical, e.what());
     } catch (const TypeMismatch& e) {

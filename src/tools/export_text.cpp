@@ -50,10 +50,8 @@ void ExportText(Session& session) {
         if (std::filesystem::is_directory(path, ec)) io::ThrowFileError(path, "write", EISDIR);
         const auto folder = path.parent_path();
         if (!folder.empty() && !std::filesystem::is_directory(folder, ec)) io::ThrowFileError(path, "create", ENOENT);
-        if (FileExists(path)) {
-            if (io::IsWriteProtected(path)) io::ThrowFileError(path, "delete", EACCES);
-            io::RemoveFile(path);
-        }
+        // The new file is written beside the old one and renamed over it, so
+        // a failure keeps the old file.
         io::ReplaceFile(path, bytes);
     } catch (const FileError& e) {
         session.prompter.Message(Icon::Critical, e.what());

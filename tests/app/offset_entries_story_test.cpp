@@ -70,14 +70,23 @@ TEST_F(Entries, EmptyBoxesDoNothingAndBadInputIsRefusedWithTheWindowOpen) {
     EXPECT_FALSE(closed);
     EXPECT_EQ(w.user.Take().size(), 1u);  // only the window itself
 
+    // Keys the offset file could not hold: no later read would find them.
+    const char* kBadKey =
+        "A text name can't start with \";\" or \"#\", start or end with a blank, or contain line breaks, \"=\", "
+        "\"[\" or \"]\": the offset file could not hold it.";
     const std::tuple<const char*, const char*, const char*, const char*> refused[] = {
         {"Town", "Dad", "12a", "The offset must be a decimal whole number from 0 to 4294967295."},
         {"Town", "Dad", "-5", "The offset must be a decimal whole number from 0 to 4294967295."},
         {"Town", "Dad", "1.5", "The offset must be a decimal whole number from 0 to 4294967295."},
         {"Town", "Dad", "4294967296", "The offset must be a decimal whole number from 0 to 4294967295."},
         {"Town", "Dad", "3145728", "The offset 3145728 lies past the end of the ROM (3145728 bytes)."},
-        {"Town", "A=B", "16", "A text name can't contain line breaks or \"=\"."},
-        {"Town", "A\r\nB", "16", "A text name can't contain line breaks or \"=\"."},
+        {"Town", "A=B", "16", kBadKey},
+        {"Town", "A\r\nB", "16", kBadKey},
+        {"Town", ";Mom", "16", kBadKey},
+        {"Town", "#Mom", "16", kBadKey},
+        {"Town", " Mom", "16", kBadKey},
+        {"Town", "Mom ", "16", kBadKey},
+        {"Town", "M[o]m", "16", kBadKey},
         {"[Town]", "Dad", "16", "A section name can't contain line breaks, \"[\" or \"]\"."},
         {"To\nwn", "Dad", "16", "A section name can't contain line breaks, \"[\" or \"]\"."},
     };

@@ -32,6 +32,16 @@ void WriteFile(const std::filesystem::path& path, std::string_view bytes) {
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
+void PatchFile(const std::filesystem::path& path, std::uint64_t offset, std::string_view bytes) {
+    std::string all = ReadFile(path);
+    all.replace(offset, bytes.size(), bytes);
+    WriteFile(path, all);
+}
+
+void AppendFile(const std::filesystem::path& path, std::string_view bytes) {
+    WriteFile(path, ReadFile(path) + std::string(bytes));
+}
+
 void MakeReadOnly(const std::filesystem::path& path) {
     using std::filesystem::perms;
     std::filesystem::permissions(path, perms::owner_write | perms::group_write | perms::others_write,

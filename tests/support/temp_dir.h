@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -23,6 +24,9 @@ private:
 // Whole file as bytes; empty when it does not exist.
 std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, std::string_view bytes);
+// Changes a file as another program would: bytes over `offset`, or more at the end.
+void PatchFile(const std::filesystem::path& path, std::uint64_t offset, std::string_view bytes);
+void AppendFile(const std::filesystem::path& path, std::string_view bytes);
 // Clears every write bit, so the program treats the file as write-protected.
 void MakeReadOnly(const std::filesystem::path& path);
 

@@ -1,6 +1,8 @@
 // Writing dialog scripts into free space.
 #include "edit/free_space.h"
 #include "offsets/add_offset_form.h"
+#include "edit/write_plan.h"
+#include <quillon/rom.h>
 #include "support/workspace.h"
 #include "tools/add_script.h"
 
@@ -131,8 +133,9 @@ TEST_F(Script, BadOffsetsSettingsAndRomsAreRefusedBeforeAnyWrite) {
     auto shown = w.user.Take();
     ASSERT_EQ(shown.size(), 1u);
     EXPECT_EQ(shown[0].icon, Icon::Critical);
-    EXPECT_NE(shown[0].text.find("Permission denied"), std::string::npos) << shown[0].text;
+    EXPECT_NE(shown[0].text.find("is write-protected"), std::string::npos) << shown[0].text;
     EXPECT_EQ(w.RomBytes(), StoryRom().bytes());
+    EXPECT_FALSE(FileExists(JournalPath(w.Rom())));
 }
 
 TEST_F(Script, FreeSpaceWhosePointerWouldNeedOtherDigitsIsRefused) {

@@ -1,0 +1,338 @@
+#include "edit/write_plan.h"
+
+#include "core/file_io.h"
+
+#include <quillon/errors.h>
+#include <quillon/rom.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <sstream>
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view kMagic = "QUILLON WRITE JOURNAL 2";
+
+std::string ToHex(std::string_view bytes) {
+    std::string hex;
+    hex.reserve(bytes.size() * 2);
+    for (char b : bytes) hex += ByteHex(b);
+    return hex;
+}
+
+// A byte string as one journal field: hex digits, "-" when empty.
+std::string Field(std::string_view bytes) { return bytes.empty() ? "-" : ToHex(bytes); }
+std::string Unfield(const std::string& field) { return field == "-" ? std::string() : HexToBytes(field); }
+
+std::string OffsetText(std::uint64_t offset) {
+    char buf[24];
+    std::snprintf(buf, sizeof buf, "%llX", static_cast<unsigned long long>(offset));
+    return buf;
+}
+
+// FNV-1a over the journal's lines, so a damaged journal is never replayed.
+std::string Checksum(std::string_view text) {
+    std::uint64_t h = 1469598103934665603ull;
+    for (char c : text) {
+        h ^= static_cast<unsigned char>(c);
+        h *= 1099511628211ull;
+    }
+    char buf[24];
+    std::snprintf(buf, sizeof buf, "%016llx", static_cast<unsigned long long>(h));
+    return buf;
+}
+
+std::string Serialize(const WritePlan& plan) {
+    std::ostringstream out;
+    out << kMagic << "\n";
+    out << "command " << Field(plan.command) << "\n";
+    out << "subject " << Field(plan.subject) << "\n";
+    out << "size " << plan.romSize << "\n";
+    if (plan.offsetFile)
+        out << "ini " << Field(plan.offsetFile->string()) << " " << (plan.offsetBefore ? 1 : 0) << " "
+            << Field(plan.offsetBefore.value_or("")) << " " << Field(plan.offsetAfter) << "\n";
+    for (const auto& w : plan.romWrites)
+        out << "rom " << w.offset << " " << Field(w.before) << " " << Field(w.after) << "\n";
+    std::string body = out.str();
+    return body + "end " + Checksum(body) + "\n";
+}
+
+// Reads a journal back; nothing when it is damaged in any way.
+std::optional<WritePlan> Parse(const std::string& text, const std::filesystem::path& rom) {
+    auto endAt = text.rfind("end ");
+    if (text.rfind(kMagic, 0) != 0 || endAt == std::string::npos || (endAt > 0 && text[endAt - 1] != '\n'))
+        return std::nullopt;
+    if (text.substr(endAt) != "end " + Checksum(std::string_view(text).substr(0, endAt)) + "\n") return std::nullopt;
+    WritePlan plan;
+    plan.rom = rom;
+    std::istringstream in(text.substr(0, endAt));
+    std::string line;
+    std::getline(in, line);
+    try {
+        while (std::getline(in, line)) {
+            std::istringstream fields(line);
+            std::string kind;
+            fields >> kind;
+            if (kind == "command" || kind == "subject") {
+                std::string field;
+                fields >> field;
+                (kind == "command" ? plan.command : plan.subject) = Unfield(field);
+            } else if (kind == "size") {
+                fields >> plan.romSize;
+            } else if (kind == "ini") {
+                std::string path, existed, before, after;
+                fields >> path >> existed >> before >> after;
+                plan.offsetFile = std::filesystem::path(Unfield(path));
+                if (existed == "1") plan.offsetBefore = Unfield(before);
+                plan.offsetAfter = Unfield(after);
+            } else if (kind == "rom") {
+                RomWrite w;
+                std::string before, after;
+                fields >> w.offset >> before >> after;
+                w.before = Unfield(before);
+                w.after = Unfield(after);
+                if (w.before.size() != w.after.size()) return std::nullopt;
+                plan.romWrites.push_back(std::move(w));
+            } else {
+                return std::nullopt;
+            }
+            if (fields.fail()) return std::nullopt;
+        }
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+    return plan;
+}
+
+std::optional<std::string> ReadIfExists(const std::filesystem::path& path) {
+    std::error_code ec;
+    if (!std::filesystem::exists(path, ec)) return std::nullopt;
+    return io::ReadAll(path);
+}
+
+// The plan's own consistency: ranges inside the file, past the header, the
+// same length before and after, and no two overlapping.
+void CheckShape(const WritePlan& plan) {
+    std::vector<const RomWrite*> sorted;
+    for (const auto& w : plan.romWrites) {
+        if (w.before.size() != w.after.size())
+            throw PlanRefused("Internal error: a write would change the length of the bytes at offset " +
+                              OffsetText(w.offset) + ".");
+        if (w.after.empty()) continue;
+        if (w.offset < kFirstWritableOffset)
+            throw PlanRefused("Offset " + OffsetText(w.offset) +
+                              " lies inside the cartridge header (below C0), which Quillon never writes.");
+        if (w.offset + w.after.size() > plan.romSize)
+            throw PlanRefused("The bytes at offset " + OffsetText(w.offset) + " would reach past the end of the ROM (" +
+                              std::to_string(plan.romSize) + " bytes); Quillon never changes the ROM's length.");
+        sorted.push_back(&w);
+    }
+    std::sort(sorted.begin(), sorted.end(), [](auto* a, auto* b) { return a->offset < b->offset; });
+    for (std::size_t i = 1; i < sorted.size(); ++i)
+        if (sorted[i - 1]->offset + sorted[i - 1]->after.size() > sorted[i]->offset)
+            throw PlanRefused("Internal error: two writes of one save overlap at offset " +
+                              OffsetText(sorted[i]->offset) + ".");
+}
+
+constexpr std::string_view kChangedOutside = "The ROM was changed outside Quillon since the text was loaded";
+
+// The files as the plan expects them, or ChangedOnDisk naming the first difference.
+void CheckUnchanged(const WritePlan& plan) {
+    io::InputFile rom(plan.rom);
+    if (rom.Size() != plan.romSize)
+        throw ChangedOnDisk(std::string(kChangedOutside) + ": its size is now " + std::to_string(rom.Size()) +
+                            " bytes instead of " + std::to_string(plan.romSize) + ".");
+    for (const auto& w : plan.romWrites) {
+        std::string now(w.before.size(), '\0');
+        now.resize(rom.Read(w.offset, now.data(), now.size()));
+        if (now != w.before)
+            throw ChangedOnDisk(std::string(kChangedOutside) + ": the bytes at offset " + OffsetText(w.offset) +
+                                " differ from the ones it read.");
+    }
+    if (plan.offsetFile && ReadIfExists(*plan.offsetFile) != plan.offsetBefore)
+        throw ChangedOnDisk("The offset file '" + plan.offsetFile->filename().string() +
+                            "' was changed outside Quillon since it was read.");
+}
+
+void CheckWritable(const WritePlan& plan) {
+    auto refuse = [](const std::filesystem::path& p, std::string_view what) {
+        throw PlanRefused("'" + p.string() + "' " + std::string(what) + ". Nothing was written.");
+    };
+    std::error_code ec;
+    if (!plan.romWrites.empty()) {
+        if (!std::filesystem::is_regular_file(plan.rom, ec)) refuse(plan.rom, "is not a file that can be written");
+        if (io::IsWriteProtected(plan.rom)) refuse(plan.rom, "is write-protected");
+    }
+    if (!io::FolderWritable(plan.rom.parent_path()))
+        refuse(plan.rom.parent_path(), "is not a folder Quillon can write its save journal into");
+    if (plan.offsetFile) {
+        if (std::filesystem::is_directory(*plan.offsetFile, ec)) refuse(*plan.offsetFile, "is a folder");
+        if (io::IsWriteProtected(*plan.offsetFile)) refuse(*plan.offsetFile, "is write-protected");
+        if (!io::FolderWritable(plan.offsetFile->parent_path()))
+            refuse(plan.offsetFile->parent_path(), "is not a folder Quillon can write the offset file into");
+    }
+}
+
+std::vector<io::Patch> Patches(const WritePlan& plan, bool after) {
+    std::vector<io::Patch> patches;
+    for (const auto& w : plan.romWrites) patches.push_back({w.offset, after ? w.after : w.before});
+    return patches;
+}
+
+// Puts the plan's old state back where the new one (or part of it) landed.
+void PutBack(const WritePlan& plan) {
+    std::vector<io::Patch> patches = Patches(plan, false);
+    std::reverse(patches.begin(), patches.end());
+    if (!patches.empty()) io::WritePatches(plan.rom, patches);
+    if (plan.offsetFile && ReadIfExists(*plan.offsetFile) != plan.offsetBefore) {
+        if (plan.offsetBefore)
+            io::ReplaceFile(*plan.offsetFile, *plan.offsetBefore);
+        else
+            io::RemoveFile(*plan.offsetFile);
+    }
+}
+
+}  // namespace
+
+std::filesystem::path JournalPath(const std::filesystem::path& rom) {
+    std::filesystem::path journal = rom;
+    journal += ".save-journal";
+    return journal;
+}
+
+std::vector<RomWrite> RangesFor(const std::filesystem::path& rom, const std::vector<BytesAt>& blocks) {
+    struct Span {
+        std::uint64_t begin, end;
+    };
+    std::vector<Span> spans;
+    for (const auto& b : blocks)
+        if (!b.bytes.empty()) spans.push_back({b.offset, b.offset + b.bytes.size()});
+    std::sort(spans.begin(), spans.end(), [](const Span& a, const Span& b) { return a.begin < b.begin; });
+    std::vector<Span> merged;
+    for (const Span& s : spans) {
+        if (!merged.empty() && s.begin <= merged.back().end)
+            merged.back().end = std::max(merged.back().end, s.end);
+        else
+            merged.push_back(s);
+    }
+    std::vector<RomWrite> ranges;
+    io::InputFile in(rom);
+    for (const Span& s : merged) {
+        if (s.end > in.Size())
+            throw PlanRefused("The bytes at offset " + OffsetText(s.begin) + " would reach past the end of the ROM (" +
+                              std::to_string(in.Size()) + " bytes); Quillon never changes the ROM's length.");
+        RomWrite w;
+        w.offset = s.begin;
+        w.before.assign(static_cast<std::size_t>(s.end - s.begin), '\0');
+        in.Read(s.begin, w.before.data(), w.before.size());
+        w.after = w.before;
+        ranges.push_back(std::move(w));
+    }
+    for (const auto& b : blocks) {
+        if (b.bytes.empty()) continue;
+        auto w = std::upper_bound(ranges.begin(), ranges.end(), b.offset,
+                                  [](std::uint64_t at, const RomWrite& r) { return at < r.offset; });
+        --w;  // the range that starts at or before the block holds all of it
+        b.bytes.copy(w->after.data() + (b.offset - w->offset), b.bytes.size());
+    }
+    return ranges;
+}
+
+CommitResult CommitPlan(const WritePlan& plan) {
+    const auto journal = JournalPath(plan.rom);
+    std::error_code ec;
+    if (std::filesystem::exists(std::filesystem::symlink_status(journal, ec)))
+        throw PlanRefused("A journal of an earlier save that did not finish is waiting at '" + journal.string() +
+                          "'. Open the ROM again to restore that save first. Nothing was written.");
+    CheckShape(plan);
+    CheckWritable(plan);
+    CheckUnchanged(plan);
+    if (!io::CreateExclusive(journal, Serialize(plan)))
+        throw PlanRefused("Another save of this ROM is in progress (its journal is '" + journal.string() +
+                          "'). Nothing was written.");
+
+    CommitResult result;
+    try {
+        std::vector<io::Patch> patches = Patches(plan, true);
+        if (!patches.empty()) io::WritePatches(plan.rom, patches);
+        if (plan.offsetFile) io::ReplaceFile(*plan.offsetFile, plan.offsetAfter);
+    } catch (const FileError& e) {
+        result.error = e.what();
+        try {
+            PutBack(plan);
+            io::RemoveFile(journal);
+            result.outcome = CommitOutcome::RolledBack;
+        } catch (const FileError&) {
+            result.outcome = CommitOutcome::JournalKept;
+        }
+        return result;
+    }
+    io::RemoveFile(journal);
+    return result;
+}
+
+Recovery RecoverPending(const std::filesystem::path& rom) {
+    const auto journal = JournalPath(rom);
+    std::error_code ec;
+    if (!std::filesystem::exists(std::filesystem::symlink_status(journal, ec))) return {};
+    Recovery refused{RecoveryOutcome::Refused, {}};
+    std::string text;
+    try {
+        text = io::ReadAll(journal);
+    } catch (const FileError& e) {
+        refused.reason = std::string("The journal cannot be read: ") + e.what();
+        return refused;
+    }
+    std::optional<WritePlan> plan = Parse(text, rom);
+    if (!plan) {
+        refused.reason = "The journal '" + journal.string() + "' is damaged or incomplete, so it cannot be replayed.";
+        return refused;
+    }
+    const std::uint64_t size = io::FileSize(rom);
+    if (size != plan->romSize) {
+        refused.reason = "The ROM's size is now " + std::to_string(size) + " bytes, but the journal was made when it had " +
+                         std::to_string(plan->romSize) + " bytes.";
+        return refused;
+    }
+    bool allBefore = true;
+    std::vector<std::string> differing;
+    {
+        io::InputFile in(rom);
+        for (const auto& w : plan->romWrites) {
+            std::string now(w.before.size(), '\0');
+            now.resize(in.Read(w.offset, now.data(), now.size()));
+            if (now != w.before && now != w.after) differing.push_back(OffsetText(w.offset));
+            if (now != w.before) allBefore = false;
+        }
+    }
+    if (!differing.empty()) {
+        std::string list;
+        for (const auto& d : differing) list += (list.empty() ? "" : ", ") + d;
+        refused.reason = "The ROM holds neither the old nor the new bytes of that save at offset " + list + ".";
+        return refused;
+    }
+    if (plan->offsetFile) {
+        auto now = ReadIfExists(*plan->offsetFile);
+        if (now != plan->offsetBefore && now != std::optional<std::string>(plan->offsetAfter)) {
+            refused.reason = "The offset file '" + plan->offsetFile->string() +
+                             "' was changed since that save and matches neither its old nor its new contents.";
+            return refused;
+        }
+        if (now != plan->offsetBefore) allBefore = false;
+    }
+    if (allBefore) {
+        io::RemoveFile(journal);
+        return {RecoveryOutcome::Discarded, {}};
+    }
+    // Only the ranges that hold the new bytes are written back.
+    WritePlan back = *plan;
+    std::erase_if(back.romWrites, [&](const RomWrite& w) {
+        return io::ReadAt(rom, w.offset, w.before.size()) == w.before;
+    });
+    PutBack(back);
+    io::RemoveFile(journal);
+    return {RecoveryOutcome::Restored, {}};
+}
+
+}  // namespace quillon
