@@ -67,15 +67,19 @@ std::optional<UpdateError> Downloader::BeginDownload(std::string_view url, const
     QNetworkReply* reply = impl_->manager->get(net::MakeRequest(address));
     impl_->running.push_back(reply);
     net::GuardRedirects(reply);
+    auto tooLarge = std::make_shared<bool>(false);
+    net::CapSize(reply, maxBytes, tooLarge);
 
     QObject::connect(reply, &QNetworkReply::downloadProgress, reply, [this, saveFile](qint64 cur, qint64 max) {
         if (max <= 0) return;  // no total size (0, or unknown)
         if (DownloadProgress) DownloadProgress(Count32(cur), Count32(max), saveFile);
     });
-    QObject::connect(reply, &QNetworkReply::finished, reply, [this, reply, saveFile] {
+    QObject::connect(reply, &QNetworkReply::finished, reply, [this, reply, saveFile, tooLarge] {
         const std::filesystem::path file = saveFile;  // the handlers may end this connection
-        const bool failed = reply->error() != QNetworkReply::NoError;
-        const QByteArray bytes = failed ? QByteArray() : reply->readAll();
+        QByteArray bytes = reply->error() == QNetworkReply::NoError && !*tooLarge ? reply->readAll() : QByteArray();
+        // A transfer cut short, or longer than announced, is a failure: no half file is saved.
+        const bool failed = bytes.isEmpty() ? reply->error() != QNetworkReply::NoError || *tooLarge
+                                            : !net::ArrivedWhole(*reply, bytes.size());
         impl_->Forget(reply);
         const std::weak_ptr<bool> alive = impl_->alive;
 

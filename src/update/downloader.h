@@ -43,6 +43,9 @@ public:
     // Starts fetching `url` as bytes, always from the network, and returns
     // at once. Fails with kPathFileAccessError, starting nothing, when the
     // save file's folder is not a folder. Several transfers may run at once.
+    // The most a transfer may bring; a larger one fails.
+    std::int64_t maxBytes = 64 * 1024 * 1024;
+
     std::optional<UpdateError> BeginDownload(std::string_view url, const std::filesystem::path& saveFile);
 
     // Abandons every running transfer as the destructor does.

@@ -44,7 +44,23 @@ QNetworkRequest MakeRequest(const QUrl& url) {
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
+    // Bodies arrive as sent, so their length can be held against Content-Length.
+    request.setRawHeader("Accept-Encoding", "identity");
     return request;
+}
+
+void CapSize(QNetworkReply* reply, qint64 cap, std::shared_ptr<bool> tooLarge) {
+    QObject::connect(reply, &QNetworkReply::downloadProgress, reply, [reply, cap, tooLarge](qint64 got, qint64 total) {
+        if (*tooLarge || (got <= cap && total <= cap)) return;
+        *tooLarge = true;
+        reply->abort();
+    });
+}
+
+bool ArrivedWhole(const QNetworkReply& reply, qint64 received) {
+    const QVariant length = reply.header(QNetworkRequest::ContentLengthHeader);
+    if (length.isValid()) return length.toLongLong() == received;
+    return reply.rawHeader("Transfer-Encoding").toLower().contains("chunked");
 }
 
 void GuardRedirects(QNetworkReply* reply) {

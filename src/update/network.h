@@ -5,6 +5,7 @@
 #include <QNetworkRequest>
 #include <QUrl>
 
+#include <memory>
 #include <string_view>
 
 class QNetworkReply;
@@ -19,6 +20,19 @@ bool IsWebUrl(const QUrl& url);  // a valid http or https address with a host
 // A GET request that always goes to the network (never served from a cache)
 // and whose redirects are left to GuardRedirects.
 QNetworkRequest MakeRequest(const QUrl& url);
+
+// The most the version check reads of each of its two files.
+inline constexpr qint64 kMaxCheckBytes = 4 * 1024;
+
+// Aborts `reply` once it announces or brings more than `cap` bytes; `*tooLarge`
+// tells afterwards whether that happened.
+void CapSize(QNetworkReply* reply, qint64 cap, std::shared_ptr<bool> tooLarge);
+
+// Whether a finished reply brought its whole body: as many bytes as its
+// Content-Length says, or, without one, a chunked body that ended with its
+// last chunk (a body ended by closing the connection can't be told from one
+// cut short).
+bool ArrivedWhole(const QNetworkReply& reply, qint64 received);
 
 // Follows each redirect of `reply` that RedirectAllowed accepts and aborts
 // the reply at the first one it refuses.

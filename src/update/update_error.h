@@ -13,6 +13,7 @@ struct UpdateError {
 
 // Numbers of the failures the update raises itself (the platform's classic
 // run-time error numbers); network failures carry their own (see network.h).
+inline constexpr std::int32_t kOutOfMemoryError = 7;       // "Out of memory": a reply over its size cap
 inline constexpr std::int32_t kBadFileNameError = 52;     // "Bad file name or number"
 inline constexpr std::int32_t kPathFileAccessError = 75;  // "Path/File access error"
 

@@ -90,9 +90,16 @@ void UpdateForm::Fetch(std::string_view path, std::function<void(std::string)> o
     QNetworkReply* reply = fetcher_->manager->get(net::MakeRequest(net::ToUrl(address)));
     fetcher_->reply = reply;
     net::GuardRedirects(reply);
-    QObject::connect(reply, &QNetworkReply::finished, reply, [this, reply, onBody = std::move(onBody)] {
+    auto tooLarge = std::make_shared<bool>(false);
+    net::CapSize(reply, net::kMaxCheckBytes, tooLarge);
+    QObject::connect(reply, &QNetworkReply::finished, reply, [this, reply, tooLarge, onBody = std::move(onBody)] {
         fetcher_->reply = nullptr;
         reply->deleteLater();
+        if (*tooLarge) {
+            CheckFailed({kOutOfMemoryError, "The server's reply is larger than " +
+                                                 std::to_string(net::kMaxCheckBytes / 1024) + " KiB."});
+            return;
+        }
         if (reply->error() != QNetworkReply::NoError) {
             CheckFailed(net::ReplyError(*reply));
             return;

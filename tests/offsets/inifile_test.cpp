@@ -127,6 +127,26 @@ TEST_F(IniFile, FailedWritesLeaveTheFileUntouched) {
     EXPECT_EQ(left.size(), 3u);  // no temporary file behind
 }
 
+// A rewrite replaces only the file it means: a user's own ".tmp" file and a
+// link's target survive, a link stays a link, and the permissions stay.
+TEST_F(IniFile, RewritesKeepLinksPermissionsAndOtherFiles) {
+    const fs::path target = dir / "real.ini", link = dir / "link.ini", mine = dir / "game.ini.tmp";
+    WriteFile(target, "[Town]\r\nMom=1\r\n");
+    fs::create_symlink("real.ini", link);
+    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write);
+    WriteFile(mine, "the user's own file");
+    WriteFile(file, "[Town]\r\n");
+    At("Town", "Mom").SetValue("5");
+    ini.SetPath(link);
+    At("Town", "Mom").SetValue("2");
+    ASSERT_TRUE(ini.Success());
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(ReadFile(target), "[Town]\r\nMom=2\r\n");
+    EXPECT_EQ(fs::status(target).permissions() & fs::perms::mask, fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(ReadFile(mine), "the user's own file");
+    EXPECT_EQ(ReadFile(file), "[Town]\r\nMom=5\r\n");
+}
+
 TEST_F(IniFile, DeleteKeyAndDeleteSection) {
     WriteFile(file, kMixed + "\r\n[town]\r\nx=1\r\n[End]\r\n");
     std::string expected = ReadFile(file);

@@ -51,8 +51,8 @@ void LocalHttpServer::Accept() {
             requests_.push_back({path, head.toLower().toStdString()});
             const auto found = replies_.find(path);
             const HttpReply reply = found != replies_.end() ? found->second : Status(404, "Not Found");
-            std::string out = "HTTP/1.1 " + std::to_string(reply.status) + " " + reply.reason + "\r\n" +
-                              "Content-Length: " + std::to_string(reply.body.size()) + "\r\n";
+            std::string out = "HTTP/1.1 " + std::to_string(reply.status) + " " + reply.reason + "\r\n";
+            if (reply.sendLength) out += "Content-Length: " + std::to_string(reply.body.size()) + "\r\n";
             if (!reply.location.empty()) out += "Location: " + reply.location + "\r\n";
             out += "Connection: close\r\n\r\n";
             socket->write(out.data(), static_cast<qint64>(out.size()));

@@ -22,6 +22,7 @@ struct HttpReply {
     std::size_t chunkSize = 0;                 // 0: the body at once, else pieces of this size
     int chunkGapMs = 0;                        // pause between the pieces
     std::size_t cutAfter = std::string::npos;  // close after this many body bytes
+    bool sendLength = true;                    // false: no Content-Length, the close ends the body
 };
 // A 200 reply with `body`; an error reply with its status and reason; a
 // redirect to `to`.

@@ -100,6 +100,8 @@ TEST_F(Check, FailuresReportTheirNumberAndDescription) {
         {Status(404, "Not Found"), Body("x"), 1, "Error #404", "Not Found"},
         {Body("3.1.2"), Status(404, "Not Found"), 2, "Error #404", "Not Found"},
         {Status(503, "Service Unavailable"), Body("x"), 1, "Error #503", "Service Unavailable"},
+        {Body(std::string(5000, '3')), Body("x"), 1, "Error #7", "The server's reply is larger than 4 KiB."},
+        {Body("3.1.2"), Body(std::string(5000, 'h')), 2, "Error #7", "The server's reply is larger than 4 KiB."},
         {Redirect("http://127.0.0.2:1/v.txt"), Body("x"), 1, "Error #11",
          "Redirect to http://127.0.0.2:1/v.txt refused"},
         {{}, {}, 0, "Error #1", "Connection refused"},  // last: the server is down
@@ -218,10 +220,15 @@ TEST_F(Download, FailedCutOffAndEmptyTransfersWriteNothing) {
     HttpReply cut = Body(Pattern(8192));
     cut.cutAfter = 4096;
     server.Serve("/cut/new.zip", cut);
+    cut.sendLength = false;  // no length: a close can't be told from a cut
+    server.Serve("/cut-unsized/new.zip", cut);
     server.Serve("/empty/new.zip", Body(""));
+    server.Serve("/large/new.zip", Body(Pattern(8192)));
+    form->DL().maxBytes = 4096;
     WriteFile(dir / "updates" / "new.zip", "an older update");
-    for (std::string url : {server.Url("/missing/new.zip"), server.Url("/cut/new.zip"), server.Url("/empty/new.zip"),
-                            std::string("ftp://127.0.0.1/new.zip")}) {
+    for (std::string url : {server.Url("/missing/new.zip"), server.Url("/cut/new.zip"),
+                            server.Url("/cut-unsized/new.zip"), server.Url("/empty/new.zip"),
+                            server.Url("/large/new.zip"), std::string("ftp://127.0.0.1/new.zip")}) {
         DownloadAndWait(url);
         EXPECT_EQ(user.Take(), std::vector<Shown>{kFailed}) << url;
         EXPECT_EQ(form->lblUpdateMsg, "Update failed.") << url;
