@@ -187,6 +187,10 @@ void MainWindow::BuildControls() {
 
     repoint_ = new QLabel(this);
     repoint_->setObjectName(QStringLiteral("lblRepoint"));
+    textNote_ = new QLabel(QStringLiteral("\u26A0 Some bytes of this text can't be saved unchanged."), this);
+    textNote_->setObjectName(QStringLiteral("lblTextNote"));
+    textNote_->setStyleSheet(QStringLiteral("color: #7a4b00; background: #fff3c4; padding-left: 3px;"));
+    textNote_->hide();
 
     welcome_ = new QLabel(QStringLiteral("Welcome to Quillon"), this);
     welcome_->setObjectName(QStringLiteral("lblWelcome"));
@@ -244,7 +248,9 @@ void MainWindow::PlaceControls() {
         place(buttons_[i], kButtonLeft, kButtonTop + i * kButtonPitch, kButtonWidth, kButtonHeight);
     place(help_, kButtonLeft + 60, 6330, 285, 285);
     place(tree_, 2520, 1080, 2895, 5490);
-    place(text1_, 5580, 1080, 4200, 2700);
+    // A note on bytes the editor can't reproduce takes the editor's last line.
+    place(text1_, 5580, 1080, 4200, textNote_->isVisibleTo(this) ? 2430 : 2700);
+    place(textNote_, 5580, 3510, 4200, 270);
     place(repoint_, 5580, 3840, 4200, 270);
     place(check1_, 5580, 4170, 2400, 300);
     place(european_, 5580, 4500, 2040, 300);
@@ -416,6 +422,13 @@ void MainWindow::Refresh() {
     european_->setEnabled(c.tableEnabled);
     japanese_->setEnabled(c.tableEnabled);
     save_->setEnabled(c.saveEnabled);
+    const std::string& whyNot = !session_.readOnlyReason.empty() ? session_.readOnlyReason : c.saveRefusal;
+    save_->setToolTip(Q(whyNot));
+    if (textNote_->isVisibleTo(this) != !c.roundTripNote.empty()) {
+        textNote_->setVisible(!c.roundTripNote.empty());
+        PlaceControls();
+    }
+    textNote_->setToolTip(Q(c.roundTripNote));
     buttons_[2]->setEnabled(c.searchEnabled);
     tree_->setEnabled(c.treeEnabled);
     if (QAction* script = FindAction(toolsMenu_, QStringLiteral("mnuTextScript")))

@@ -81,6 +81,7 @@ private:
     QLabel* label4_ = nullptr;
     QLabel* label1_ = nullptr;
     QLabel* label3_ = nullptr;
+    QLabel* textNote_ = nullptr;  // lblTextNote: bytes the editor can't write back unchanged
     QLabel* repoint_ = nullptr;
     QLabel* welcome_ = nullptr;
     QLabel* minimize_ = nullptr;  // Image1
