@@ -1,0 +1,35 @@
+#pragma once
+// The sub-commands of quillon-cli. Each lives in a file of its own,
+// cmd_NAME.cpp, which defines one function that adds the sub-command, its
+// options and its action to the program. main.cpp calls each once.
+//
+// To add a sub-command: write cmd_NAME.cpp with `void RegisterName(CLI::App&,
+// CliContext&)`, declare it below and call it from main.cpp (one line each;
+// the build picks up every cmd_*.cpp). The action throws CommandFailed (or
+// lets FileError through) to end with a one-line reason and exit status 1.
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+
+namespace quillon::cli {
+
+// What every sub-command may use, filled in by main.cpp before parsing.
+struct CliContext {
+    std::filesystem::path programFolder;          // the executable's folder, holding ini/
+    std::optional<std::int64_t> freeSpaceOffset;  // --free-space-offset, over settings.ini
+    bool terminal = false;                        // standard error is a terminal
+};
+
+// Ends the program with this one-line reason and exit status 1.
+struct CommandFailed : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+void RegisterInfo(CLI::App& app, CliContext& ctx);    // info ROM
+void RegisterRead(CLI::App& app, CliContext& ctx);    // read ROM OFFSET
+void RegisterSearch(CLI::App& app, CliContext& ctx);  // search ROM TEXT
+
+}  // namespace quillon::cli

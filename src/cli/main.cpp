@@ -1,0 +1,56 @@
+// quillon-cli: the texts of a ROM image from the command line, through the
+// same logic as the program's windows.
+#include "cli/cli_support.h"
+#include "cli/commands.h"
+
+#include <quillon/errors.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+// Reasons end up on one line: line breaks of multi-line messages become blanks.
+std::string OneLine(std::string text) {
+    std::string out;
+    for (char c : text) {
+        if (c == '\r') continue;
+        out += c == '\n' ? ' ' : c;
+    }
+    while (!out.empty() && out.back() == ' ') out.pop_back();
+    return out;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    using namespace quillon::cli;
+    CLI::App app{"quillon-cli: read, search, export and import the texts of a ROM image."};
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.failure_message([](const CLI::App*, const CLI::Error& e) {
+        return "quillon-cli: " + OneLine(e.what()) + " (see --help)\n";
+    });
+
+    CliContext ctx;
+    ctx.programFolder = ExecutableFolder(argv[0]);
+    ctx.terminal = isatty(STDERR_FILENO) == 1;
+    app.add_option("--free-space-offset", ctx.freeSpaceOffset,
+                   "Where the search for free space starts (a decimal file position), over settings.ini");
+
+    RegisterInfo(app, ctx);
+    RegisterRead(app, ctx);
+    RegisterSearch(app, ctx);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "quillon-cli: %s\n", OneLine(e.what()).c_str());
+        return 1;
+    }
+    return 0;
+}
