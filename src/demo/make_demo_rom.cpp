@@ -1,6 +1,8 @@
 // Writes the demonstration ROM image quillon-demo.gba and its offset file
 // ini/QDME.ini into the folder given as the only argument. The texts tell a
 // short story of a seaside town; they exist only to be edited.
+#include "demo/demo_font.h"
+
 #include <quillon/codec.h>
 
 #include <cstdint>
@@ -18,6 +20,12 @@ constexpr std::size_t kPointerTable = 0x0F0000;
 constexpr std::size_t kSecondPointers = 0x0F8000;
 constexpr std::size_t kFirstText = 0x100000;
 constexpr std::size_t kFreeSpace = 0xE00000;
+// The font of our own making, and the pointers to it where FireRed 1.0 keeps
+// its own (Quillon's table lists QDME version 0 with these places).
+constexpr std::size_t kGlyphSheet = 0x0D0000;
+constexpr std::size_t kGlyphWidths = 0x0D8000;
+constexpr std::size_t kGlyphPointer = 0x66EC;
+constexpr std::size_t kWidthPointer = 0x66F4;
 
 struct Entry {
     const char* section;
@@ -100,6 +108,12 @@ int main(int argc, char** argv) {
     std::uint8_t sum = 0;
     for (std::size_t i = 0xA0; i <= 0xBC; ++i) sum = static_cast<std::uint8_t>(sum - static_cast<std::uint8_t>(rom[i]));
     rom[0xBD] = static_cast<char>(static_cast<std::uint8_t>(sum - 0x19));
+
+    const quillon::demo::DemoFont font = quillon::demo::MakeDemoFont();
+    rom.replace(kGlyphSheet, font.glyphs.size(), font.glyphs);
+    rom.replace(kGlyphWidths, font.widths.size(), font.widths);
+    PutPointer(rom, kGlyphPointer, kGlyphSheet);
+    PutPointer(rom, kWidthPointer, kGlyphWidths);
 
     std::vector<std::size_t> offsets;
     std::size_t at = kFirstText;

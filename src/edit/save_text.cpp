@@ -6,6 +6,7 @@
 #include "edit/commit.h"
 #include "core/file_io.h"
 #include "edit/text_view.h"
+#include "fit/fit_settings.h"
 #include "offsets/ini_document.h"
 #include "offsets/offset_file.h"
 
@@ -162,6 +163,7 @@ Step Repoint(Session& session, std::int32_t newLength) {
 
 // Everything up to the final write; Done means the text is on disk.
 Step Save(Session& session) {
+    if (!fit::ConfirmFitBeforeSave(session)) return Step::Stop;  // a line over the message box
     auto& c = session.controls;
     if (!c.saveRefusal.empty()) {
         Refuse(session, c.saveRefusal);

@@ -1,0 +1,107 @@
+#include "fit/fit_settings.h"
+
+#include "app/session.h"
+
+#include <quillon/errors.h>
+#include <quillon/codec.h>
+#include <quillon/inifile.h>
+#include <quillon/rom.h>
+
+#include <cstdio>
+
+namespace quillon::fit {
+namespace {
+
+constexpr std::string_view kSection = "Fit";
+
+std::string Read(const std::filesystem::path& file, std::string_view key) {
+    cInifile ini;
+    ini.SetPath(file);
+    ini.SetSection(std::string(kSection));
+    ini.SetKey(std::string(key));
+    return ini.Value();
+}
+
+void Write(const std::filesystem::path& file, std::string_view key, std::string_view value) {
+    cInifile ini;
+    ini.SetPath(file);
+    ini.SetSection(std::string(kSection));
+    ini.SetKey(std::string(key));
+    if (value.empty())
+        ini.DeleteKey();
+    else
+        ini.SetValue(value);
+}
+
+std::optional<std::uint32_t> HexOffset(std::string_view text) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
+    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) text.remove_prefix(2);
+    if (!IsHex(text) || text.size() > 7) return std::nullopt;
+    return static_cast<std::uint32_t>(HexToLong(text));
+}
+
+std::string Hex(std::uint32_t v) {
+    char buf[16];
+    std::snprintf(buf, sizeof buf, "%X", v);
+    return buf;
+}
+
+}  // namespace
+
+FitSettings ReadFitSettings(const std::filesystem::path& settingsFile, std::string_view gameCode) {
+    FitSettings s;
+    if (!FileExists(settingsFile)) return s;
+    try {
+        s.sampleName = Read(settingsFile, "SampleName");
+        auto glyphs = HexOffset(Read(settingsFile, std::string(gameCode) + "Glyphs"));
+        auto widths = HexOffset(Read(settingsFile, std::string(gameCode) + "Widths"));
+        if (glyphs && widths) s.named = FontPlace{*glyphs, *widths};
+    } catch (const std::exception&) {
+        // An unreadable settings file leaves the defaults.
+    }
+    return s;
+}
+
+void WriteSampleName(const std::filesystem::path& settingsFile, std::string_view name) {
+    Write(settingsFile, "SampleName", name);
+}
+
+void WriteNamedFont(const std::filesystem::path& settingsFile, std::string_view gameCode,
+                    std::optional<FontPlace> place) {
+    Write(settingsFile, std::string(gameCode) + "Glyphs", place ? Hex(place->glyphs) : std::string());
+    Write(settingsFile, std::string(gameCode) + "Widths", place ? Hex(place->widths) : std::string());
+}
+
+FontResult SessionFont(const Session& session, FitSettings* settingsOut) {
+    FitSettings settings = ReadFitSettings(session.SettingsFile(), session.controls.gameCode);
+    FontResult result;
+    if (!session.RomOpen()) {
+        result.why = "no fit check: no ROM is open.";
+    } else {
+        try {
+            result = LoadFont(session.romPath, settings.named);
+        } catch (const std::exception& e) {
+            result.why = std::string("no fit check: ") + e.what();
+        }
+    }
+    if (settingsOut) *settingsOut = std::move(settings);
+    return result;
+}
+
+bool ConfirmFitBeforeSave(Session& session) {
+    FitSettings settings;
+    const FontResult font = SessionFont(session, &settings);
+    if (!font.font) return true;
+    const Measure m = MeasureText(session.controls.text1.Text(), session.controls.specialDialog, *font.font,
+                                  settings.Options());
+    if (m.overCount == 0) return true;
+    const std::string count = m.overCount == 1 ? "One line" : std::to_string(m.overCount) + " lines";
+    return session.prompter.AskYesNo(count + " of this text " + (m.overCount == 1 ? "is" : "are") +
+                                         " wider than the message box (widest: " + WidthCaption(m.WidestWidth()) +
+                                         ").\r\nThe game will not show it as you see it here.\r\n\r\n"
+                                         "Do you want to save it anyway?",
+                                     kTooWideTitle);
+}
+
+}  // namespace quillon::fit

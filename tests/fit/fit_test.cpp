@@ -1,0 +1,372 @@
+// The fit check: finding the font, measuring lines, paging, drawing a box and
+// the whole-game check, on images built here with a font of the test's own.
+#include "demo/demo_font.h"
+#include "fit/check_all.h"
+#include "fit/font.h"
+#include "fit/measure.h"
+#include "fit/render.h"
+#include "support/rom_builder.h"
+#include "support/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <random>
+
+using namespace quillon;
+using namespace quillon::fit;
+using namespace quillon::test;
+
+namespace {
+
+constexpr std::uint32_t kGlyphs = 0x1FF300;  // where FireRed 1.0 keeps them
+constexpr std::uint32_t kWidths = 0x207300;
+
+// The test's font: width of byte b is 3 + b % 5 (the widest, 7, first at 0x04);
+// every glyph a random 16x16 picture of the values 0..3.
+int TestWidth(int b) { return 3 + b % 5; }
+
+using Pixels = std::array<std::array<int, 16>, 16>;
+
+const std::vector<Pixels>& TestPictures() {
+    static const std::vector<Pixels> pictures = [] {
+        std::mt19937 rng(15);
+        std::vector<Pixels> p(256);
+        for (auto& glyph : p)
+            for (auto& row : glyph)
+                for (int& v : row) v = static_cast<int>(rng() % 4);
+        return p;
+    }();
+    return pictures;
+}
+
+// Packs a picture in the game's format: tiles TL, TR, BL, BR of 16 bytes;
+// a tile row is two bytes, the second with the left four pixels, the first
+// with the right four; the highest bits of a byte are the leftmost pixel.
+std::string Pack(const Pixels& px) {
+    std::string out;
+    const int tiles[4][2] = {{0, 0}, {8, 0}, {0, 8}, {8, 8}};
+    for (const auto& t : tiles)
+        for (int row = 0; row < 8; ++row) {
+            const auto& line = px[static_cast<std::size_t>(t[1] + row)];
+            auto byteOf = [&](int x0) {
+                int b = 0;
+                for (int k = 0; k < 4; ++k) b = b * 4 + line[static_cast<std::size_t>(x0 + k)];
+                return static_cast<char>(b);
+            };
+            out.push_back(byteOf(t[0] + 4));  // first byte: right four pixels
+            out.push_back(byteOf(t[0]));      // second byte: left four pixels
+        }
+    return out;
+}
+
+std::string TestSheet() {
+    std::string sheet;
+    for (const Pixels& p : TestPictures()) sheet += Pack(p);
+    return sheet;
+}
+
+std::string TestWidthTable() {
+    std::string w(512, '\0');
+    for (int b = 0; b < 512; ++b) w[static_cast<std::size_t>(b)] = static_cast<char>(TestWidth(b % 256));
+    return w;
+}
+
+RomBuilder FontRom(std::string_view code = "BPRE", char version = 0, std::uint32_t glyphPointer = 0x66EC,
+                   std::uint32_t widthPointer = 0x66F4) {
+    RomBuilder rom(3u << 20, '\xFF');
+    rom.Title("FITTEST").Code(code).Maker("01").Put(0xBC, std::string(1, version));
+    rom.Put(kGlyphs, TestSheet()).Put(kWidths, TestWidthTable());
+    rom.Pointer(glyphPointer, kGlyphs).Pointer(widthPointer, kWidths);
+    return rom;
+}
+
+Font TestFont() {
+    static const FontResult r = LocateFont(FontRom().bytes());
+    EXPECT_TRUE(r.font) << r.why;
+    return *r.font;
+}
+
+}  // namespace
+
+// --- finding the font ------------------------------------------------------
+
+TEST(FitFont, FoundThroughThePointersOfEachKnownGame) {
+    struct Case { const char* code; char version; std::uint32_t g, w; };
+    for (const Case& c : {Case{"BPRE", 0, 0x66EC, 0x66F4}, Case{"BPGE", 0, 0x66EC, 0x66F4},
+                          Case{"BPRE", 1, 0x6700, 0x6708}, Case{"BPGE", 1, 0x6700, 0x6708},
+                          Case{"BPEE", 0, 0x67D0, 0x67D8}, Case{"QDME", 0, 0x66EC, 0x66F4}}) {
+        const FontResult r = LocateFont(FontRom(c.code, c.version, c.g, c.w).bytes());
+        ASSERT_TRUE(r.font) << c.code << " " << int(c.version) << ": " << r.why;
+        EXPECT_EQ(r.font->place, (FontPlace{kGlyphs, kWidths}));
+        EXPECT_EQ(r.font->Width(0xBB), TestWidth(0xBB));
+        EXPECT_EQ(r.font->widest, 7);
+    }
+}
+
+TEST(FitFont, UnknownGameHasNoCheckUnlessTheOffsetsAreNamed) {
+    const RomBuilder rom = FontRom("AXVE");
+    const FontResult none = LocateFont(rom.bytes());
+    EXPECT_FALSE(none.font);
+    EXPECT_EQ(none.why,
+              "no fit check: the font of game AXVE version 0 is not known; name the offsets of its glyph "
+              "pictures and glyph widths to check it.");
+    // An unknown version of a known game is not guessed either.
+    EXPECT_FALSE(LocateFont(FontRom("BPEE", 1).bytes()).font);
+
+    const FontResult named = LocateFont(rom.bytes(), FontPlace{kGlyphs, kWidths});
+    ASSERT_TRUE(named.font);
+    EXPECT_EQ(named.font->Width(0xC2), TestWidth(0xC2));
+}
+
+TEST(FitFont, PointersOutsideTheImageGiveNoCheck) {
+    RomBuilder rom = FontRom();
+    rom.Pointer(0x66EC, 0x2FFFF0);  // glyphs reach past the end of a 3 MiB image
+    EXPECT_EQ(LocateFont(rom.bytes()).why,
+              "no fit check: the glyph pictures at 0x2FFFF0 reach past the end of the image.");
+    rom.PutHex(0x66F4, "00000000");
+    EXPECT_EQ(LocateFont(rom.bytes()).why,
+              "no fit check: the pointer to the glyph widths at 0x66F4 (0x0) does not point into the image.");
+    EXPECT_FALSE(LocateFont(std::string(0x40, '\0')).font);
+}
+
+TEST(FitFont, LoadFontReadsTheSameFromAFile) {
+    TempDir dir;
+    FontRom().Save(dir / "rom.gba");
+    const FontResult r = LoadFont(dir / "rom.gba");
+    ASSERT_TRUE(r.font) << r.why;
+    EXPECT_EQ(r.font->glyphs, TestFont().glyphs);
+    EXPECT_EQ(r.font->widths, TestFont().widths);
+}
+
+TEST(FitFont, PixelsFollowTheFormat) {
+    const Font font = TestFont();
+    for (int b : {0x00, 0x41, 0xBB, 0xFF})
+        for (int y = 0; y < 16; ++y)
+            for (int x = 0; x < 16; ++x)
+                ASSERT_EQ(font.Pixel(static_cast<std::uint8_t>(b), x, y),
+                          TestPictures()[static_cast<std::size_t>(b)][static_cast<std::size_t>(y)][static_cast<std::size_t>(x)])
+                    << b << " " << x << "," << y;
+    // One hand-checked byte: glyph 0, tile top-right, row 0 holds its left pixels in byte 17.
+    const auto& p = TestPictures()[0][0];
+    EXPECT_EQ(static_cast<std::uint8_t>(font.glyphs[17]), p[8] << 6 | p[9] << 4 | p[10] << 2 | p[11]);
+}
+
+// --- measuring -------------------------------------------------------------
+
+TEST(FitMeasure, WidthsAreTheSumOfTheGlyphWidths) {
+    const Font font = TestFont();
+    // "Hello" = C2 D9 E0 E0 E3: 3+194%5=7, 3+217%5=5, 7, 7, 3+227%5=5.
+    const Measure m = MeasureText("Hello", false, font);
+    ASSERT_EQ(m.lines.size(), 1u);
+    EXPECT_EQ(m.lines[0].width, 7 + 5 + 7 + 7 + 5);
+    EXPECT_FALSE(m.lines[0].over);
+    // "Hi, you!": H C2 7, i DD 4, "," B8 7, space 00 3, y ED 5, o E3 5, u E9 6, ! AB 4.
+    EXPECT_EQ(MeasureText("Hi, you!", false, font).lines[0].width, 7 + 4 + 7 + 3 + 5 + 5 + 6 + 4);
+}
+
+TEST(FitMeasure, CodesTakeNoRoomAndNamesTheirLongest) {
+    const Font font = TestFont();
+    // [RED] and [BLACK] are FC 01 xx: nothing; "Hi" is 7 + 4.
+    EXPECT_EQ(MeasureText("[RED]Hi[BLACK]", false, font).lines[0].width, 11);
+    // FC 04 has three parameters, FC 09 none: only "A" (BB: 5) counts.
+    EXPECT_EQ(MeasureText("\\c[&H04][&H01][&H02][&H03]\\c[&H09]A", false, font).lines[0].width, 5);
+    // FC 0C draws the next byte as a glyph: 0xFA is 3 + 250%5 = 3.
+    EXPECT_EQ(MeasureBytes(Bytes("FC0CFA"), font).lines[0].width, 3);
+    // [PLAYER] and [RIVAL] at 7 times the widest glyph (7), with "Hi" before.
+    EXPECT_EQ(MeasureText("Hi[PLAYER]", false, font).lines[0].width, 11 + 49);
+    EXPECT_EQ(MeasureText("[RIVAL]", false, font).lines[0].width, 49);
+    // A sample name: "ASH" = BB 5 + CD 3 + C2 7; [RIVAL] keeps its longest.
+    const MeasureOptions ash{SampleName("ASH")};
+    EXPECT_EQ(MeasureText("[PLAYER]", false, font, ash).lines[0].width, 15);
+    EXPECT_EQ(MeasureText("[RIVAL]", false, font, ash).lines[0].width, 49);
+    // The end byte stops the text.
+    EXPECT_EQ(MeasureBytes(Bytes("BBFFBBBB"), font).lines[0].width, 5);
+}
+
+TEST(FitMeasure, LinesOverTheBox) {
+    const Font font = TestFont();
+    // 0x04 is 7 px wide, 0x00 (space) 3: 29 x 7 + 5 x 3 = 218; 29 x 7 + 1 x 5 = 208.
+    const std::string fits = std::string(29, '\x04') + "\xBB";
+    const std::string over = std::string(29, '\x04') + std::string(5, '\x00');
+    const Measure m = MeasureBytes(fits + "\xFE" + over, font);
+    ASSERT_EQ(m.lines.size(), 2u);
+    EXPECT_EQ(m.lines[0].width, 208);
+    EXPECT_FALSE(m.lines[0].over);
+    EXPECT_EQ(m.lines[1].width, 218);
+    EXPECT_TRUE(m.lines[1].over);
+    EXPECT_EQ(m.overCount, 1);
+    EXPECT_EQ(m.widestLine, 1);
+    EXPECT_EQ(WidthCaption(m.lines[1].width), "218 / 208 px");
+    EXPECT_EQ(TooWideSummary(0), "");
+    EXPECT_EQ(TooWideSummary(1), "1 line too wide");
+    EXPECT_EQ(TooWideSummary(2), "2 lines too wide");
+}
+
+TEST(FitMeasure, PagingTwoLinesABoxScrollAndNewBox) {
+    const Font font = TestFont();
+    // a FE b FA c FB d: the second break scrolls, the empty line starts a box.
+    const Measure m = MeasureText("a\r\nb\r\nc\r\n\r\nd", false, font);
+    EXPECT_EQ(m.bytes, Bytes("D5FED6FAD7FBD8"));
+    ASSERT_EQ(m.lines.size(), 4u);
+    ASSERT_EQ(m.boxes.size(), 3u);
+    EXPECT_EQ(m.boxes[0].lines, (std::vector<int>{0, 1}));
+    EXPECT_EQ(m.boxes[1].lines, (std::vector<int>{1, 2}));  // b stays in view above c
+    EXPECT_EQ(m.boxes[2].lines, (std::vector<int>{3}));
+    const int boxes[] = {0, 0, 1, 2}, rows[] = {0, 1, 1, 0}, editor[] = {0, 1, 2, 4};
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(m.lines[i].box, boxes[i]) << i;
+        EXPECT_EQ(m.lines[i].row, rows[i]) << i;
+        EXPECT_EQ(m.lines[i].editorLine, editor[i]) << i;
+    }
+    EXPECT_TRUE(m.editorLinesExact);
+    EXPECT_EQ(m.hiddenLines, 0);
+
+    // Special Dialog: every break is FE, so a third line falls below the box.
+    const Measure s = MeasureText("a\r\nb\r\nc", true, font);
+    ASSERT_EQ(s.boxes.size(), 1u);
+    EXPECT_EQ(s.boxes[0].lines.size(), 3u);
+    EXPECT_EQ(s.lines[2].row, 2);
+    EXPECT_EQ(s.hiddenLines, 1);
+
+    // A scroll from the top line of a box pushes that line out.
+    const Measure t = MeasureBytes(Bytes("D5FBD6FAD7"), font);
+    EXPECT_EQ(t.boxes.back().lines, (std::vector<int>{2}));
+
+    // A line break typed as a hex tag: the editor's line numbers are unknown.
+    const Measure h = MeasureText("a[&HFE]b", false, font);
+    EXPECT_EQ(h.lines.size(), 2u);
+    EXPECT_FALSE(h.editorLinesExact);
+    EXPECT_EQ(h.lines[1].editorLine, -1);
+}
+
+// --- drawing ---------------------------------------------------------------
+
+namespace {
+
+// The reference: each glyph's known picture copied at its place, its width
+// wide and 14 rows high, rows at 1 and 17; values 1 letter, 2 shadow, 0 and 3
+// background; then each pixel blown up to zoom x zoom.
+std::vector<std::uint32_t> Reference(const std::vector<std::vector<int>>& rowsOfBytes, int zoom, const Colours& c,
+                                     int width = 208) {
+    std::vector<std::uint32_t> logical(static_cast<std::size_t>(width) * 32, c.background);
+    for (std::size_t r = 0; r < rowsOfBytes.size(); ++r) {
+        int x = 0;
+        for (int b : rowsOfBytes[r]) {
+            const Pixels& p = TestPictures()[static_cast<std::size_t>(b)];
+            for (int gy = 0; gy < 14; ++gy)
+                for (int gx = 0; gx < TestWidth(b); ++gx) {
+                    const int v = p[static_cast<std::size_t>(gy)][static_cast<std::size_t>(gx)];
+                    const int px = x + gx, py = 1 + 16 * static_cast<int>(r) + gy;
+                    if (px >= width) continue;
+                    if (v == 1) logical[static_cast<std::size_t>(py * width + px)] = c.letter;
+                    if (v == 2) logical[static_cast<std::size_t>(py * width + px)] = c.shadow;
+                }
+            x += TestWidth(b);
+        }
+    }
+    std::vector<std::uint32_t> out(static_cast<std::size_t>(width * zoom) * static_cast<std::size_t>(32 * zoom));
+    for (int y = 0; y < 32 * zoom; ++y)
+        for (int x = 0; x < width * zoom; ++x)
+            out[static_cast<std::size_t>(y * width * zoom + x)] = logical[static_cast<std::size_t>((y / zoom) * width + x / zoom)];
+    return out;
+}
+
+}  // namespace
+
+TEST(FitDraw, BoxMatchesTheReferencePixelByPixel) {
+    const Font font = TestFont();
+    Colours colours;
+    colours.background = 0x112233;
+    colours.letter = 0x445566;
+    colours.shadow = 0x778899;
+    // "Hi" then "yo" with [PLAYER] as "AS": box 0 holds both lines; box 1 holds
+    // "yo" and "Ok" after the scroll.
+    const Measure m = MeasureText("Hi\r\nyo[PLAYER]\r\nOk", false, font, {SampleName("AS")});
+    for (int zoom : {1, 2, 3}) {
+        DrawOptions o{colours, zoom, SampleName("AS")};
+        const Picture p0 = DrawBox(m, 0, font, o);
+        ASSERT_EQ(p0.width, 208 * zoom);
+        ASSERT_EQ(p0.height, 32 * zoom);
+        const auto ref0 = Reference({{0xC2, 0xDD}, {0xED, 0xE3, 0xBB, 0xCD}}, zoom, colours);
+        std::size_t differ = 0;
+        for (std::size_t i = 0; i < ref0.size(); ++i) differ += p0.pixels[i] != ref0[i];
+        EXPECT_EQ(differ, 0u) << "zoom " << zoom;
+        const Picture p1 = DrawBox(m, 1, font, o);
+        EXPECT_EQ(p1.pixels, Reference({{0xED, 0xE3, 0xBB, 0xCD}, {0xC9, 0xDF}}, zoom, colours)) << "zoom " << zoom;
+    }
+}
+
+TEST(FitDraw, ALineOverTheBoxWidensThePicture) {
+    const Font font = TestFont();
+    const std::string over = std::string(31, '\x04');  // 217 px
+    const Measure m = MeasureBytes(over, font);
+    Colours c;
+    const Picture p = DrawBox(m, 0, font, {c, 1, std::nullopt});
+    ASSERT_EQ(p.width, 217);
+    // Pixels past the box that no glyph covers show the outside colour.
+    EXPECT_EQ(p.At(216, 0), c.outside);
+    EXPECT_EQ(p.At(0, 0), c.background);
+}
+
+TEST(FitDraw, DemoFontPacksAsTheGameReadsIt) {
+    const demo::DemoFont d = demo::MakeDemoFont();
+    RomBuilder rom(1u << 20, '\0');
+    rom.Code("QDME").Put(0xD0000, d.glyphs).Put(0xD8000, d.widths).Pointer(0x66EC, 0xD0000).Pointer(0x66F4, 0xD8000);
+    const FontResult r = LocateFont(rom.bytes());
+    ASSERT_TRUE(r.font) << r.why;
+    int ink = 0;
+    const auto a = demo::DemoGlyphPixels(demo::kDemoGlyphs[0].rows, ink);  // A
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x)
+            ASSERT_EQ(r.font->Pixel(0xBB, x, y), a[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)]);
+    EXPECT_EQ(r.font->Width(0xBB), 7);  // 5 ink, shadow, gap
+    EXPECT_EQ(r.font->Width(0x00), 4);
+    EXPECT_EQ(r.font->Pixel(0xBB, 0, 2), 0);  // ".###." starts blank
+    EXPECT_EQ(r.font->Pixel(0xBB, 1, 2), 1);
+    EXPECT_EQ(r.font->Pixel(0xBB, 4, 2), 2);  // shadow right of the ink
+}
+
+// --- the whole game --------------------------------------------------------
+
+TEST(FitCheckAll, ListsEveryEntryWithALineOverTheBox) {
+    RomBuilder rom = FontRom();
+    rom.Put(0x100000, Bytes("C2DDFF"));                                  // "Hi": fits
+    rom.Put(0x100010, Bytes("C2DDFE") + std::string(31, '\x04') + "\xFF");  // second line 217 px
+    rom.Put(0x100100, Bytes("FD01FD01FD01FF"));                          // three names: 147 px, fits
+    rom.Put(0x100200, Bytes("FD01FD01FD01FD01FF"));                      // four: 196 px, fits
+    rom.Put(0x100300, Bytes("FD01FD01FD01FD01BBBBBBFF"));                // 211 px
+    const std::string ini =
+        "'head\r\n[Town]\r\nMom=100000\r\nSign=100010\r\n[Names]\r\nThree=100100\r\nFour=100200\r\n"
+        "Long=100300\r\nBad=XYZ\r\nFar=7000000\r\n";
+    const CheckReport r = CheckTexts(rom.bytes(), ini, TestFont());
+    EXPECT_TRUE(r.checked);
+    EXPECT_EQ(r.entries, 5u);
+    ASSERT_EQ(r.skipped.size(), 2u);
+    EXPECT_EQ(r.skipped[0], "Names/Bad: the offset 'XYZ' is not a hexadecimal number");
+    EXPECT_EQ(r.skipped[1], "Names/Far: the offset 7000000 lies past the end of the image");
+    ASSERT_EQ(r.rows.size(), 2u);
+    EXPECT_EQ(r.rows[0].section, "Town");
+    EXPECT_EQ(r.rows[0].key, "Sign");
+    EXPECT_EQ(r.rows[0].offset, "100010");
+    EXPECT_EQ(r.rows[0].line, 1);
+    EXPECT_EQ(r.rows[0].width, 217);
+    EXPECT_EQ(r.rows[1].key, "Long");
+    EXPECT_EQ(r.rows[1].width, 4 * 49 + 3 * 5);
+    EXPECT_EQ(r.rows[1].lineText, "[PLAYER][PLAYER][PLAYER][PLAYER]AAA");
+
+    // From files, and with a sample name the long entry fits.
+    TempDir dir;
+    rom.Save(dir / "rom.gba");
+    WriteFile(dir / "BPRE.ini", ini);
+    EXPECT_EQ(CheckRom(dir / "rom.gba", dir / "BPRE.ini").rows.size(), 2u);
+    EXPECT_EQ(CheckRom(dir / "rom.gba", dir / "BPRE.ini", std::nullopt, {SampleName("ASH")}).rows.size(), 1u);
+
+    // An unknown game: no check, and why.
+    RomBuilder other = FontRom("AXVE");
+    other.Save(dir / "other.gba");
+    const CheckReport none = CheckRom(dir / "other.gba", dir / "BPRE.ini");
+    EXPECT_FALSE(none.checked);
+    EXPECT_TRUE(none.rows.empty());
+    EXPECT_NE(none.why.find("not known"), std::string::npos);
+}
