@@ -13,6 +13,7 @@
 #include "ui/button_pictures.h"
 #include "ui/add_script_dialog.h"
 #include "ui/explanation_dialogs.h"
+#include "ui/fit_monitor.h"
 #include "ui/search_dialog.h"
 #include "ui/menu_builder.h"
 #include "ui/text_bridge.h"
@@ -80,6 +81,7 @@ MainWindow::MainWindow(Session& session, Clipboard& clipboard, QWidget* parent)
     PlaceControls();
     session_.OnChanged([this] { Refresh(); });
     Refresh();
+    new FitMonitor(session_, text1_, repoint_, textMenu_, toolsMenu_, this);  // line widths in the game's font
 }
 
 MainWindow::~MainWindow() = default;

@@ -1,0 +1,147 @@
+#include "ui/fit_monitor.h"
+
+#include "app/session.h"
+#include "ui/check_all_dialog.h"
+#include "ui/preview_dialog.h"
+#include "ui/text_bridge.h"
+
+#include <QAction>
+#include <QHelpEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QTextBlock>
+#include <QToolTip>
+
+namespace quillon::ui {
+
+FitMonitor::FitMonitor(Session& session, QPlainTextEdit* text1, QLabel* repoint, QMenu* textMenu, QMenu* toolsMenu,
+                       QWidget* window)
+    : QObject(window), session_(session), text1_(text1), repoint_(repoint), window_(window) {
+    setObjectName(QStringLiteral("fitMonitor"));
+    label_ = new QLabel(window);
+    label_->setObjectName(QStringLiteral("lblFit"));
+    label_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    label_->setStyleSheet(QStringLiteral("color: #b02020; font-weight: bold;"));
+    repoint_->installEventFilter(this);
+    text1_->viewport()->installEventFilter(this);
+    PlaceLabel();
+
+    auto* preview = new QAction(QStringLiteral("Preview in Game Font..."), textMenu);
+    preview->setObjectName(QStringLiteral("mnuPreview"));
+    preview->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_G));
+    preview->setShortcutContext(Qt::WindowShortcut);
+    textMenu->addSeparator();
+    textMenu->addAction(preview);
+    window->addAction(preview);  // the shortcut works while the menu is closed
+    connect(preview, &QAction::triggered, this, [this] { OpenPreview(); });
+
+    auto* checkAll = new QAction(QStringLiteral("Check All Texts..."), toolsMenu);
+    checkAll->setObjectName(QStringLiteral("mnuCheckAll"));
+    toolsMenu->addAction(checkAll);
+    connect(checkAll, &QAction::triggered, this, [this] { OpenCheckAll(); });
+
+    session_.OnChanged([this] { Update(); });
+    Update();
+}
+
+void FitMonitor::ReloadFont() {
+    fit::FontResult r = fit::SessionFont(session_, &settings_);
+    font_ = std::move(r.font);
+    why_ = Q(r.why);
+    measured_ = false;
+}
+
+void FitMonitor::SetSampleName(const std::string& name) {
+    try {
+        fit::WriteSampleName(session_.SettingsFile(), name);
+    } catch (const std::exception&) {
+        // A read-only settings file keeps the name for this run only.
+    }
+    settings_.sampleName = name;
+    measured_ = false;
+    Update();
+}
+
+void FitMonitor::Update() {
+    const std::string key = session_.romPath.string() + '\n' + session_.controls.gameCode;
+    if (key != fontKey_) {
+        fontKey_ = key;
+        ReloadFont();
+    }
+    const std::string& text = session_.controls.text1.Text();
+    const bool special = session_.controls.specialDialog;
+    if (!measured_ || text != measuredText_ || special != measuredSpecial_) {
+        measuredText_ = text;
+        measuredSpecial_ = special;
+        measured_ = true;
+        measure_ = font_ ? fit::MeasureText(text, special, *font_, settings_.Options()) : fit::Measure{};
+        Mark();
+        emit Measured();
+    }
+}
+
+void FitMonitor::Mark() {
+    QList<QTextEdit::ExtraSelection> marks;
+    for (const fit::Line& line : measure_.lines) {
+        if (!line.over || line.editorLine < 0) continue;
+        const QTextBlock block = text1_->document()->findBlockByNumber(line.editorLine);
+        if (!block.isValid()) continue;
+        QTextEdit::ExtraSelection mark;
+        mark.cursor = QTextCursor(block);
+        mark.format.setBackground(QColor(255, 214, 214));
+        mark.format.setProperty(QTextFormat::FullWidthSelection, true);
+        mark.format.setToolTip(Q(fit::WidthCaption(line.width)));
+        marks.push_back(mark);
+    }
+    text1_->setExtraSelections(marks);
+    if (!session_.RomOpen()) {
+        label_->setText(QString());
+        label_->setToolTip(QString());
+    } else if (!font_) {
+        label_->setText(QStringLiteral("No width check"));
+        label_->setToolTip(why_);
+    } else {
+        label_->setText(Q(fit::TooWideSummary(measure_.overCount)));
+        label_->setToolTip(measure_.overCount ? Q("Widest line: " + fit::WidthCaption(measure_.WidestWidth()))
+                                              : QString());
+    }
+}
+
+void FitMonitor::PlaceLabel() {
+    // Right of "Special Dialog*", under the counter's right part.
+    const QRect r = repoint_->geometry();
+    const int width = r.width() * 2 / 5;
+    label_->setGeometry(r.right() + 1 - width, r.bottom() + 1 + r.height() / 4, width, r.height() + 2);
+}
+
+bool FitMonitor::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == repoint_ && (event->type() == QEvent::Move || event->type() == QEvent::Resize)) PlaceLabel();
+    if (watched == text1_->viewport() && event->type() == QEvent::ToolTip) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        const int block = text1_->cursorForPosition(help->pos()).blockNumber();
+        for (const fit::Line& line : measure_.lines) {
+            if (line.editorLine == block && font_) {
+                QToolTip::showText(help->globalPos(), Q(fit::WidthCaption(line.width)), text1_);
+                return true;
+            }
+        }
+        QToolTip::hideText();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void FitMonitor::OpenPreview() {
+    if (!preview_) preview_ = new PreviewDialog(*this, window_);
+    preview_->show();
+    preview_->raise();
+    preview_->activateWindow();
+}
+
+void FitMonitor::OpenCheckAll() {
+    CheckAllDialog dialog(session_, settings_, window_);
+    dialog.exec();
+}
+
+}  // namespace quillon::ui
