@@ -89,6 +89,7 @@ void FitMonitor::Mark() {
         if (!block.isValid()) continue;
         QTextEdit::ExtraSelection mark;
         mark.cursor = QTextCursor(block);
+        mark.cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);  // every wrapped row of it
         mark.format.setBackground(QColor(255, 214, 214));
         mark.format.setProperty(QTextFormat::FullWidthSelection, true);
         mark.format.setToolTip(Q(fit::WidthCaption(line.width)));

@@ -11,6 +11,7 @@
 #include "ui/add_script_dialog.h"
 #include "ui/explanation_dialogs.h"
 #include "ui/japanese_dialog.h"
+#include "ui/preview_dialog.h"
 #include "ui/search_dialog.h"
 #include "ui/update_dialog.h"
 #include "ui/xp_button_gallery.h"
@@ -123,6 +124,18 @@ TEST_F(Screenshot, ToolWindowsAndTheButtonGallery) {
         Keep(*w, name);
         w->hide();
     }
+}
+
+// A line over the message box marked while typing, and the same text drawn
+// with the demo ROM's own font.
+TEST_F(Screenshot, FitMarksAndPreview) {
+    Select("Lighthouse", "Lit");
+    Keep(*window, "fit-main-window.png");
+    Trigger(window->TextMenu(), "mnuPreview");
+    auto* preview = window->findChild<ui::PreviewDialog*>(QStringLiteral("frmPreview"));
+    ASSERT_NE(preview, nullptr);
+    Keep(*preview, "preview-window.png");
+    preview->hide();
 }
 
 using UpdateScreenshot = UpdateFixture;
