@@ -163,7 +163,6 @@ Step Repoint(Session& session, std::int32_t newLength) {
 
 // Everything up to the final write; Done means the text is on disk.
 Step Save(Session& session) {
-    if (!fit::ConfirmFitBeforeSave(session)) return Step::Stop;  // a line over the message box
     auto& c = session.controls;
     if (!c.saveRefusal.empty()) {
         Refuse(session, c.saveRefusal);
@@ -173,6 +172,7 @@ Step Save(Session& session) {
         Refuse(session, session.readOnlyReason);
         return Step::Stop;
     }
+    if (!fit::ConfirmFitBeforeSave(session)) return Step::Stop;  // a line over the message box
     if (auto changed = ChangedSinceLoad(session)) {
         Refuse(session, *changed);
         OfferReload(session);
