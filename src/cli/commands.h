@@ -31,5 +31,6 @@ struct CommandFailed : std::runtime_error {
 void RegisterInfo(CLI::App& app, CliContext& ctx);    // info ROM
 void RegisterRead(CLI::App& app, CliContext& ctx);    // read ROM OFFSET
 void RegisterSearch(CLI::App& app, CliContext& ctx);  // search ROM TEXT
+void RegisterCheck(CLI::App& app, CliContext& ctx);   // check ROM [--ini FILE]
 
 }  // namespace quillon::cli

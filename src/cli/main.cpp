@@ -43,6 +43,7 @@ int main(int argc, char** argv) {
     RegisterInfo(app, ctx);
     RegisterRead(app, ctx);
     RegisterSearch(app, ctx);
+    RegisterCheck(app, ctx);
 
     try {
         app.parse(argc, argv);
