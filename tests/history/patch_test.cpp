@@ -1,0 +1,225 @@
+// BPS patches made here must apply, here and in a decoder written only from
+// the format's public description; damaged or foreign patches are refused;
+// IPS patches built by hand apply as that format defines.
+#include "core/file_io.h"
+#include "history/patch.h"
+#include "support/temp_dir.h"
+
+#include <quillon/errors.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+
+using namespace quillon;
+using namespace quillon::test;
+using namespace std::string_literals;
+
+namespace {
+
+// ------------------------------------------------ an independent BPS decoder
+
+std::uint32_t BitCrc(std::string_view s) {
+    std::uint32_t c = 0xFFFFFFFF;
+    for (unsigned char b : s) {
+        c ^= b;
+        for (int k = 0; k < 8; ++k) c = (c >> 1) ^ (0xEDB88320 & (0 - (c & 1)));
+    }
+    return ~c;
+}
+
+std::uint32_t Le32(std::string_view s, std::size_t at) {
+    return static_cast<std::uint32_t>(static_cast<unsigned char>(s[at]) | static_cast<unsigned char>(s[at + 1]) << 8 |
+                                      static_cast<unsigned char>(s[at + 2]) << 16 |
+                                      static_cast<std::uint32_t>(static_cast<unsigned char>(s[at + 3])) << 24);
+}
+
+// Returns the target, or fails the test.
+std::string ReferenceDecode(std::string_view source, std::string_view patch) {
+    EXPECT_EQ(patch.substr(0, 4), "BPS1");
+    const std::size_t end = patch.size() - 12;
+    std::size_t p = 4;
+    auto number = [&] {
+        std::uint64_t data = 0, shift = 1;
+        for (;;) {
+            const auto x = static_cast<unsigned char>(patch.at(p++));
+            data += (x & 0x7F) * shift;
+            if (x & 0x80) return data;
+            shift <<= 7;
+            data += shift;
+        }
+    };
+    EXPECT_EQ(number(), source.size());
+    std::string target(number(), '\0');
+    p += number();
+    std::size_t out = 0, srcRel = 0, dstRel = 0;
+    while (p < end) {
+        const std::uint64_t data = number(), len = (data >> 2) + 1;
+        auto delta = [&] {
+            const std::uint64_t v = number();
+            return (v & 1) ? -static_cast<std::int64_t>(v >> 1) : static_cast<std::int64_t>(v >> 1);
+        };
+        switch (data & 3) {
+        case 0: for (std::uint64_t k = 0; k < len; ++k, ++out) target.at(out) = source.at(out); break;
+        case 1: for (std::uint64_t k = 0; k < len; ++k) target.at(out++) = patch.at(p++); break;
+        case 2:
+            srcRel += delta();
+            for (std::uint64_t k = 0; k < len; ++k) target.at(out++) = source.at(srcRel++);
+            break;
+        case 3:
+            dstRel += delta();
+            for (std::uint64_t k = 0; k < len; ++k) target.at(out++) = target.at(dstRel++);
+            break;
+        }
+    }
+    EXPECT_EQ(out, target.size());
+    EXPECT_EQ(Le32(patch, end), BitCrc(source));
+    EXPECT_EQ(Le32(patch, end + 4), BitCrc(target));
+    EXPECT_EQ(Le32(patch, end + 8), BitCrc(patch.substr(0, end + 8)));
+    return target;
+}
+
+// ------------------------------------------------------------ generated images
+
+std::string Noise(std::size_t size, unsigned seed) {
+    std::mt19937 rng(seed);
+    std::string s(size, '\0');
+    for (char& c : s) c = static_cast<char>(rng());
+    return s;
+}
+
+struct Change {
+    const char* name;
+    std::function<std::string(std::string)> apply;
+    std::size_t maxPatch;  // bytes a sensible encoder needs at most
+};
+
+const std::size_t kImage = 1u << 20;
+
+std::vector<Change> Changes() {
+    return {
+        {"unchanged", [](std::string s) { return s; }, 40},
+        {"hundred_texts",
+         [](std::string s) {
+             std::mt19937 rng(7);
+             for (int k = 0; k < 100; ++k) s.replace(rng() % (s.size() - 64), 40, Noise(40, k));
+             return s;
+         },
+         100 * 40 + 800},
+        {"moved_block", [](std::string s) { return s.replace(0x80000, 0x8000, s.substr(0x1234, 0x8000)); }, 60},
+        {"filled", [](std::string s) { return s.replace(0x40000, 0x10000, 0x10000, '\xFF'); }, 60},
+        {"expanded", [](std::string s) { return s + std::string(kImage, '\xFF'); }, 60},
+        {"cut_short", [](std::string s) { return s.substr(0, s.size() / 3); }, 40},
+        {"all_new", [](std::string s) { return Noise(s.size() + 5, 99); }, kImage + 5 + 64},
+        {"from_nothing", [](std::string) { return std::string("new"); }, 40},
+    };
+}
+
+class BpsRoundTrip : public ::testing::TestWithParam<Change> {};
+
+TEST_P(BpsRoundTrip, AppliesHereAndInTheReferenceDecoderAndStaysSmall) {
+    const std::string source = GetParam().name == std::string("from_nothing") ? "" : Noise(kImage, 1);
+    const std::string target = GetParam().apply(source);
+    const std::string patch = CreateBps(source, target, "note");
+    EXPECT_LE(patch.size(), GetParam().maxPatch);
+    EXPECT_EQ(ApplyBps(source, patch), target);
+    EXPECT_EQ(ReferenceDecode(source, patch), target);
+}
+
+INSTANTIATE_TEST_SUITE_P(Images, BpsRoundTrip, ::testing::ValuesIn(Changes()),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// ----------------------------------------------------------------- refusals
+
+// A patch from parts, with its three checksums.
+std::string Assemble(std::string_view body, std::string_view source, std::string_view target) {
+    std::string p = "BPS1" + std::string(body);
+    for (std::uint32_t v : {BitCrc(source), BitCrc(target)})
+        for (int k = 0; k < 4; ++k) p.push_back(static_cast<char>(v >> (8 * k)));
+    const std::uint32_t own = BitCrc(p);
+    for (int k = 0; k < 4; ++k) p.push_back(static_cast<char>(own >> (8 * k)));
+    return p;
+}
+
+TEST(BpsApply, RefusesWhatItCannotApplyFaithfully) {
+    const std::string source = Noise(256, 3), target = Noise(256, 4);
+    const std::string good = CreateBps(source, target);
+    std::string otherSource = source;
+    otherSource[100] ^= 1;
+    std::string flipped = good;
+    flipped[good.size() / 2] ^= 1;
+    // Sizes 256 and 4, no metadata, then one action.
+    const std::string s4 = source.substr(0, 4);
+    struct Case {
+        const char* name;
+        std::string source, patch, message;
+    } cases[] = {
+        {"another_image", otherSource, good, "another image"},
+        {"another_length", source + "x", good, "257"},
+        {"damaged_patch", source, flipped, "checksum does not match its contents"},
+        {"not_bps", source, "PATCHEOF", "not a BPS patch"},
+        {"target_copy_before_output", source, Assemble("\x00\x81\x84\x80\x8F\x80"s, source, s4), "not yet written"},
+        {"source_copy_outside", source, Assemble("\x00\x81\x84\x80\x8E\x58\x83"s, source, s4), "outside the image"},
+        {"writes_past_result", source, Assemble("\x00\x81\x84\x80\x90"s, source, s4), "past the end of the result"},
+        {"short_result", source, Assemble("\x00\x81\x84\x80\x80"s, source, s4), "shorter"},
+        {"wrong_result", source, Assemble("\x00\x81\x84\x80\x8C"s, source, "abcd"), "result's checksum"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        try {
+            ApplyBps(c.source, c.patch);
+            ADD_FAILURE() << "applied";
+        } catch (const PatchError& e) {
+            EXPECT_NE(std::string(e.what()).find(c.message), std::string::npos) << e.what();
+        }
+    }
+}
+
+// ---------------------------------------------------------------------- IPS
+
+TEST(IpsApply, RecordsRunsEofAndTruncation) {
+    const std::string source = "0123456789";
+    struct Case {
+        const char* name;
+        std::string patch, result;  // empty result: refused
+    } cases[] = {
+        {"plain", std::string("PATCH\x00\x00\x02\x00\x03" "abc" "EOF", 16), "01abc56789"},
+        {"run", std::string("PATCH\x00\x00\x01\x00\x00\x00\x04Z" "EOF", 16), "0ZZZZ56789"},
+        {"past_end", std::string("PATCH\x00\x00\x0C\x00\x02" "xy" "EOF", 15), std::string("0123456789\0\0xy", 14)},
+        {"truncated", std::string("PATCH" "EOF\x00\x00\x04", 11), "0123"},
+        {"no_eof", std::string("PATCH\x00\x00\x02\x00\x01" "a", 11), ""},
+        {"cut_record", std::string("PATCH\x00\x00\x02\x00\x09" "ab", 12), ""},
+        {"not_ips", "BPS1", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        if (c.result.empty()) {
+            EXPECT_THROW(ApplyPatch(source, c.patch), PatchError);
+        } else {
+            EXPECT_EQ(ApplyPatch(source, c.patch), c.result);
+        }
+    }
+}
+
+TEST(IpsApply, OffsetsReachTheLastByteOfTheFirst16MiB) {
+    const std::string source(16u << 20, '\0');
+    const std::string out = ApplyIps(source, std::string("PATCH\xFF\xFF\xFF\x00\x02" "ab" "EOF", 15));
+    EXPECT_EQ(out.size(), (16u << 20) + 1);
+    EXPECT_EQ(out.substr(0xFFFFFF), "ab");
+}
+
+TEST(PatchFiles, AFailedWriteOfTheOutputLeavesNoFile) {
+    TempDir dir;
+    WriteFile(dir / "a.gba", Noise(4096, 5));
+    WriteFile(dir / "b.gba", Noise(4096, 6));
+    CreatePatchFile(dir / "a.gba", dir / "b.gba", dir / "p.bps");
+    EXPECT_EQ(ApplyPatchFile(dir / "a.gba", dir / "p.bps", dir / "c.gba"), PatchFormat::Bps);
+    EXPECT_EQ(ReadFile(dir / "c.gba"), ReadFile(dir / "b.gba"));
+
+    io::ScopedWriteHook fail([](const std::filesystem::path&) { return false; });
+    EXPECT_THROW(ApplyPatchFile(dir / "a.gba", dir / "p.bps", dir / "d.gba"), FileError);
+    EXPECT_FALSE(std::filesystem::exists(dir / "d.gba"));
+}
+
+}  // namespace
