@@ -1,6 +1,7 @@
 #include "edit/write_plan.h"
 
 #include "core/file_io.h"
+#include "history/history.h"
 
 #include <quillon/errors.h>
 #include <quillon/rom.h>
@@ -268,8 +269,12 @@ CommitResult CommitPlan(const WritePlan& plan) {
         }
         return result;
     }
-    io::RemoveFile(journal);
+    KeepJournal(plan, journal);  // the history keeps it as an entry, or it is removed
     return result;
+}
+
+std::optional<WritePlan> ReadJournal(const std::filesystem::path& journal, const std::filesystem::path& rom) {
+    return Parse(io::ReadAll(journal), rom);
 }
 
 Recovery RecoverPending(const std::filesystem::path& rom) {

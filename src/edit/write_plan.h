@@ -81,6 +81,10 @@ std::vector<RomWrite> RangesFor(const std::filesystem::path& rom, const std::vec
 // changed, a file or folder cannot be written, or a journal is pending.
 CommitResult CommitPlan(const WritePlan& plan);
 
+// A journal read back (from the history, which keeps them); nothing when it
+// is damaged. Throws FileError when it cannot be read.
+std::optional<WritePlan> ReadJournal(const std::filesystem::path& journal, const std::filesystem::path& rom);
+
 // What RecoverPending found.
 enum class RecoveryOutcome {
     NoJournal,   // nothing pending
