@@ -77,7 +77,14 @@ const Menu& ToolsMenu() {
     static const Menu menu = [] {
         MenuItem script = Item("mnuTextScript", "Insert Dialog-Script", MenuAction::TextScript);
         script.enabled = false;  // opening a ROM enables it
-        return Menu{"mnuTools", "Tools", {Item("mnuUpdate", "Live-Update", MenuAction::Update), std::move(script)}};
+        return Menu{"mnuTools",
+                    "Tools",
+                    {Item("mnuUpdate", "Live-Update", MenuAction::Update), std::move(script), Separator(),
+                     Item("mnuUndoSave", "Undo Last Save", MenuAction::UndoSave),
+                     Item("mnuRedoSave", "Redo", MenuAction::RedoSave),
+                     Item("mnuHistory", "History...", MenuAction::History), Separator(),
+                     Item("mnuCreatePatch", "Create Patch...", MenuAction::CreatePatch),
+                     Item("mnuApplyPatch", "Apply Patch...", MenuAction::ApplyPatch)}};
     }();
     return menu;
 }

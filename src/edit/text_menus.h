@@ -20,6 +20,11 @@ enum class MenuAction {
     TextScript, // open the dialog-script window
     AddOffset,  // open the add-offset window
     Delete,     // delete the selected tree entry
+    UndoSave,   // undo the last save of the open ROM
+    RedoSave,   // redo the last undone save
+    History,    // open the history window
+    CreatePatch,  // write a BPS patch from a clean original to the open ROM
+    ApplyPatch,   // apply a BPS or IPS patch to a chosen ROM
 };
 
 struct MenuItem {

@@ -14,6 +14,7 @@
 #include "ui/add_script_dialog.h"
 #include "ui/explanation_dialogs.h"
 #include "ui/fit_monitor.h"
+#include "ui/history_dialog.h"
 #include "ui/search_dialog.h"
 #include "ui/menu_builder.h"
 #include "ui/text_bridge.h"
@@ -227,11 +228,13 @@ void MainWindow::BuildControls() {
             update.exec();
             return;
         }
+        if (RunHistoryItem(item.action, session_, this)) return;
         if (item.action != MenuAction::TextScript) return;
         AddScriptDialog dialog(session_, this);
         dialog.exec();
         session_.Changed();
     });
+    AddHistoryShortcuts(this, toolsMenu_);
     treeMenu_ = BuildMenu(this, quillon::TreeViewMenu(), [this](const MenuItem& item) {
         if (item.action == MenuAction::AddOffset)
             quillon::ShowAddOffset(session_);

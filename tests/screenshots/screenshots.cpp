@@ -5,11 +5,13 @@
 // and no cut captions. Runs on any Qt platform (offscreen or an X server).
 #include "layout_check.h"
 #include "main_window_fixture.h"
+#include "history/history_commands.h"
 #include "offsets/add_offset_form.h"
 #include "ui/about_dialog.h"
 #include "ui/add_offset_dialog.h"
 #include "ui/add_script_dialog.h"
 #include "ui/explanation_dialogs.h"
+#include "ui/history_dialog.h"
 #include "ui/japanese_dialog.h"
 #include "ui/preview_dialog.h"
 #include "ui/search_dialog.h"
@@ -136,6 +138,17 @@ TEST_F(Screenshot, FitMarksAndPreview) {
     ASSERT_NE(preview, nullptr);
     Keep(*preview, "preview-window.png");
     preview->hide();
+}
+
+TEST_F(Screenshot, HistoryWindow) {
+    for (const char* text : {"Hoy there.", "Ahoy there!", "Ahoy, friend!"}) {
+        session->controls.text1.SetText(text);
+        user.answers.assign(2, FakePrompter::Answer(true));
+        Click("Command2");
+    }
+    UndoLastSaveCommand(*session);
+    ui::HistoryDialog history(*session, window.get());
+    Keep(history, "history-window.png");
 }
 
 using UpdateScreenshot = UpdateFixture;
