@@ -1,11 +1,7 @@
 // BPS patches made here must apply, here and in a decoder written only from
 // the format's public description; damaged or foreign patches are refused;
 // IPS patches built by hand apply as that format defines.
-#include "core/file_io.h"
 #include "history/patch.h"
-#include "support/temp_dir.h"
-
-#include <quillon/errors.h>
 
 #include <gtest/gtest.h>
 
@@ -13,7 +9,6 @@
 #include <random>
 
 using namespace quillon;
-using namespace quillon::test;
 using namespace std::string_literals;
 
 namespace {
@@ -200,26 +195,6 @@ TEST(IpsApply, RecordsRunsEofAndTruncation) {
             EXPECT_EQ(ApplyPatch(source, c.patch), c.result);
         }
     }
-}
-
-TEST(IpsApply, OffsetsReachTheLastByteOfTheFirst16MiB) {
-    const std::string source(16u << 20, '\0');
-    const std::string out = ApplyIps(source, std::string("PATCH\xFF\xFF\xFF\x00\x02" "ab" "EOF", 15));
-    EXPECT_EQ(out.size(), (16u << 20) + 1);
-    EXPECT_EQ(out.substr(0xFFFFFF), "ab");
-}
-
-TEST(PatchFiles, AFailedWriteOfTheOutputLeavesNoFile) {
-    TempDir dir;
-    WriteFile(dir / "a.gba", Noise(4096, 5));
-    WriteFile(dir / "b.gba", Noise(4096, 6));
-    CreatePatchFile(dir / "a.gba", dir / "b.gba", dir / "p.bps");
-    EXPECT_EQ(ApplyPatchFile(dir / "a.gba", dir / "p.bps", dir / "c.gba"), PatchFormat::Bps);
-    EXPECT_EQ(ReadFile(dir / "c.gba"), ReadFile(dir / "b.gba"));
-
-    io::ScopedWriteHook fail([](const std::filesystem::path&) { return false; });
-    EXPECT_THROW(ApplyPatchFile(dir / "a.gba", dir / "p.bps", dir / "d.gba"), FileError);
-    EXPECT_FALSE(std::filesystem::exists(dir / "d.gba"));
 }
 
 }  // namespace
