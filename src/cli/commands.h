@@ -32,5 +32,6 @@ void RegisterInfo(CLI::App& app, CliContext& ctx);    // info ROM
 void RegisterRead(CLI::App& app, CliContext& ctx);    // read ROM OFFSET
 void RegisterSearch(CLI::App& app, CliContext& ctx);  // search ROM TEXT
 void RegisterCheck(CLI::App& app, CliContext& ctx);   // check ROM [--ini FILE]
+void RegisterPatch(CLI::App& app, CliContext& ctx);   // patch create|apply ...
 
 }  // namespace quillon::cli

@@ -44,6 +44,7 @@ int main(int argc, char** argv) {
     RegisterRead(app, ctx);
     RegisterSearch(app, ctx);
     RegisterCheck(app, ctx);
+    RegisterPatch(app, ctx);
 
     try {
         app.parse(argc, argv);
