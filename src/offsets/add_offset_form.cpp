@@ -2,6 +2,8 @@
 
 #include "app/session.h"
 #include "core/file_io.h"
+#include "edit/commit.h"
+#include "offsets/ini_document.h"
 #include "offsets/offset_file.h"
 
 #include <quillon/errors.h>
@@ -19,6 +21,24 @@ std::string PlainHex(std::uint32_t value) {
     char buf[16];
     std::snprintf(buf, sizeof buf, "%X", value);
     return buf;
+}
+
+// Changes the open game's offset file through the one writer, so the change
+// is guarded, journaled and kept in the history. False when it could not be
+// written; an edit that changes nothing is a success.
+template <class Edit>
+bool WriteOffsetFile(Session& session, std::string command, std::string subject, Edit edit) {
+    try {
+        WritePlan plan = OffsetFilePlan(session, std::move(command), std::move(subject), {});
+        if (!session.readOnlyReason.empty() || !RecoverJournal(session)) return false;
+        ini::IniDocument doc(plan.offsetBefore.value_or(""));
+        std::optional<std::string> after = edit(doc);
+        if (!after) return true;
+        plan.offsetAfter = std::move(*after);
+        return CommitPlan(plan).outcome == CommitOutcome::Written;
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 }  // namespace
@@ -69,11 +89,8 @@ bool AddOffsetForm::Add() {
         return refuse(e.what());
     }
 
-    ini_.SetPath(session_.OffsetFile());
-    ini_.SetSection(sectionName);
-    ini_.SetKey(textName);
-    ini_.SetValue(PlainHex(offset));
-    if (!ini_.Success()) {
+    if (!WriteOffsetFile(session_, "Add offset", sectionName + " / " + textName,
+                         [&](const ini::IniDocument& doc) { return doc.WithValue(sectionName, textName, PlainHex(offset)); })) {
         session_.prompter.Message(Icon::Critical, "Error: Could not add the Entry!");
         return false;
     }
@@ -91,17 +108,16 @@ void ShowAddOffset(Session& session) {
 void DeleteOffset(Session& session) {
     const TreeNode* node = session.tree.SelectedNode();
     if (!node || node->key.empty()) return;  // nothing selected: ends silently
-    cInifile ini;
-    ini.SetPath(session.OffsetFile());
     if (IsSectionNodeKey(node->key)) {
-        ini.SetSection(node->text);
-        ini.DeleteSection();
-        if (!ini.Success()) session.prompter.Message(Icon::Critical, "Error: Could not delete the Section!");
+        const std::string section = node->text;
+        if (!WriteOffsetFile(session, "Delete section", section,
+                             [&](const ini::IniDocument& doc) { return doc.WithoutSection(section); }))
+            session.prompter.Message(Icon::Critical, "Error: Could not delete the Section!");
     } else {
-        ini.SetSection(session.tree.SelectedParentText());
-        ini.SetKey(KeyNameOf(node->key));
-        ini.DeleteKey();
-        if (!ini.Success()) session.prompter.Message(Icon::Critical, "Error: Could not delete the Entry!");
+        const std::string section = session.tree.SelectedParentText(), key = KeyNameOf(node->key);
+        if (!WriteOffsetFile(session, "Delete offset", section + " / " + key,
+                             [&](const ini::IniDocument& doc) { return doc.WithoutKey(section, key); }))
+            session.prompter.Message(Icon::Critical, "Error: Could not delete the Entry!");
     }
     Tree_Load(session);
 }
