@@ -7,6 +7,7 @@
 #include "translate/rom_texts.h"
 
 #include <quillon/codec.h>
+#include <quillon/errors.h>
 #include <quillon/rom.h>
 
 #include <algorithm>
@@ -286,7 +287,15 @@ std::string DescribePlan(const ImportPlan& plan) {
 
 CommitResult ApplyImport(const ImportPlan& plan) {
     if (plan.WritesNothing()) return {};
-    return CommitPlan(plan.writes);
+    try {
+        return CommitPlan(plan.writes);
+    } catch (const FileError& e) {
+        // The journal could not be made (nothing written) or not removed
+        // (it puts the old state back when the ROM is opened again).
+        std::error_code ec;
+        const bool kept = std::filesystem::exists(JournalPath(plan.writes.rom), ec);
+        return {kept ? CommitOutcome::JournalKept : CommitOutcome::RolledBack, e.what()};
+    }
 }
 
 std::string DescribeOutcome(const ImportPlan& plan, const CommitResult& result) {
