@@ -38,11 +38,40 @@ private:
     std::map<std::uint64_t, std::uint64_t> ranges_;
 };
 
-// A text whose line breaks are all 0xFE was saved as a special dialog; its
-// translation keeps that form.
-bool SavedAsSpecialDialog(std::string_view bytes, std::string_view editorText) {
-    const std::string hex = EncodeText(editorText, false);
-    return HexToBytes(hex) != bytes && HexToBytes(EncodeText(editorText, true)) == bytes;
+// A text saved as a special dialog has every line break as 0xFE; a normal
+// one has 0xFE only for its first line break and after an empty line (0xFB),
+// so two of them without 0xFA or 0xFB tell the form. Its translation keeps it.
+bool SavedAsSpecialDialog(std::string_view bytes) {
+    std::size_t fe = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const auto b = static_cast<unsigned char>(bytes[i]);
+        if (b == 0xFC || b == 0xFD) ++i;  // the parameter byte is no line break
+        else if (b == 0xFA || b == 0xFB) return false;
+        else if (b == 0xFE) ++fe;
+    }
+    return fe >= 2;
+}
+
+// Writes closer than this are joined into one, with the unchanged bytes
+// between them, so that a whole import is a few large writes.
+constexpr std::uint64_t kJoinGap = 256;
+
+std::vector<RomWrite> Merged(std::vector<RomWrite> sorted, std::string_view image) {
+    std::vector<RomWrite> merged;
+    for (RomWrite& w : sorted) {
+        if (!merged.empty()) {
+            RomWrite& last = merged.back();
+            const std::uint64_t end = last.offset + last.after.size();
+            if (w.offset <= end + kJoinGap) {
+                const std::string_view between = image.substr(end, w.offset - end);
+                last.before.append(between).append(w.before);
+                last.after.append(between).append(w.after);
+                continue;
+            }
+        }
+        merged.push_back(std::move(w));
+    }
+    return merged;
 }
 
 // A text that outgrew its room, waiting for its pointers and free space.
@@ -134,7 +163,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                 ++plan.unchanged;
                 continue;
             }
-            Encoded encoded = EncodeForImport(newText, SavedAsSpecialDialog(t.bytes, current));
+            Encoded encoded = EncodeForImport(newText, SavedAsSpecialDialog(t.bytes));
             if (!encoded.refusal.empty()) {
                 refuse(t.context, encoded.refusal);
                 continue;
@@ -246,6 +275,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     }
     std::sort(plan.writes.romWrites.begin(), plan.writes.romWrites.end(),
               [](const RomWrite& a, const RomWrite& b) { return a.offset < b.offset; });
+    plan.writes.romWrites = Merged(std::move(plan.writes.romWrites), image);
 
     // Every entry naming a moved text follows it.
     if (!movedTo.empty()) {
