@@ -7,6 +7,7 @@
 // CliContext&)`, declare it below and call it from main.cpp (one line each;
 // the build picks up every cmd_*.cpp). The action throws CommandFailed (or
 // lets FileError through) to end with a one-line reason and exit status 1.
+// scan, check and patch are to come the same way, each in a file of its own.
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
@@ -33,5 +34,7 @@ void RegisterRead(CLI::App& app, CliContext& ctx);    // read ROM OFFSET
 void RegisterSearch(CLI::App& app, CliContext& ctx);  // search ROM TEXT
 void RegisterCheck(CLI::App& app, CliContext& ctx);   // check ROM [--ini FILE]
 void RegisterPatch(CLI::App& app, CliContext& ctx);   // patch create|apply ...
+void RegisterExport(CLI::App& app, CliContext& ctx);  // export ROM --po OUT [--ini FILE]
+void RegisterImport(CLI::App& app, CliContext& ctx);  // import ROM --po IN [--ini FILE] [--dry-run]
 
 }  // namespace quillon::cli

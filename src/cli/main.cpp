@@ -45,6 +45,8 @@ int main(int argc, char** argv) {
     RegisterSearch(app, ctx);
     RegisterCheck(app, ctx);
     RegisterPatch(app, ctx);
+    RegisterExport(app, ctx);
+    RegisterImport(app, ctx);
 
     try {
         app.parse(argc, argv);

@@ -1,0 +1,39 @@
+// import ROM --po IN [--dry-run]: the translated texts of a PO file into the ROM.
+#include "cli/cli_support.h"
+#include "cli/commands.h"
+#include "translate/po_import.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace quillon::cli {
+
+void RegisterImport(CLI::App& app, CliContext& ctx) {
+    struct Args {
+        std::filesystem::path rom, ini, po;
+        bool dryRun = false;
+    };
+    auto args = std::make_shared<Args>();
+    auto* sub = app.add_subcommand(
+        "import", "Write the translated texts of a PO file into the ROM, moving texts that outgrow their place");
+    sub->add_option("ROM", args->rom, "The ROM image")->required();
+    sub->add_option("--po", args->po, "The translated PO file")->required();
+    sub->add_option("--ini", args->ini, "The offset file (default: ini/GAMECODE.ini beside quillon-cli)");
+    sub->add_flag("--dry-run", args->dryRun, "Show the plan and write nothing");
+    sub->callback([args, &ctx] {
+        RequireRom(args->rom);
+        const ImportRequest request{args->rom, OffsetFileFor(ctx, args->rom, args->ini), args->po,
+                                    FreeSpaceOffset(ctx)};
+        TerminalProgress progress(ctx.terminal);
+        const ImportPlan plan = PlanImport(request, progress);
+        if (args->dryRun) {
+            std::printf("%sNothing was written (--dry-run).\n", DescribePlan(plan).c_str());
+            return;
+        }
+        const CommitResult result = ApplyImport(plan);
+        std::printf("%s", DescribeOutcome(plan, result).c_str());
+        if (result.outcome != CommitOutcome::Written) throw CommandFailed("The import was not written: " + result.error);
+    });
+}
+
+}  // namespace quillon::cli

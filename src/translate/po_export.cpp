@@ -1,0 +1,85 @@
+#include "translate/po_export.h"
+
+#include "core/file_io.h"
+#include "edit/free_space.h"
+#include "translate/offset_entries.h"
+#include "translate/po_file.h"
+#include "translate/rom_texts.h"
+
+#include <quillon/codec.h>
+
+#include <stdexcept>
+
+namespace quillon {
+namespace {
+
+std::string HeaderString(std::string_view image, std::size_t at, std::size_t count) {
+    std::string field(image.substr(std::min(at, image.size()), count));
+    field.erase(field.find_last_not_of('\0') + 1);
+    return Latin1ToUtf8(field);
+}
+
+std::string Comments(const EntryText& t, std::size_t pointers) {
+    char offset[16];
+    std::snprintf(offset, sizeof offset, "%X", static_cast<unsigned>(t.offset));
+    return std::string("Offset: ") + offset + "\nBytes: " + std::to_string(t.bytes.size()) +
+           "\nRoom before a repoint: " + std::to_string(t.room) + " bytes\nPointers: " + std::to_string(pointers);
+}
+
+}  // namespace
+
+ExportSummary ExportPo(const ExportRequest& request, Progress& progress) {
+    const std::string image = io::ReadAll(request.rom);
+    const std::string offsetText = io::ReadAll(request.offsetFile);
+    const std::vector<OffsetEntry> entries = ReadOffsetEntries(offsetText);
+    const std::string code = HeaderString(image, 0xAC, 4);
+    const char freeByte = FreeRun(code, 1)[0];
+
+    std::vector<OffsetEntry> chosen;
+    for (const OffsetEntry& e : entries)
+        if (!request.section || Latin1ToUtf8(e.section) == *request.section) chosen.push_back(e);
+    if (request.section && chosen.empty())
+        throw std::invalid_argument("The offset file has no section '" + *request.section + "'.");
+
+    // Room is measured against every entry, not only the chosen ones.
+    const std::vector<EntryText> all = LoadEntryTexts(image, entries, freeByte, progress);
+    std::vector<const EntryText*> texts;
+    std::vector<std::uint32_t> targets;
+    for (const EntryText& t : all) {
+        if (request.section && Latin1ToUtf8(t.entry->section) != *request.section) continue;
+        texts.push_back(&t);
+        if (t.problem.empty()) targets.push_back(t.offset);
+    }
+    const PointerIndex pointers(image, targets, progress);
+
+    PoCatalog catalog;
+    catalog.header = {{"Project-Id-Version", HeaderString(image, 0xA0, 12) + " (" + code + ")"},
+                      {"MIME-Version", "1.0"},
+                      {"Content-Type", "text/plain; charset=UTF-8"},
+                      {"Content-Transfer-Encoding", "8bit"},
+                      {std::string(kGameCodeField), code},
+                      {std::string(kGameTitleField), HeaderString(image, 0xA0, 12)}};
+    ExportSummary summary;
+    ProgressStage stage(progress, "Writing the PO file", texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (i % 1024 == 0) stage.Step(i);
+        const EntryText& t = *texts[i];
+        if (!t.problem.empty()) {
+            summary.skipped.push_back({t.context, t.problem});
+            continue;
+        }
+        if (t.bytes.empty()) {
+            summary.skipped.push_back({t.context, "its text is empty"});
+            continue;
+        }
+        std::string id = ToPoText(DecodeText(t.bytes, false));
+        PoMessage message{t.context, id, request.fillTranslations ? id : std::string(),
+                          Comments(t, pointers.Of(t.offset).size()), false};
+        catalog.messages.push_back(std::move(message));
+        ++summary.exported;
+    }
+    WritePo(request.po, catalog);
+    return summary;
+}
+
+}  // namespace quillon

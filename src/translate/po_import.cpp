@@ -1,0 +1,348 @@
+#include "translate/po_import.h"
+
+#include "core/file_io.h"
+#include "edit/free_space.h"
+#include "translate/offset_entries.h"
+#include "translate/po_file.h"
+#include "translate/rom_texts.h"
+
+#include <quillon/codec.h>
+#include <quillon/errors.h>
+#include <quillon/rom.h>
+
+#include <algorithm>
+#include <map>
+#include <unordered_map>
+
+namespace quillon {
+namespace {
+
+std::string Hex(std::uint64_t value) {
+    char buf[20];
+    std::snprintf(buf, sizeof buf, "%llX", static_cast<unsigned long long>(value));
+    return buf;
+}
+
+// Ranges the plan writes; no two may overlap.
+class Ranges {
+public:
+    bool Overlaps(std::uint64_t begin, std::uint64_t end) const {
+        auto it = ranges_.upper_bound(begin);
+        if (it != ranges_.begin() && std::prev(it)->second > begin) return true;
+        return it != ranges_.end() && it->first < end;
+    }
+    void Add(std::uint64_t begin, std::uint64_t end) { ranges_[begin] = end; }
+    void Remove(std::uint64_t begin) { ranges_.erase(begin); }
+
+private:
+    std::map<std::uint64_t, std::uint64_t> ranges_;
+};
+
+// A text saved as a special dialog has every line break as 0xFE; a normal
+// one has 0xFE only for its first line break and after an empty line (0xFB),
+// so two of them without 0xFA or 0xFB tell the form. Its translation keeps it.
+bool SavedAsSpecialDialog(std::string_view bytes) {
+    std::size_t fe = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const auto b = static_cast<unsigned char>(bytes[i]);
+        if (b == 0xFC || b == 0xFD) ++i;  // the parameter byte is no line break
+        else if (b == 0xFA || b == 0xFB) return false;
+        else if (b == 0xFE) ++fe;
+    }
+    return fe >= 2;
+}
+
+// Writes closer than this are joined into one, with the unchanged bytes
+// between them, so that a whole import is a few large writes.
+constexpr std::uint64_t kJoinGap = 256;
+
+std::vector<RomWrite> Merged(std::vector<RomWrite> sorted, std::string_view image) {
+    std::vector<RomWrite> merged;
+    for (RomWrite& w : sorted) {
+        if (!merged.empty()) {
+            RomWrite& last = merged.back();
+            const std::uint64_t end = last.offset + last.after.size();
+            if (w.offset <= end + kJoinGap) {
+                const std::string_view between = image.substr(end, w.offset - end);
+                last.before.append(between).append(w.before);
+                last.after.append(between).append(w.after);
+                continue;
+            }
+        }
+        merged.push_back(std::move(w));
+    }
+    return merged;
+}
+
+// A text that outgrew its room, waiting for its pointers and free space.
+struct Move {
+    std::size_t change;  // index into the plan's changes
+    const EntryText* text;
+    std::string bytes;   // new bytes, without terminator
+};
+
+std::string Plural(std::size_t n, std::string_view one, std::string_view many) {
+    return std::to_string(n) + " " + std::string(n == 1 ? one : many);
+}
+
+}  // namespace
+
+std::size_t ImportPlan::Count(ImportKind kind) const {
+    return static_cast<std::size_t>(
+        std::count_if(changes.begin(), changes.end(), [kind](const ImportChange& c) { return c.kind == kind; }));
+}
+
+ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
+    const PoCatalog catalog = ReadPo(request.po);
+    const std::string image = io::ReadAll(request.rom);
+    const std::string offsetText = io::ReadAll(request.offsetFile);
+    const std::vector<OffsetEntry> entries = ReadOffsetEntries(offsetText);
+    const std::string code = image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string();
+    const std::string poCode = HeaderField(catalog, kGameCodeField);
+    if (!poCode.empty() && poCode != Latin1ToUtf8(code))
+        throw PoError("The PO file was exported from the game " + poCode + ", not from this ROM (" +
+                      Latin1ToUtf8(code) + ").");
+    const std::string freeRun = FreeRun(code, 1);
+    const char freeByte = freeRun[0];
+
+    const std::vector<EntryText> texts = LoadEntryTexts(image, entries, freeByte, progress);
+    std::unordered_map<std::string, std::size_t> byContext;
+    byContext.reserve(texts.size());
+    std::vector<FreeSpace::Range> taken;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        byContext.emplace(texts[i].context, i);
+        if (texts[i].problem.empty())
+            taken.push_back({texts[i].offset, texts[i].offset + texts[i].bytes.size() + 1});
+    }
+
+    ImportPlan plan;
+    plan.writes.command = "Import Translation";
+    plan.writes.subject = request.po.filename().string();
+    plan.writes.rom = request.rom;
+    plan.writes.romSize = image.size();
+    auto refuse = [&plan](const std::string& context, std::string reason) {
+        plan.refusals.push_back({context, std::move(reason)});
+    };
+
+    Ranges written;
+    std::unordered_map<std::uint32_t, std::string> plannedAt;  // offset: the new text planned there
+    std::vector<Move> moves;
+    {
+        ProgressStage stage(progress, "Planning the import", catalog.messages.size());
+        for (std::size_t m = 0; m < catalog.messages.size(); ++m) {
+            if (m % 1024 == 0) stage.Step(m);
+            const PoMessage& message = catalog.messages[m];
+            if (message.str.empty()) {
+                ++plan.untranslated;
+                continue;
+            }
+            if (message.fuzzy) {
+                ++plan.fuzzy;
+                continue;
+            }
+            auto found = byContext.find(message.context);
+            if (found == byContext.end()) {
+                refuse(message.context, "the offset file has no entry of this name");
+                continue;
+            }
+            const EntryText& t = texts[found->second];
+            if (!t.problem.empty()) {
+                refuse(t.context, t.problem);
+                continue;
+            }
+            const std::string newText = FromPoText(message.str);
+            const std::string current = DecodeText(t.bytes, false);
+            if (auto planned = plannedAt.find(t.offset); planned != plannedAt.end()) {
+                if (planned->second == newText)
+                    ++plan.unchanged;
+                else
+                    refuse(t.context, "another entry with the same offset " + Hex(t.offset) + " gets another text");
+                continue;
+            }
+            if (newText == current) {
+                ++plan.unchanged;
+                continue;
+            }
+            Encoded encoded = EncodeForImport(newText, SavedAsSpecialDialog(t.bytes));
+            if (!encoded.refusal.empty()) {
+                refuse(t.context, encoded.refusal);
+                continue;
+            }
+            const std::size_t oldLength = t.bytes.size();
+            const std::size_t newLength = encoded.bytes.size();
+            ImportChange change{t.context, ImportKind::InPlace, t.offset, t.offset, oldLength, newLength, 0};
+            RomWrite write{t.offset, {}, {}};
+            if (newLength <= oldLength) {
+                change.kind = newLength == oldLength ? ImportKind::InPlace : ImportKind::Shorter;
+                write.before = image.substr(t.offset, oldLength + 1);
+                write.after = encoded.bytes + std::string(oldLength - newLength + 1, '\xFF');
+            } else if (newLength - oldLength <= t.room) {
+                change.kind = ImportKind::Grown;
+                write.before = image.substr(t.offset, newLength + 1);
+                write.after = encoded.bytes + '\xFF';
+            } else {
+                change.kind = ImportKind::Moved;
+                write.before = image.substr(t.offset, oldLength + 1);
+                write.after = FreeRun(code, oldLength + 1);
+            }
+            const std::uint64_t end = t.offset + write.before.size();
+            if (written.Overlaps(t.offset, end)) {
+                refuse(t.context, "it overlaps another changed text");
+                continue;
+            }
+            written.Add(t.offset, end);
+            plannedAt.emplace(t.offset, newText);
+            if (change.kind == ImportKind::Grown) taken.push_back({t.offset, end + 1});
+            if (change.kind == ImportKind::Moved) {
+                moves.push_back({plan.changes.size(), &t, std::move(encoded.bytes)});
+            }
+            plan.writes.romWrites.push_back(std::move(write));
+            plan.changes.push_back(std::move(change));
+        }
+    }
+
+    // Moves: their pointers from one pass over the image, then free space
+    // handed out once for all of them.
+    std::vector<std::uint32_t> targets;
+    for (const Move& move : moves) targets.push_back(move.text->offset);
+    const PointerIndex pointers(image, targets, progress);
+    for (const Move& move : moves)
+        for (std::uint32_t at : pointers.Of(move.text->offset)) taken.push_back({at, at + 4u});
+    const std::uint64_t firstFree = static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1);
+    FreeSpace space(image, freeByte, std::max<std::uint64_t>(firstFree, kLowestPointable),
+                    std::uint64_t{kHighestPointable} + 1, std::move(taken), progress);
+
+    std::vector<bool> dropped(plan.changes.size(), false);
+    std::unordered_map<std::uint32_t, std::uint32_t> movedTo;
+    for (const Move& move : moves) {
+        ImportChange& change = plan.changes[move.change];
+        auto drop = [&](std::string reason) {
+            written.Remove(move.text->offset);
+            dropped[move.change] = true;
+            refuse(change.context, std::move(reason));
+        };
+        if (change.offset < kLowestPointable || change.offset > kHighestPointable) {
+            drop("it needs moving, and pointers can only be rewritten for offsets from " + Hex(kLowestPointable) +
+                 " to " + Hex(kHighestPointable));
+            continue;
+        }
+        const auto found = pointers.Of(change.offset);
+        if (found.empty()) {
+            drop("it needs moving, but no pointer to it was found");
+            continue;
+        }
+        std::vector<std::uint32_t> added;
+        for (std::uint32_t at : found) {
+            if (written.Overlaps(at, at + 4u)) break;
+            written.Add(at, at + 4u);
+            added.push_back(at);
+        }
+        if (added.size() != found.size()) {
+            for (std::uint32_t at : added) written.Remove(at);
+            drop("a pointer to it overlaps another change");
+            continue;
+        }
+        const auto target = space.Allocate(move.bytes.size() + 1);
+        if (!target) {
+            for (std::uint32_t at : added) written.Remove(at);
+            drop("it needs moving, but no free space is left for it");
+            continue;
+        }
+        change.newOffset = *target;
+        change.pointers = found.size();
+        plan.freeUsed += move.bytes.size() + 1;
+        movedTo[change.offset] = *target;
+        const std::string oldPointer = PointerBytes(change.offset);
+        const std::string newPointer = PointerBytes(*target);
+        for (std::uint32_t at : found) plan.writes.romWrites.push_back({at, oldPointer, newPointer});
+        plan.writes.romWrites.push_back({*target, image.substr(*target, move.bytes.size() + 1), move.bytes + '\xFF'});
+    }
+    plan.freeLeft = space.Left();
+
+    // Refused moves leave their text as it was.
+    if (std::find(dropped.begin(), dropped.end(), true) != dropped.end()) {
+        std::vector<ImportChange> kept;
+        std::vector<RomWrite> keptWrites;
+        std::unordered_map<std::uint32_t, bool> droppedAt;
+        for (std::size_t i = 0; i < plan.changes.size(); ++i)
+            if (dropped[i]) droppedAt[plan.changes[i].offset] = true;
+        for (std::size_t i = 0; i < plan.changes.size(); ++i)
+            if (!dropped[i]) kept.push_back(std::move(plan.changes[i]));
+        for (auto& w : plan.writes.romWrites)
+            if (!droppedAt.count(static_cast<std::uint32_t>(w.offset))) keptWrites.push_back(std::move(w));
+        plan.changes = std::move(kept);
+        plan.writes.romWrites = std::move(keptWrites);
+    }
+    std::sort(plan.writes.romWrites.begin(), plan.writes.romWrites.end(),
+              [](const RomWrite& a, const RomWrite& b) { return a.offset < b.offset; });
+    plan.writes.romWrites = Merged(std::move(plan.writes.romWrites), image);
+
+    // Every entry naming a moved text follows it.
+    if (!movedTo.empty()) {
+        std::vector<std::pair<const OffsetEntry*, std::string>> values;
+        for (const EntryText& t : texts) {
+            if (!t.problem.empty()) continue;
+            if (auto to = movedTo.find(t.offset); to != movedTo.end()) values.emplace_back(t.entry, Hex(to->second));
+        }
+        plan.writes.offsetFile = request.offsetFile;
+        plan.writes.offsetBefore = offsetText;
+        plan.writes.offsetAfter = WithValues(offsetText, std::move(values));
+    }
+    return plan;
+}
+
+std::string DescribePlan(const ImportPlan& plan) {
+    const std::size_t moved = plan.Count(ImportKind::Moved);
+    std::size_t pointers = 0;
+    for (const auto& c : plan.changes) pointers += c.pointers;
+    std::string out;
+    out += Plural(plan.changes.size(), "text changes", "texts change") + ":\n";
+    out += "  " + std::to_string(plan.Count(ImportKind::InPlace)) + " in place\n";
+    out += "  " + std::to_string(plan.Count(ImportKind::Shorter)) + " shorter, padded with FF\n";
+    out += "  " + std::to_string(plan.Count(ImportKind::Grown)) + " grown into free bytes behind them\n";
+    out += "  " + std::to_string(moved) + " moved to free space (" + Plural(pointers, "pointer", "pointers") +
+           " rewritten)\n";
+    out += Plural(plan.unchanged, "text is", "texts are") + " unchanged, " + std::to_string(plan.untranslated) +
+           " untranslated, " + std::to_string(plan.fuzzy) + " fuzzy (left out).\n";
+    out += "Free space: " + std::to_string(plan.freeUsed) + " bytes used, " + std::to_string(plan.freeLeft) +
+           " bytes left.\n";
+    if (plan.refusals.empty()) {
+        out += "Refused: none.\n";
+    } else {
+        out += "Refused (" + std::to_string(plan.refusals.size()) + "):\n";
+        for (const auto& r : plan.refusals) out += "  " + r.context + ": " + r.reason + "\n";
+    }
+    return out;
+}
+
+CommitResult ApplyImport(const ImportPlan& plan) {
+    if (plan.WritesNothing()) return {};
+    try {
+        return CommitPlan(plan.writes);
+    } catch (const FileError& e) {
+        // The journal could not be made (nothing written) or not removed
+        // (it puts the old state back when the ROM is opened again).
+        std::error_code ec;
+        const bool kept = std::filesystem::exists(JournalPath(plan.writes.rom), ec);
+        return {kept ? CommitOutcome::JournalKept : CommitOutcome::RolledBack, e.what()};
+    }
+}
+
+std::string DescribeOutcome(const ImportPlan& plan, const CommitResult& result) {
+    std::string out = DescribePlan(plan);
+    if (plan.WritesNothing()) return out + "Nothing was written: no text changed.\n";
+    switch (result.outcome) {
+        case CommitOutcome::Written:
+            out += "Written: " + Plural(plan.changes.size(), "text", "texts") + " saved";
+            if (plan.writes.offsetFile) out += ", the offset file updated for the moved ones";
+            return out + ".\n";
+        case CommitOutcome::RolledBack:
+            return out + "Nothing was written: " + result.error + "\nThe ROM and the offset file were left as they were.\n";
+        case CommitOutcome::JournalKept:
+            return out + "The import was cut off: " + result.error +
+                   "\nThe ROM and the offset file will be put back as they were when the ROM is opened again.\n";
+    }
+    return out;
+}
+
+}  // namespace quillon

@@ -1,0 +1,280 @@
+#include "translate/rom_texts.h"
+
+#include "core/codec/tables.h"
+#include "edit/text_view.h"
+#include "edit/write_plan.h"
+
+#include <quillon/codec.h>
+#include <quillon/rom.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+
+namespace quillon {
+namespace {
+
+std::string Hex(std::uint64_t value) {
+    char buf[20];
+    auto [end, ec] = std::to_chars(buf, buf + sizeof buf, value, 16);
+    std::string out(buf, end);
+    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return std::toupper(c); });
+    return out;
+}
+
+// Tags the encoder knows, longest first.
+const std::vector<std::string>& Vocabulary() {
+    static const std::vector<std::string> tags = [] {
+        std::vector<std::string> v = {"[.]", "[\"]", "[']"};
+        for (std::string_view entry : codec::EuropeanTable())
+            if (entry.size() > 2 && entry.front() == '[' && entry.back() == ']') v.emplace_back(entry);
+        for (const auto& rule : codec::EncodeRewrites()) v.emplace_back(rule.from);
+        std::sort(v.begin(), v.end(), [](const auto& a, const auto& b) { return a.size() > b.size(); });
+        v.erase(std::unique(v.begin(), v.end()), v.end());
+        return v;
+    }();
+    return tags;
+}
+
+bool IsHexDigit(char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; }
+
+// Length of the known tag at text[i], or 0.
+std::size_t KnownTagAt(std::string_view text, std::size_t i) {
+    const std::string_view rest = text.substr(i);
+    if (rest.size() >= 6 && rest.starts_with("[&H") && IsHexDigit(rest[3]) && IsHexDigit(rest[4]) && rest[5] == ']')
+        return 6;
+    for (const auto& tag : Vocabulary())
+        if (rest.starts_with(tag)) return tag.size();
+    return 0;
+}
+
+// The code point at text[i] and its length; 0x110000 for a byte that does
+// not begin a well-formed sequence.
+std::pair<char32_t, std::size_t> CodePointAt(std::string_view s, std::size_t i) {
+    const auto lead = static_cast<unsigned char>(s[i]);
+    if (lead < 0x80) return {lead, 1};
+    const std::size_t length = (lead & 0xE0) == 0xC0 ? 2 : (lead & 0xF0) == 0xE0 ? 3 : (lead & 0xF8) == 0xF0 ? 4 : 0;
+    if (length == 0 || s.size() - i < length) return {0x110000, 1};
+    char32_t value = lead & (0x7F >> length);
+    for (std::size_t k = 1; k < length; ++k) {
+        const auto next = static_cast<unsigned char>(s[i + k]);
+        if ((next & 0xC0) != 0x80) return {0x110000, 1};
+        value = value << 6 | (next & 0x3Fu);
+    }
+    return {value, length};
+}
+
+std::string CharName(char32_t c, std::string_view utf8) {
+    char buf[16];
+    std::snprintf(buf, sizeof buf, "U+%04X", static_cast<unsigned>(c));
+    return "'" + std::string(utf8) + "' (" + buf + ")";
+}
+
+// Why the text holds something the encoding cannot write, or "".
+std::string Unwritable(std::string_view text) {
+    for (std::size_t i = 0; i < text.size();) {
+        const char c = text[i];
+        if (c == '[') {
+            if (const std::size_t tag = KnownTagAt(text, i)) {
+                i += tag;
+                continue;
+            }
+            const std::size_t close = text.find_first_of("[]\r", i + 1);
+            if (close != std::string_view::npos && text[close] == ']' && close - i <= 16)
+                return "the tag " + std::string(text.substr(i, close - i + 1)) + " is not known";
+        }
+        if (c == '\\' && i + 1 < text.size() && (text[i + 1] == 'c' || text[i + 1] == 'v')) {
+            i += 2;
+            continue;
+        }
+        if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
+            i += 2;
+            continue;
+        }
+        const auto [cp, length] = CodePointAt(text, i);
+        if (cp > 0x10FFFF) return "it holds a byte that is not UTF-8";
+        if (cp != U' ' && codec::EncodeChar(cp) == 0x00)
+            return "the character " + CharName(cp, text.substr(i, length)) +
+                   " is not in the game's table and would become a space (0x00)";
+        i += length;
+    }
+    return {};
+}
+
+}  // namespace
+
+std::vector<EntryText> LoadEntryTexts(std::string_view image, const std::vector<OffsetEntry>& entries,
+                                      char freeByte, Progress& progress) {
+    ProgressStage stage(progress, "Reading the texts", entries.size());
+    std::vector<EntryText> texts(entries.size());
+    std::vector<std::uint32_t> starts;
+    starts.reserve(entries.size());
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        EntryText& t = texts[i];
+        const OffsetEntry& e = entries[i];
+        t.entry = &e;
+        t.context = EntryContext(e);
+        std::uint64_t offset = 0;
+        auto [end, ec] = std::from_chars(e.value.data(), e.value.data() + e.value.size(), offset, 16);
+        if (e.value.empty() || e.value.size() > 8 || ec != std::errc() || end != e.value.data() + e.value.size()) {
+            t.problem = "its offset '" + Latin1ToUtf8(e.value) + "' is not a hexadecimal number";
+        } else if (offset < kFirstWritableOffset) {
+            t.problem = "its offset " + Hex(offset) + " lies in the cartridge header";
+        } else if (offset >= image.size()) {
+            t.problem = "its offset " + Hex(offset) + " lies past the end of the ROM";
+        } else {
+            t.offset = static_cast<std::uint32_t>(offset);
+            starts.push_back(t.offset);
+        }
+    }
+    std::sort(starts.begin(), starts.end());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (i % 1024 == 0) stage.Step(i);
+        EntryText& t = texts[i];
+        if (!t.problem.empty()) continue;
+        const std::size_t reach = std::min<std::size_t>(image.size() - t.offset, kMaxTextBytes + 1);
+        const void* end = std::memchr(image.data() + t.offset, 0xFF, reach);
+        if (!end) {
+            t.problem = "no end of text (FF) follows within " + std::to_string(kMaxTextBytes) + " bytes";
+            continue;
+        }
+        const std::size_t length = static_cast<const char*>(end) - (image.data() + t.offset);
+        t.bytes.assign(image.substr(t.offset, length));
+        const auto next = std::upper_bound(starts.begin(), starts.end(), t.offset);
+        const std::size_t limit = next == starts.end() ? image.size() : *next;
+        std::size_t free = 0;
+        for (std::size_t at = t.offset + length + 1; at < limit && image[at] == freeByte && free <= kMaxTextBytes;
+             ++at)
+            ++free;
+        t.room = free > 0 ? free - 1 : 0;
+    }
+    return texts;
+}
+
+std::string ToPoText(std::string_view editorText) {
+    std::string out;
+    out.reserve(editorText.size());
+    for (std::size_t i = 0; i < editorText.size(); ++i)
+        if (!(editorText[i] == '\r' && i + 1 < editorText.size() && editorText[i + 1] == '\n')) out += editorText[i];
+    return out;
+}
+
+std::string FromPoText(std::string_view poText) {
+    std::string out;
+    out.reserve(poText.size() + poText.size() / 16);
+    for (std::size_t i = 0; i < poText.size(); ++i) {
+        if (poText[i] == '\n' && (i == 0 || poText[i - 1] != '\r')) out += '\r';
+        out += poText[i];
+    }
+    return out;
+}
+
+Encoded EncodeForImport(std::string_view editorText, bool specialDialog) {
+    if (std::string why = Unwritable(editorText); !why.empty()) return {{}, why};
+    std::string bytes = HexToBytes(EncodeText(editorText, specialDialog));
+    if (bytes.find('\xFF') != std::string::npos) return {{}, "it holds an end-of-text byte (FF) inside"};
+    if (DecodeText(bytes, false) != editorText)
+        return {{}, "its bytes would not read back as written (the game's table cannot reproduce it)"};
+    return {std::move(bytes), {}};
+}
+
+std::string PointerBytes(std::uint32_t offset) {
+    const std::uint32_t v = 0x08000000u + offset;
+    const char p[4] = {static_cast<char>(v & 0xFF), static_cast<char>((v >> 8) & 0xFF),
+                       static_cast<char>((v >> 16) & 0xFF), static_cast<char>(v >> 24)};
+    return {p, 4};
+}
+
+PointerIndex::PointerIndex(std::string_view image, std::span<const std::uint32_t> targets, Progress& progress) {
+    std::vector<std::uint64_t> wanted((kHighestPointable + 1) / 64, 0);
+    for (std::uint32_t t : targets)
+        if (t <= kHighestPointable) wanted[t / 64] |= std::uint64_t{1} << (t % 64);
+    if (image.size() < 5 || targets.empty()) return;
+
+    ProgressStage stage(progress, "Finding the pointers", image.size());
+    // The pointer's last byte is 0x08; a pointer at position 0 counts as none.
+    const auto* data = reinterpret_cast<const unsigned char*>(image.data());
+    const unsigned char* p = data + 4;
+    const unsigned char* const stop = data + image.size();
+    std::size_t nextStep = std::size_t{1} << 20;
+    while (p < stop) {
+        p = static_cast<const unsigned char*>(std::memchr(p, 0x08, static_cast<std::size_t>(stop - p)));
+        if (!p) break;
+        const std::uint32_t target = p[-3] | p[-2] << 8 | p[-1] << 16;
+        if (wanted[target / 64] >> (target % 64) & 1)
+            positions_[target].push_back(static_cast<std::uint32_t>(p - 3 - data));
+        if (static_cast<std::size_t>(p - data) >= nextStep) {
+            stage.Step(static_cast<std::size_t>(p - data));
+            nextStep += std::size_t{1} << 20;
+        }
+        ++p;
+    }
+}
+
+std::span<const std::uint32_t> PointerIndex::Of(std::uint32_t target) const {
+    auto it = positions_.find(target);
+    if (it == positions_.end()) return {};
+    return it->second;
+}
+
+FreeSpace::FreeSpace(std::string_view image, char freeByte, std::uint64_t begin, std::uint64_t end,
+                     std::vector<Range> taken, Progress& progress) {
+    end = std::min<std::uint64_t>(end, image.size());
+    std::sort(taken.begin(), taken.end(), [](const Range& a, const Range& b) { return a.begin < b.begin; });
+    ProgressStage stage(progress, "Looking for free space", end > begin ? end - begin : 0);
+    std::size_t next = 0;  // first taken range that may still meet a run
+    auto addRun = [&](std::uint64_t from, std::uint64_t to) {
+        while (next < taken.size() && taken[next].end <= from) ++next;
+        for (std::size_t k = next; k < taken.size() && taken[k].begin < to && from < to; ++k) {
+            if (taken[k].end <= from) continue;
+            if (taken[k].begin > from && taken[k].begin - from >= 3) runs_.push_back({from, taken[k].begin});
+            from = std::max(from, taken[k].end);
+        }
+        if (from < to && to - from >= 3) runs_.push_back({from, to});
+    };
+    const char* data = image.data();
+    std::uint64_t at = begin;
+    std::uint64_t nextStep = begin + (std::uint64_t{1} << 20);
+    while (at < end) {
+        const void* hit = std::memchr(data + at, static_cast<unsigned char>(freeByte), end - at);
+        if (!hit) break;
+        std::uint64_t from = static_cast<const char*>(hit) - data;
+        std::uint64_t to = from;
+        while (to < end && data[to] == freeByte) ++to;
+        if (to - from >= 3) addRun(from, to);
+        at = to;
+        if (at >= nextStep) {
+            stage.Step(at - begin);
+            nextStep = at + (std::uint64_t{1} << 20);
+        }
+    }
+    while (leaves_ < runs_.size()) leaves_ *= 2;
+    longest_.assign(2 * leaves_, 0);
+    for (std::size_t r = 0; r < runs_.size(); ++r) {
+        longest_[leaves_ + r] = runs_[r].end - runs_[r].begin;
+        left_ += runs_[r].end - runs_[r].begin;
+    }
+    for (std::size_t n = leaves_ - 1; n >= 1; --n) longest_[n] = std::max(longest_[2 * n], longest_[2 * n + 1]);
+}
+
+void FreeSpace::Update(std::size_t run) {
+    std::size_t n = leaves_ + run;
+    longest_[n] = runs_[run].end - runs_[run].begin;
+    for (n /= 2; n >= 1; n /= 2) longest_[n] = std::max(longest_[2 * n], longest_[2 * n + 1]);
+}
+
+std::optional<std::uint32_t> FreeSpace::Allocate(std::size_t length) {
+    // A free byte before the text, the text with its terminator, a free byte behind.
+    const std::uint64_t need = length + 2;
+    if (runs_.empty() || longest_[1] < need) return std::nullopt;
+    std::size_t n = 1;
+    while (n < leaves_) n = longest_[2 * n] >= need ? 2 * n : 2 * n + 1;
+    const std::size_t run = n - leaves_;
+    const std::uint64_t offset = runs_[run].begin + 1;
+    runs_[run].begin += length + 1;  // the byte behind becomes the next text's byte before
+    left_ -= length + 1;
+    Update(run);
+    return static_cast<std::uint32_t>(offset);
+}
+
+}  // namespace quillon

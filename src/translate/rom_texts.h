@@ -1,0 +1,89 @@
+#pragma once
+// The texts of an offset file's entries in an image held in memory: where
+// each stands, how long it is, how far it may grow in place, the pointers to
+// it, and what a translated text turns into.
+#include "app/progress.h"
+#include "translate/offset_entries.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quillon {
+
+// Pointers reach offsets from here up to kHighestPointable (as a save repoints).
+inline constexpr std::uint32_t kLowestPointable = 0x100000;
+inline constexpr std::uint32_t kHighestPointable = 0xFFFFFF;
+
+struct EntryText {
+    const OffsetEntry* entry = nullptr;
+    std::string context;          // "Section/Key" in UTF-8
+    std::uint32_t offset = 0;
+    std::string problem;          // why the text cannot be used; empty when it can
+    std::string bytes;            // the text without its 0xFF terminator
+    std::size_t room = 0;         // bytes it may grow in place
+    bool specialDialog = false;   // its line breaks are all 0xFE
+};
+
+// Reads every entry's text. Room counts the free-space bytes behind the
+// terminator, less one that stays free, and ends before the next entry's text.
+std::vector<EntryText> LoadEntryTexts(std::string_view image, const std::vector<OffsetEntry>& entries,
+                                      char freeByte, Progress& progress);
+
+// Editor text (CR LF line breaks) and PO text (LF line breaks).
+std::string ToPoText(std::string_view editorText);
+std::string FromPoText(std::string_view poText);
+
+// The bytes of a new text (without terminator), or the reason it cannot be
+// written: a tag not in the vocabulary, a character the encoding turns into
+// 0x00, or bytes that would not read back as the text.
+struct Encoded {
+    std::string bytes;
+    std::string refusal;
+};
+Encoded EncodeForImport(std::string_view editorText, bool specialDialog);
+
+// Every position (from 1 on) where the four bytes of a pointer to one of
+// `targets` stand, found in one pass over the image.
+class PointerIndex {
+public:
+    PointerIndex(std::string_view image, std::span<const std::uint32_t> targets, Progress& progress);
+    std::span<const std::uint32_t> Of(std::uint32_t target) const;
+
+private:
+    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> positions_;
+};
+
+// The four bytes of a pointer to `offset`.
+std::string PointerBytes(std::uint32_t offset);
+
+// Free space for moved texts: the runs of the free-space byte between `begin`
+// and `end` (0-based) outside the `taken` ranges. Each text is placed in the
+// first run that has a free byte before it, room for it and its terminator,
+// and a free byte behind it that stays free.
+class FreeSpace {
+public:
+    struct Range {
+        std::uint64_t begin;
+        std::uint64_t end;
+    };
+    FreeSpace(std::string_view image, char freeByte, std::uint64_t begin, std::uint64_t end,
+              std::vector<Range> taken, Progress& progress);
+    // The offset for `length` bytes (terminator included), or nothing.
+    std::optional<std::uint32_t> Allocate(std::size_t length);
+    // Free bytes not handed out.
+    std::uint64_t Left() const { return left_; }
+
+private:
+    void Update(std::size_t run);
+    std::vector<Range> runs_;
+    std::vector<std::uint64_t> longest_;  // segment tree of run lengths
+    std::size_t leaves_ = 1;
+    std::uint64_t left_ = 0;
+};
+
+}  // namespace quillon

@@ -1,0 +1,91 @@
+// Export of an offset file's texts to a PO file.
+#include "translate/po_export.h"
+#include "translate/po_file.h"
+#include "support/progress_recorder.h"
+#include "support/workspace.h"
+
+#include <quillon/codec.h>
+
+#include <gtest/gtest.h>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+class Export : public ::testing::Test {
+protected:
+    void SetUp() override {
+        StoryRom()
+            .Put(0x100000, Bytes(EncodeText("Hello\r\nthere [PLAYER]", false)) + "\xFF\xFF\xFF\xFF")
+            .Pointer(0x50000, 0x100000)
+            .Pointer(0x60002, 0x100000)
+            .Put(0x100020, Bytes(EncodeText("Bye", false)) + "\xFF")
+            .Put(0x100030, "\xFF")
+            .Save(w.Rom());
+        w.WriteOffsetFile(
+            "[Town]\r\nMom=100000\r\nCaf\xE9=100020\r\n"
+            "[Bad]\r\nHeader=10\r\nPast=400000\r\nNonsense=XYZ\r\nEmpty=100030\r\n");
+    }
+    PoCatalog Run(std::optional<std::string> section = {}, bool fill = false) {
+        ExportRequest request;
+        request.section = std::move(section);
+        request.fillTranslations = fill;
+        request.rom = w.Rom();
+        request.offsetFile = w.OffsetFile();
+        request.po = w.dir / "out.po";
+        summary = ExportPo(request, progress);
+        return ReadPo(request.po);
+    }
+    Workspace w;
+    ProgressRecorder progress;
+    ExportSummary summary;
+};
+
+TEST_F(Export, OneMessagePerEntryWithWhatATranslatorNeeds) {
+    const PoCatalog po = Run();
+    ASSERT_EQ(po.messages.size(), 2u);
+    struct Expected {
+        const char* context;
+        const char* id;
+        const char* comments;
+    };
+    const Expected expected[] = {
+        {"Town/Mom", "Hello\nthere [PLAYER]", "Offset: 100000\nBytes: 14\nRoom before a repoint: 2 bytes\nPointers: 2"},
+        {"Town/Caf\xC3\xA9", "Bye", "Offset: 100020\nBytes: 3\nRoom before a repoint: 0 bytes\nPointers: 0"},
+    };
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(po.messages[i].context, expected[i].context);
+        EXPECT_EQ(po.messages[i].id, expected[i].id);
+        EXPECT_EQ(po.messages[i].str, "");
+        EXPECT_EQ(po.messages[i].comments, std::string(expected[i].comments) + "\n") << i;
+    }
+    EXPECT_EQ(HeaderField(po, kGameCodeField), "QLNE");
+    EXPECT_EQ(HeaderField(po, kGameTitleField), "QUILLONTEST");
+    EXPECT_EQ(progress.open, 0);
+}
+
+TEST_F(Export, EntriesWhoseTextCannotBeReadAreListedWithTheReason) {
+    Run();
+    const std::vector<std::pair<std::string, std::string>> expected = {
+        {"Bad/Header", "its offset 10 lies in the cartridge header"},
+        {"Bad/Past", "its offset 400000 lies past the end of the ROM"},
+        {"Bad/Nonsense", "its offset 'XYZ' is not a hexadecimal number"},
+        {"Bad/Empty", "its text is empty"},
+    };
+    ASSERT_EQ(summary.skipped.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(summary.skipped[i].context, expected[i].first);
+        EXPECT_EQ(summary.skipped[i].reason, expected[i].second);
+    }
+}
+
+TEST_F(Export, OneSectionAndTheCurrentTextsAsTranslations) {
+    const PoCatalog po = Run("Town", true);
+    ASSERT_EQ(po.messages.size(), 2u);
+    EXPECT_EQ(po.messages[0].str, po.messages[0].id);
+    EXPECT_TRUE(summary.skipped.empty());
+    EXPECT_THROW(Run("Nowhere"), std::invalid_argument);
+}
+
+}  // namespace

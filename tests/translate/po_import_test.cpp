@@ -1,0 +1,256 @@
+// Import of a translated PO file: what is planned, what is refused, what
+// lands in the ROM and the offset file, and what a cut-off write leaves.
+#include "core/file_io.h"
+#include "translate/offset_entries.h"
+#include "translate/po_file.h"
+#include "translate/po_import.h"
+#include "translate/rom_texts.h"
+#include "support/progress_recorder.h"
+#include "support/translation_game.h"
+#include "support/workspace.h"
+
+#include <quillon/codec.h>
+#include <quillon/rom.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+// A folder with a ROM, its offset file and a PO file.
+struct Stage {
+    TempDir dir;
+    std::filesystem::path rom = dir / "game.gba";
+    std::filesystem::path offsets = dir / "QLNE.ini";
+    std::filesystem::path po = dir / "texts.po";
+
+    ImportPlan Plan(std::int32_t freeSpaceOffset, Progress& progress) const {
+        return PlanImport({rom, offsets, po, freeSpaceOffset}, progress);
+    }
+    ImportPlan Plan(std::int32_t freeSpaceOffset = 0x200000) const {
+        NoProgress none;
+        return Plan(freeSpaceOffset, none);
+    }
+    void WriteTranslations(const std::vector<PoMessage>& messages) const {
+        PoCatalog catalog;
+        catalog.header = {{"Content-Type", "text/plain; charset=UTF-8"}, {"X-Game-Code", "QLNE"}};
+        catalog.messages = messages;
+        WritePo(po, catalog);
+    }
+};
+
+PoMessage Translated(std::string context, std::string str) { return {std::move(context), "-", std::move(str), {}, false}; }
+
+// Every text of the offset file as the export reads it, by context.
+std::map<std::string, std::string> TextsNow(const Stage& s) {
+    ExportRequest request{s.rom, s.offsets, s.dir / "again.po", {}, false};
+    NoProgress none;
+    ExportPo(request, none);
+    std::map<std::string, std::string> texts;
+    for (const auto& m : ReadPo(request.po).messages) texts[m.context] = m.id;
+    return texts;
+}
+
+TEST(Import, RoundTripOfAWholeGame) {
+    Stage s;
+    const GeneratedGame game = MakeGame(16u << 20, 2000, 7);
+    WriteFile(s.rom, game.image);
+    WriteFile(s.offsets, game.offsetFile);
+    NoProgress none;
+    ExportPo({s.rom, s.offsets, s.po, {}, true}, none);
+
+    // Every msgstr equal to its msgid: nothing to write.
+    ImportPlan same = s.Plan(game.freeFrom);
+    EXPECT_TRUE(same.WritesNothing());
+    EXPECT_EQ(same.unchanged, game.texts.size());
+    EXPECT_EQ(ApplyImport(same).outcome, CommitOutcome::Written);
+    EXPECT_TRUE(ReadFile(s.rom) == game.image);
+    EXPECT_EQ(ReadFile(s.offsets), game.offsetFile);
+
+    // Every text changed, one in ten longer than its room.
+    std::vector<PoMessage> messages;
+    std::map<std::string, std::string> wanted;
+    for (std::size_t i = 0; i < game.texts.size(); ++i) {
+        const GameText& t = game.texts[i];
+        const std::size_t length = i % 10 == 0 ? t.length + t.room + 1 + i % 7 : 1 + (i * 31) % (t.length + t.room);
+        const std::string text = TextOfLength(length, static_cast<std::uint32_t>(i + 1000));
+        messages.push_back(Translated(t.section + "/" + t.key, ToPoText(text)));
+        wanted[messages.back().context] = messages.back().str;
+    }
+    s.WriteTranslations(messages);
+    const ImportPlan plan = s.Plan(game.freeFrom);
+    EXPECT_EQ(plan.changes.size(), game.texts.size());
+    EXPECT_EQ(plan.Count(ImportKind::Moved), game.texts.size() / 10);
+    EXPECT_TRUE(plan.refusals.empty()) << DescribePlan(plan);
+    ASSERT_EQ(ApplyImport(plan).outcome, CommitOutcome::Written);
+
+    EXPECT_TRUE(TextsNow(s) == wanted);
+    std::string expected = game.image;
+    for (const RomWrite& w : plan.writes.romWrites) expected.replace(w.offset, w.after.size(), w.after);
+    const std::string image = ReadFile(s.rom);
+    EXPECT_TRUE(image == expected) << "bytes outside the planned ranges changed";
+    for (const ImportChange& c : plan.changes) {
+        if (c.kind != ImportKind::Moved) continue;
+        const GameText& t = *std::find_if(game.texts.begin(), game.texts.end(), [&](const GameText& g) {
+            return g.section + "/" + g.key == c.context;
+        });
+        for (std::uint32_t p : t.pointers) EXPECT_EQ(image.substr(p, 4), PointerBytes(c.newOffset)) << c.context;
+        EXPECT_EQ(image[c.newOffset + c.newLength + 1], '\xFF') << "the byte behind " << c.context << " stays free";
+    }
+}
+
+// One entry per kind of change on a small image, free space from 0x200000.
+class ImportKinds : public ::testing::Test {
+protected:
+    void SetUp() override {
+        StoryRom()
+            .Put(0x100000, Bytes(EncodeText("Hello", false)) + "\xFF")                          // in place
+            .Put(0x100010, Bytes(EncodeText("Goodbye", false)) + "\xFF")                        // shorter
+            .Put(0x100020, Bytes(EncodeText("Hi", false)) + "\xFF\xFF\xFF\xFF\xFF")             // grown
+            .Put(0x100030, Bytes(EncodeText("One\r\nTwo\r\nThree", true)) + "\xFF")             // moved, special
+            .Put(0x100050, Bytes(EncodeText("Yo", false)) + "\xFF")                             // moved
+            .Pointer(0x50000, 0x100030).Pointer(0x60001, 0x100030).Pointer(0x50010, 0x100050)
+            .Save(s.rom);
+        WriteFile(s.offsets,
+                  "[A]\r\nSame=100000\r\nShort=100010\r\nGrow=100020\r\nMove=100030\r\nAlso=100030\r\n"
+                  "Yo=100050\r\n");
+        s.WriteTranslations({Translated("A/Same", "Jello"), Translated("A/Short", "Bye"),
+                             Translated("A/Grow", "Hiya"), Translated("A/Move", "Uno\nDos\nTres y mas"),
+                             Translated("A/Yo", "Yo yo yo")});
+    }
+    Stage s;
+};
+
+TEST_F(ImportKinds, EachKindWritesWhatASaveWouldWrite) {
+    const std::string before = ReadFile(s.rom);
+    const ImportPlan plan = s.Plan();
+    ASSERT_TRUE(plan.refusals.empty()) << DescribePlan(plan);
+    EXPECT_EQ(plan.Count(ImportKind::InPlace), 1u);
+    EXPECT_EQ(plan.Count(ImportKind::Shorter), 1u);
+    EXPECT_EQ(plan.Count(ImportKind::Grown), 1u);
+    EXPECT_EQ(plan.Count(ImportKind::Moved), 2u);
+    ASSERT_EQ(ApplyImport(plan).outcome, CommitOutcome::Written);
+
+    const std::string rom = ReadFile(s.rom);
+    const std::string moved = Bytes(EncodeText("Uno\r\nDos\r\nTres y mas", true)) + "\xFF";
+    const std::string yo = Bytes(EncodeText("Yo yo yo", false)) + "\xFF";
+    // Free space: a free byte before the first moved text and one behind each.
+    const std::size_t first = 0x200001, second = first + moved.size() + 1;
+    struct Check {
+        std::size_t at;
+        std::string bytes;
+    };
+    const Check checks[] = {
+        {0x100000, Bytes(EncodeText("Jello", false)) + "\xFF"},
+        {0x100010, Bytes(EncodeText("Bye", false)) + std::string(5, '\xFF')},
+        {0x100020, Bytes(EncodeText("Hiya", false)) + "\xFF\xFF\xFF"},
+        {0x100030, std::string(14, '\xFF')},  // the old text cleared
+        {first - 1, "\xFF" + moved + "\xFF" + yo + "\xFF"},
+        {0x50000, PointerBytes(first)},
+        {0x60001, PointerBytes(first)},
+        {0x50010, PointerBytes(second)},
+    };
+    for (const auto& c : checks) EXPECT_EQ(rom.substr(c.at, c.bytes.size()), c.bytes) << std::hex << c.at;
+    EXPECT_EQ(plan.freeUsed, moved.size() + yo.size());
+    char secondHex[16];
+    std::snprintf(secondHex, sizeof secondHex, "%zX", second);
+    EXPECT_EQ(ReadFile(s.offsets), "[A]\r\nSame=100000\r\nShort=100010\r\nGrow=100020\r\nMove=200001\r\n"
+                                   "Also=200001\r\nYo=" + std::string(secondHex) + "\r\n");
+    EXPECT_NE(before, rom);
+}
+
+TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
+    WriteFile(s.offsets,
+              "[A]\r\nSame=100000\r\nShort=100010\r\nMove=100030\r\nYo=100050\r\nLow=F0000\r\n"
+              "Head=20\r\nPast=900000\r\n");
+    std::string rom = ReadFile(s.rom);
+    rom.replace(0xF0000, 4, Bytes(EncodeText("Low", false)) + "\xFF");
+    WriteFile(s.rom, rom);
+    s.WriteTranslations({
+        Translated("A/Same", "Price: 5\xE2\x82\xAC"),       // the euro sign has no byte
+        Translated("A/Short", "Hey [FOO]"),                // no such tag
+        Translated("A/Yo", "Y[&H01]"),                     // reads back as "YÀ"
+        Translated("A/Move", "A text far longer than the old one, with no pointer left"),
+        Translated("A/Low", "A longer text that must move"),
+        Translated("A/Head", "x"),
+        Translated("A/Past", "x"),
+        Translated("A/Nobody", "x"),
+        {"A/Fuzzy", "-", "fuzzy text", {}, true},
+        Translated("A/Empty", ""),
+    });
+    std::string withoutPointers = ReadFile(s.rom);
+    withoutPointers.replace(0x50000, 4, "\x01\x01\x01\x01");
+    withoutPointers.replace(0x60001, 4, "\x01\x01\x01\x01");
+    WriteFile(s.rom, withoutPointers);
+
+    const ImportPlan plan = s.Plan();
+    const std::map<std::string, std::string> expected = {
+        {"A/Same", "the character '\xE2\x82\xAC' (U+20AC) is not in the game's table"},
+        {"A/Short", "the tag [FOO] is not known"},
+        {"A/Yo", "would not read back as written"},
+        {"A/Move", "no pointer to it was found"},
+        {"A/Low", "pointers can only be rewritten for offsets from 100000"},
+        {"A/Head", "lies in the cartridge header"},
+        {"A/Past", "lies past the end of the ROM"},
+        {"A/Nobody", "the offset file has no entry of this name"},
+    };
+    ASSERT_EQ(plan.refusals.size(), expected.size()) << DescribePlan(plan);
+    for (const auto& r : plan.refusals)
+        EXPECT_NE(r.reason.find(expected.at(r.context)), std::string::npos) << r.context << ": " << r.reason;
+    EXPECT_EQ(plan.fuzzy, 1u);
+    EXPECT_EQ(plan.untranslated, 1u);
+    EXPECT_TRUE(plan.WritesNothing());
+
+    // With pointers but no free space behind the free-space offset.
+    WriteFile(s.rom, rom);
+    const ImportPlan full = s.Plan(0x2FFFF0);
+    ASSERT_EQ(full.Count(ImportKind::Moved), 0u);
+    EXPECT_NE(DescribePlan(full).find("A/Move: it needs moving, but no free space is left for it"), std::string::npos);
+}
+
+TEST_F(ImportKinds, ACutAtAnyWriteLeavesTheFilesAsBeforeOrAsAfter) {
+    const std::string romBefore = ReadFile(s.rom), offsetsBefore = ReadFile(s.offsets);
+    ASSERT_EQ(ApplyImport(s.Plan()).outcome, CommitOutcome::Written);
+    const std::string romAfter = ReadFile(s.rom), offsetsAfter = ReadFile(s.offsets);
+
+    int cutOffs = 0;
+    for (int writes = 0; writes < 40; ++writes) {
+        WriteFile(s.rom, romBefore);
+        WriteFile(s.offsets, offsetsBefore);
+        const ImportPlan plan = s.Plan();
+        {
+            io::ScopedWriteHook hook(io::StopAfterWrites(writes));
+            if (ApplyImport(plan).outcome != CommitOutcome::Written) ++cutOffs;
+        }
+        RecoverPending(s.rom);
+        const std::string rom = ReadFile(s.rom), offsets = ReadFile(s.offsets);
+        EXPECT_TRUE((rom == romBefore && offsets == offsetsBefore) || (rom == romAfter && offsets == offsetsAfter))
+            << "cut after write " << writes;
+        EXPECT_FALSE(FileExists(JournalPath(s.rom))) << writes;
+    }
+    EXPECT_GT(cutOffs, 2);
+}
+
+TEST_F(ImportKinds, PlanningReportsProgressStopsOnRequestAndChecksTheGame) {
+    ProgressRecorder progress;
+    s.Plan(0x200000, progress);
+    EXPECT_EQ(progress.open, 0);
+    EXPECT_GE(progress.stages.size(), 3u);
+
+    ProgressRecorder stopping;
+    stopping.stopAtStep = 2;
+    EXPECT_THROW(s.Plan(0x200000, stopping), Cancelled);
+    EXPECT_EQ(stopping.open, 0);
+
+    PoCatalog other;
+    other.header = {{"X-Game-Code", "BPEE"}};
+    other.messages = {Translated("A/Same", "Jello")};
+    WritePo(s.po, other);
+    EXPECT_THROW(s.Plan(), PoError);
+}
+
+}  // namespace
