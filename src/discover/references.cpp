@@ -33,8 +33,9 @@ constexpr std::string_view kSuspectRule = "suspect: unaligned and after no text 
 
 unsigned char At(std::string_view image, std::size_t i) { return static_cast<unsigned char>(image[i]); }
 
-// The pointer at `index` of `bytes`, which lies at file offset `place`.
-Reference Classify(std::string_view bytes, std::size_t index, std::uint32_t place) {
+}  // namespace
+
+Reference ClassifyAt(std::string_view bytes, std::size_t index, std::uint32_t place) {
     for (const ScriptCommand& c : kTextCommands) {
         if (c.hasArgument) {
             if (index >= 2 && At(bytes, index - 2) == c.command && At(bytes, index - 1) <= c.maxArgument)
@@ -47,9 +48,7 @@ Reference Classify(std::string_view bytes, std::size_t index, std::uint32_t plac
     return {place, PlaceKind::Suspect, kSuspectRule};
 }
 
-}  // namespace
-
-Reference ClassifyPlace(std::string_view image, std::uint32_t place) { return Classify(image, place, place); }
+Reference ClassifyPlace(std::string_view image, std::uint32_t place) { return ClassifyAt(image, place, place); }
 
 std::string_view KindName(PlaceKind kind) {
     switch (kind) {
@@ -103,7 +102,7 @@ std::vector<Reference> FindReferencesInFile(const std::filesystem::path& rom, st
             // The two command bytes before a hit are carried from the block
             // before, so every hit sees them as in the in-memory search.
             const auto index = static_cast<std::size_t>(hit - view.begin());
-            found.push_back(Classify(view, index, static_cast<std::uint32_t>(bufferAt + index)));
+            found.push_back(ClassifyAt(view, index, static_cast<std::uint32_t>(bufferAt + index)));
             from = hit + 1;
         }
         if (got == 0 || bufferAt + held >= in.Size()) return found;

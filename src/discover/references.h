@@ -35,6 +35,9 @@ struct Reference {
 // 2. aligned data: place % 4 == 0;
 // 3. suspect: everything else.
 Reference ClassifyPlace(std::string_view image, std::uint32_t place);
+// The same for a pointer at `index` of `bytes`, a piece of the image that
+// starts at file offset place - index.
+Reference ClassifyAt(std::string_view bytes, std::size_t index, std::uint32_t place);
 
 // "Script operand", "Aligned data", "Suspect".
 std::string_view KindName(PlaceKind kind);
