@@ -51,7 +51,7 @@ int main() {
     std::size_t texts = 0;
     auto discover = [&] {
         const std::string image = io::ReadAll(path);
-        texts = discover::DiscoverTexts(image)->size();
+        texts = discover::DiscoverTexts(image).size();
     };
     // The text with the most planted pointers.
     std::map<std::uint32_t, std::size_t> perText;
@@ -70,7 +70,7 @@ int main() {
 
     // The tree of the offset file that discovery writes for this image.
     const auto found = discover::DiscoverTexts(rom.image);
-    const discover::Merge merge = discover::MergeFoundTexts("", *found);
+    const discover::Merge merge = discover::MergeFoundTexts("", found);
     std::filesystem::create_directories(folder / "ini");
     QuietUser user;
     Session session(folder, user);

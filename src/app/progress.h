@@ -54,10 +54,4 @@ private:
     Progress& progress_;
 };
 
-// Work that nobody watches: it runs to its end.
-class NoProgress : public Progress {
-public:
-    bool Step(std::uint64_t, std::uint64_t) override { return true; }
-};
-
 }  // namespace quillon

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace quillon::discover {
 namespace {
@@ -92,7 +93,9 @@ std::string Preview(std::string_view bytes, std::size_t maxChars) {
     return line;
 }
 
-std::optional<std::vector<FoundText>> DiscoverTexts(std::string_view image, Progress* progress) {
+std::vector<FoundText> DiscoverTexts(std::string_view image, Progress* progress) {
+    NoProgress unwatched;
+    ProgressStage stage(progress ? *progress : unwatched, "Looking for texts", image.size());
     const std::size_t reach = std::min<std::size_t>(image.size(), kPointerReach);
     const auto* bytes = reinterpret_cast<const unsigned char*>(image.data());
     TargetMemo memo(reach);
@@ -102,7 +105,7 @@ std::optional<std::vector<FoundText>> DiscoverTexts(std::string_view image, Prog
     if (image.size() >= 4) {
         const std::size_t last = image.size() - 4;  // last place a pointer can start
         for (std::size_t from = 0; from <= last; from += kStep) {
-            if (progress && !progress->Step(from, image.size())) return std::nullopt;
+            stage.Step(from);
             const std::size_t to = std::min(last, from + kStep - 1);
             // The bank byte of a pointer starting at `place` lies at place + 3.
             const unsigned char* p = bytes + from + 3;
@@ -120,7 +123,7 @@ std::optional<std::vector<FoundText>> DiscoverTexts(std::string_view image, Prog
             }
         }
     }
-    if (progress && !progress->Step(image.size(), image.size())) return std::nullopt;
+    stage.Step(image.size());
 
     std::sort(hits.begin(), hits.end());
     std::vector<FoundText> found;

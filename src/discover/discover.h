@@ -4,7 +4,6 @@
 #include "discover/references.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,9 +28,9 @@ inline constexpr int kMinConfidence = 50;
 // Scans `image` once: indexes every plausible pointer (0x08 as the fourth of
 // four bytes at any alignment, aimed inside the image and past the header),
 // checks each aimed-at offset as text once, and keeps the texts whose
-// confidence reaches kMinConfidence, in offset order. Nothing when the
-// progress asked to stop.
-std::optional<std::vector<FoundText>> DiscoverTexts(std::string_view image, Progress* progress = nullptr);
+// confidence reaches kMinConfidence, in offset order. Throws Cancelled when
+// `progress` asks to stop.
+std::vector<FoundText> DiscoverTexts(std::string_view image, Progress* progress = nullptr);
 
 // How the bytes before a text end the run before it: a pointer into the
 // middle of a run of text needs more evidence than one at a run's start.

@@ -1,5 +1,6 @@
 #include "discover/find_texts.h"
 
+#include "app/progress.h"
 #include "app/session.h"
 #include "core/file_io.h"
 #include "discover/offset_merge.h"
@@ -35,23 +36,24 @@ std::string Summary(const std::vector<discover::FoundText>& found, const discove
 
 bool FindTextsInRom(Session& session, Progress& progress) {
     if (!session.RomOpen() || session.controls.gameCode.empty()) return false;
-    std::optional<std::vector<discover::FoundText>> found;
+    std::vector<discover::FoundText> found;
     std::string before;
     try {
         const std::string image = io::ReadAll(session.romPath);
         found = discover::DiscoverTexts(image, &progress);
-        if (!found) return false;  // cancelled
         if (FileExists(session.OffsetFile())) before = io::ReadAll(session.OffsetFile());
+    } catch (const Cancelled&) {
+        return false;
     } catch (const FileError& e) {
         session.prompter.Message(Icon::Critical, std::string("The ROM could not be read:\r\n") + e.what());
         return false;
     }
-    const discover::Merge merge = discover::MergeFoundTexts(before, *found);
+    const discover::Merge merge = discover::MergeFoundTexts(before, found);
     if (merge.added == 0) {
-        session.prompter.Message(Icon::Information, Summary(*found, merge), kFindTextsTitle);
+        session.prompter.Message(Icon::Information, Summary(found, merge), kFindTextsTitle);
         return false;
     }
-    if (!session.prompter.AskYesNo(Summary(*found, merge), kFindTextsTitle)) return false;
+    if (!session.prompter.AskYesNo(Summary(found, merge), kFindTextsTitle)) return false;
     const WritePlan plan = OffsetFilePlan(session, std::string(kFindTextsTitle), session.controls.gameCode, merge.text);
     if (Commit(session, plan, "The found texts could not be added to the offset file:") != Committed::Written)
         return false;

@@ -15,7 +15,7 @@ inline constexpr std::string_view kOfferFindTexts =
     "Do you want to look for the texts of this ROM now?\r\n"
     "Quillon finds them by itself and adds them to the new INI file.";
 
-// Nothing is written when the scan is cancelled through `progress` or the
+// Nothing is written when the scan is stopped through `progress` or the
 // user says No. True when entries were added.
 bool FindTextsInRom(Session& session, Progress& progress);
 

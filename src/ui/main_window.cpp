@@ -84,7 +84,7 @@ MainWindow::MainWindow(Session& session, Clipboard& clipboard, QWidget* parent)
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Quillon"));
     setAttribute(Qt::WA_DeleteOnClose, false);
-    progress_ = std::make_unique<ProgressDialog>(this, QStringLiteral("Looking for the texts of the ROM..."));
+    progress_ = std::make_unique<ProgressDialog>(this);
     session_.progress = progress_.get();
     BuildControls();
     PlaceControls();

@@ -1,9 +1,7 @@
 #pragma once
-// Long work shown as a progress bar with Cancel, opened at the first step
-// and closed at the last.
+// Long work shown as a progress bar with Cancel: opened when a stage
+// begins, closed when it ends.
 #include "app/progress.h"
-
-#include <QString>
 
 #include <memory>
 
@@ -14,16 +12,18 @@ namespace quillon::ui {
 
 class ProgressDialog : public Progress {
 public:
-    ProgressDialog(QWidget* parent, QString label);
+    explicit ProgressDialog(QWidget* parent);
     ~ProgressDialog() override;
 
-    bool Step(std::uint64_t done, std::uint64_t total) override;
+    void Begin(std::string_view what, std::uint64_t total) override;
+    bool Step(std::uint64_t done) override;
+    void End() override;
     // The open dialog, for tests; null between pieces of work.
     QProgressDialog* Dialog() const { return dialog_.get(); }
 
 private:
     QWidget* parent_;
-    QString label_;
+    std::uint64_t total_ = 0;
     std::unique_ptr<QProgressDialog> dialog_;
 };
 

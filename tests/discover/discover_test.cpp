@@ -82,9 +82,11 @@ TEST(TextShape, TellsTextFromChanceBytes) {
 }
 
 struct StopAt : Progress {
-    int calls = 0, stopAt;
+    int calls = 0, stopAt, ends = 0;
     explicit StopAt(int n) : stopAt(n) {}
-    bool Step(std::uint64_t, std::uint64_t) override { return ++calls < stopAt; }
+    void Begin(std::string_view, std::uint64_t) override {}
+    bool Step(std::uint64_t) override { return ++calls < stopAt; }
+    void End() override { ++ends; }
 };
 
 TEST(DiscoverTexts, TakesReferencedTextsAndLeavesDecoys) {
@@ -98,17 +100,17 @@ TEST(DiscoverTexts, TakesReferencedTextsAndLeavesDecoys) {
     rom.Pointer(0x8018, 0x1005);                                  // inside "Hello there."
     rom.Pointer(0x801C, 0x4000);                                  // at bytes without entry
     const auto found = DiscoverTexts(rom.bytes());
-    ASSERT_TRUE(found);
-    ASSERT_EQ(found->size(), 2u);
-    EXPECT_EQ((*found)[0].offset, 0x1001u);
-    EXPECT_EQ((*found)[0].length, kHello.size());
-    EXPECT_EQ((*found)[0].preview, "Hello there.");
-    EXPECT_EQ((*found)[0].pointers.size(), 2u);
-    EXPECT_EQ((*found)[1].offset, 0x100Eu);
-    EXPECT_EQ((*found)[1].pointers.at(0).kind, PlaceKind::ScriptOperand);
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_EQ(found[0].offset, 0x1001u);
+    EXPECT_EQ(found[0].length, kHello.size());
+    EXPECT_EQ(found[0].preview, "Hello there.");
+    EXPECT_EQ(found[0].pointers.size(), 2u);
+    EXPECT_EQ(found[1].offset, 0x100Eu);
+    EXPECT_EQ(found[1].pointers.at(0).kind, PlaceKind::ScriptOperand);
 
     StopAt stop(1);
-    EXPECT_FALSE(DiscoverTexts(rom.bytes(), &stop));
+    EXPECT_THROW(DiscoverTexts(rom.bytes(), &stop), Cancelled);
+    EXPECT_EQ(stop.ends, 1);
 }
 
 TEST(Preview, OneLineCutAtWholeCharacters) {

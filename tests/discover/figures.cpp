@@ -34,7 +34,7 @@ void Score(std::uint32_t seed, Tally& t) {
     const auto found = discover::DiscoverTexts(rom.image);
     t.seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     t.referenced += referenced.size();
-    for (const auto& f : *found) {
+    for (const auto& f : found) {
         ++t.reported;
         t.reportedReal += starts.count(f.offset);
         t.referencedFound += referenced.count(f.offset);

@@ -116,7 +116,9 @@ TEST(FindTextsInRom, NoOrCancelWritesNothing) {
     NoProgress quiet;
     EXPECT_FALSE(FindTextsInRom(w.session, quiet));
     struct Stop : Progress {
-        bool Step(std::uint64_t, std::uint64_t) override { return false; }
+        void Begin(std::string_view, std::uint64_t) override {}
+        bool Step(std::uint64_t) override { return false; }
+        void End() override {}
     } stop;
     EXPECT_FALSE(FindTextsInRom(w.session, stop));
     EXPECT_EQ(w.user.Take().size(), 1u);  // the question; the cancelled scan asks nothing
