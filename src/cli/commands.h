@@ -33,5 +33,6 @@ void RegisterRead(CLI::App& app, CliContext& ctx);    // read ROM OFFSET
 void RegisterSearch(CLI::App& app, CliContext& ctx);  // search ROM TEXT
 void RegisterCheck(CLI::App& app, CliContext& ctx);   // check ROM [--ini FILE]
 void RegisterPatch(CLI::App& app, CliContext& ctx);   // patch create|apply ...
+void RegisterScan(CLI::App& app, CliContext& ctx);    // scan ROM [--ini FILE]
 
 }  // namespace quillon::cli

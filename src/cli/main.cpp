@@ -45,6 +45,7 @@ int main(int argc, char** argv) {
     RegisterSearch(app, ctx);
     RegisterCheck(app, ctx);
     RegisterPatch(app, ctx);
+    RegisterScan(app, ctx);
 
     try {
         app.parse(argc, argv);
