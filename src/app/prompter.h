@@ -15,6 +15,9 @@ inline constexpr std::string_view kProgramTitle = "Quillon";
 
 enum class Icon { Critical, Warning, Question, Information };
 
+// The answer to a question with two named choices and Cancel.
+enum class Choice { First, Second, Cancel };
+
 class Prompter {
 public:
     virtual ~Prompter() = default;
@@ -23,6 +26,13 @@ public:
     virtual void Message(Icon icon, std::string_view text, std::string_view title = kProgramTitle) = 0;
     // A question with Yes and No buttons; true only for Yes.
     virtual bool AskYesNo(std::string_view text, std::string_view title = kProgramTitle) = 0;
+    // A question with the buttons `first`, `second` and Cancel. A prompter
+    // that cannot offer choices cancels, which writes nothing.
+    virtual Choice AskChoice(std::string_view text, std::string_view first, std::string_view second,
+                             std::string_view title = kProgramTitle) {
+        (void)text, (void)first, (void)second, (void)title;
+        return Choice::Cancel;
+    }
     // A line of input; nothing when the user cancels.
     virtual std::optional<std::string> Input(std::string_view title, std::string_view prompt,
                                              std::string_view defaultValue) = 0;

@@ -16,6 +16,8 @@
 
 namespace quillon {
 
+class Progress;
+
 // Captions and states of the main window's controls.
 struct MainControls {
     TextBox text1;                   // the editor text
@@ -71,6 +73,8 @@ public:
     TreeModel tree;
     cInifile ini;  // the main window's INI access, pointed anew at each use
     MainControls controls;
+    // Shows long work and lets the user cancel it; none: the work runs to its end.
+    Progress* progress = nullptr;
 
 private:
     std::vector<std::function<void()>> listeners_;

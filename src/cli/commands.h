@@ -36,5 +36,6 @@ void RegisterCheck(CLI::App& app, CliContext& ctx);   // check ROM [--ini FILE]
 void RegisterPatch(CLI::App& app, CliContext& ctx);   // patch create|apply ...
 void RegisterExport(CLI::App& app, CliContext& ctx);  // export ROM --po OUT [--ini FILE]
 void RegisterImport(CLI::App& app, CliContext& ctx);  // import ROM --po IN [--ini FILE] [--dry-run]
+void RegisterScan(CLI::App& app, CliContext& ctx);    // scan ROM [--ini FILE]
 
 }  // namespace quillon::cli

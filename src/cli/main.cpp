@@ -47,6 +47,7 @@ int main(int argc, char** argv) {
     RegisterPatch(app, ctx);
     RegisterExport(app, ctx);
     RegisterImport(app, ctx);
+    RegisterScan(app, ctx);
 
     try {
         app.parse(argc, argv);

@@ -2,6 +2,7 @@
 
 #include "app/session.h"
 #include "edit/free_space.h"
+#include "discover/repoint_choice.h"
 #include "edit/pointer_scan.h"
 #include "edit/commit.h"
 #include "core/file_io.h"
@@ -141,6 +142,7 @@ Step Repoint(Session& session, std::int32_t newLength) {
     std::vector<BytesAt> blocks;
     for (auto& p : ScanPointerRewrites(session.romPath, oldPointer, newPointer))
         blocks.push_back({p.offset, std::move(p.bytes)});
+    if (!ChooseRewrites(session, blocks)) return Step::Stop;
     if (blocks.empty()) {
         session.prompter.Message(Icon::Critical, "The text pointer wasn't found!\r\nThe text can't be edited!");
         return Step::Stop;

@@ -45,6 +45,7 @@ Menu BuildTextMenu(bool search) {
     };
     if (!search) {
         menu.items.push_back(Item("mnuExport", "Export Text", MenuAction::Export));
+        menu.items.push_back(Item("mnuReferences", "Show References...", MenuAction::References));
         menu.items.push_back(Separator());
     }
     MenuItem woot = Item("sucka" + n, "w00t! o.o", MenuAction::None);
@@ -77,10 +78,12 @@ const Menu& ToolsMenu() {
     static const Menu menu = [] {
         MenuItem script = Item("mnuTextScript", "Insert Dialog-Script", MenuAction::TextScript);
         script.enabled = false;  // opening a ROM enables it
+        MenuItem find = Item("mnuFindTexts", "Find Texts in ROM...", MenuAction::FindTexts);
+        find.enabled = false;  // opening a ROM enables it
         return Menu{"mnuTools",
                     "Tools",
-                    {Item("mnuUpdate", "Live-Update", MenuAction::Update), std::move(script), Separator(),
-                     Item("mnuUndoSave", "Undo Last Save", MenuAction::UndoSave),
+                    {Item("mnuUpdate", "Live-Update", MenuAction::Update), std::move(script), std::move(find),
+                     Separator(), Item("mnuUndoSave", "Undo Last Save", MenuAction::UndoSave),
                      Item("mnuRedoSave", "Redo", MenuAction::RedoSave),
                      Item("mnuHistory", "History...", MenuAction::History), Separator(),
                      Item("mnuCreatePatch", "Create Patch...", MenuAction::CreatePatch),

@@ -25,6 +25,8 @@ enum class MenuAction {
     History,    // open the history window
     CreatePatch,  // write a BPS patch from a clean original to the open ROM
     ApplyPatch,   // apply a BPS or IPS patch to a chosen ROM
+    FindTexts,  // scan the ROM for its texts
+    References, // list the places that point at the current text
 };
 
 struct MenuItem {
@@ -46,7 +48,7 @@ struct Menu {
 
 const Menu& TextMenu();        // mnuBP, right-click in the main window's text box
 const Menu& SearchTextMenu();  // mnuBP2, right-click in the search window's text box
-const Menu& ToolsMenu();       // mnuTools; mnuTextScript starts disabled
+const Menu& ToolsMenu();       // mnuTools; mnuTextScript and mnuFindTexts start disabled
 const Menu& TreeViewMenu();    // mnuTreeView
 
 // The item of that name anywhere in the menu's tree, or null.

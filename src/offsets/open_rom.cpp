@@ -1,7 +1,9 @@
 #include "offsets/open_rom.h"
 
+#include "app/progress.h"
 #include "app/session.h"
 #include "core/file_io.h"
+#include "discover/find_texts.h"
 #include "edit/commit.h"
 #include "edit/text_view.h"
 #include "offsets/offset_file.h"
@@ -79,6 +81,7 @@ void OpenRom(Session& session) {
         session.controls.gameCode = code;
         session.controls.searchEnabled = true;
 
+        bool created = false;
         if (!FileExists(session.OffsetFile())) {
             if (!session.prompter.AskYesNo("INI file does not exist!\r\nDo you want to create one?")) {
                 session.prompter.Message(Icon::Warning, "No INI file was created.\r\nThe ROM can't be edited.");
@@ -96,11 +99,16 @@ void OpenRom(Session& session) {
                                      "Blank INI file created!\r\n"
                                      "Use the search function to add offsets to your new file!");
             session.tree.Clear();
+            created = true;
         } else {
             session.tree.Clear();
             Tree_Load(session);
         }
         EnterRomOpenState(session);
+        if (created && session.prompter.AskYesNo(kOfferFindTexts)) {
+            NoProgress quiet;
+            FindTextsInRom(session, session.progress ? *session.progress : quiet);
+        }
     } catch (const FileError& e) {
         session.prompter.Message(Icon::Critical, std::string("The ROM could not be opened:\r\n") + e.what());
         EnterNoRomState(session);

@@ -2,6 +2,8 @@
 
 #include "app/clipboard.h"
 #include "app/session.h"
+#include "discover/find_texts.h"
+#include "discover/reference_list.h"
 #include "edit/save_text.h"
 #include "edit/tag_commands.h"
 #include "edit/text_menus.h"
@@ -17,10 +19,14 @@
 #include "ui/history_dialog.h"
 #include "ui/search_dialog.h"
 #include "ui/menu_builder.h"
+#include "ui/progress_dialog.h"
+#include "ui/references_dialog.h"
 #include "ui/text_bridge.h"
 #include "ui/tree_icons.h"
 #include "ui/update_dialog.h"
 #include "ui/xp_button.h"
+
+#include <quillon/errors.h>
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -78,6 +84,8 @@ MainWindow::MainWindow(Session& session, Clipboard& clipboard, QWidget* parent)
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Quillon"));
     setAttribute(Qt::WA_DeleteOnClose, false);
+    progress_ = std::make_unique<ProgressDialog>(this);
+    session_.progress = progress_.get();
     BuildControls();
     PlaceControls();
     session_.OnChanged([this] { Refresh(); });
@@ -85,7 +93,9 @@ MainWindow::MainWindow(Session& session, Clipboard& clipboard, QWidget* parent)
     new FitMonitor(session_, text1_, repoint_, textMenu_, toolsMenu_, this);  // line widths in the game's font
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() {
+    if (session_.progress == progress_.get()) session_.progress = nullptr;
+}
 
 int MainWindow::T(int twips) const { return TwipsToPixels(twips, logicalDpiX()); }
 
@@ -183,6 +193,9 @@ void MainWindow::BuildControls() {
     label1_->setObjectName(QStringLiteral("Label1"));
     label3_ = new QLabel(frame1_);
     label3_->setObjectName(QStringLiteral("Label3"));
+    pointers_ = new QLabel(frame1_);
+    pointers_->setObjectName(QStringLiteral("lblPointers"));
+    pointers_->setToolTip(QStringLiteral("Places in the ROM that hold the pointer to this text"));
     QFont bold = small;
     bold.setBold(true);
     label4_->setFont(bold);
@@ -229,6 +242,10 @@ void MainWindow::BuildControls() {
             return;
         }
         if (RunHistoryItem(item.action, session_, this)) return;
+        if (item.action == MenuAction::FindTexts) {
+            FindTextsInRom(session_, *progress_);
+            return;
+        }
         if (item.action != MenuAction::TextScript) return;
         AddScriptDialog dialog(session_, this);
         dialog.exec();
@@ -266,7 +283,8 @@ void MainWindow::PlaceControls() {
     place(label2_, 150, 300, 1900, 270);
     place(label4_, 2100, 300, 1950, 270);
     place(label1_, 150, 660, 1900, 270);
-    place(label3_, 2100, 660, 1950, 270);
+    place(label3_, 2100, 660, 900, 270);
+    place(pointers_, 3000, 660, 1100, 270);
     DoTransparency();
 }
 
@@ -384,6 +402,11 @@ void MainWindow::PushSelectionToSession() {
 
 void MainWindow::RunTextMenu(const QString& name) {
     PushSelectionToSession();
+    if (name == QStringLiteral("mnuReferences")) {
+        ReferencesDialog references(session_, clipboard_, this);
+        references.exec();
+        return;
+    }
     RunTextMenuItem(name.toStdString(), session_.controls.text1, session_.prompter, clipboard_,
                     [this] { ExportText(session_); });
     UpdateRepointCounter(session_);
@@ -438,7 +461,17 @@ void MainWindow::Refresh() {
     tree_->setEnabled(c.treeEnabled);
     if (QAction* script = FindAction(toolsMenu_, QStringLiteral("mnuTextScript")))
         script->setEnabled(c.textScriptEnabled);
+    if (QAction* find = FindAction(toolsMenu_, QStringLiteral("mnuFindTexts"))) find->setEnabled(c.textScriptEnabled);
     label3_->setText(Q(c.offsetCaption));
+    // One pass over the ROM per text shown, not per change of the editor.
+    if (const std::string of = session_.romPath.string() + '\n' + c.offsetCaption; of != pointersOf_) {
+        pointersOf_ = of;
+        try {
+            pointers_->setText(Q(discover::PointersCaption(session_.romPath, c.offsetCaption)));
+        } catch (const FileError&) {
+            pointers_->clear();
+        }
+    }
     label4_->setText(Q(c.gameCode));
     repoint_->setText(Q(c.repointCaption));
     RefreshTree();

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <string>
 
 class QButtonGroup;
 class QCheckBox;
@@ -23,6 +24,7 @@ struct Menu;
 
 namespace quillon::ui {
 
+class ProgressDialog;
 class XPButton;
 
 // Pixels for a length in twips at this window's logical DPI (15 twips per
@@ -81,6 +83,9 @@ private:
     QLabel* label4_ = nullptr;
     QLabel* label1_ = nullptr;
     QLabel* label3_ = nullptr;
+    QLabel* pointers_ = nullptr;  // lblPointers: "Pointers: 3" for the current text
+    std::string pointersOf_;      // the ROM and offset that pointers_ counts for
+    std::unique_ptr<ProgressDialog> progress_;
     QLabel* textNote_ = nullptr;  // lblTextNote: bytes the editor can't write back unchanged
     QLabel* repoint_ = nullptr;
     QLabel* welcome_ = nullptr;

@@ -4,9 +4,11 @@
 
 #include "ui/add_offset_dialog.h"
 
+#include <QAbstractButton>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QStringList>
 
 namespace quillon::ui {
@@ -58,6 +60,24 @@ void QtPrompter::Message(Icon icon, std::string_view text, std::string_view titl
 bool QtPrompter::AskYesNo(std::string_view text, std::string_view title) {
     QMessageBox box(QMessageBox::Question, Q(title), Lines(text), QMessageBox::Yes | QMessageBox::No, Owner());
     return box.exec() == QMessageBox::Yes;
+}
+
+Choice QtPrompter::AskChoice(std::string_view text, std::string_view first, std::string_view second,
+                             std::string_view title) {
+    QMessageBox box(QMessageBox::Question, Q(title), Lines(text), QMessageBox::NoButton, Owner());
+    box.setObjectName(QStringLiteral("ChoiceBox"));
+    QAbstractButton* a = box.addButton(Q(first), QMessageBox::AcceptRole);
+    QAbstractButton* b = box.addButton(Q(second), QMessageBox::DestructiveRole);
+    QAbstractButton* cancel = box.addButton(QMessageBox::Cancel);
+    a->setObjectName(QStringLiteral("ChoiceFirst"));
+    b->setObjectName(QStringLiteral("ChoiceSecond"));
+    cancel->setObjectName(QStringLiteral("ChoiceCancel"));
+    box.setDefaultButton(static_cast<QPushButton*>(a));
+    box.setEscapeButton(cancel);
+    box.exec();
+    if (box.clickedButton() == a) return Choice::First;
+    if (box.clickedButton() == b) return Choice::Second;
+    return Choice::Cancel;
 }
 
 std::optional<std::string> QtPrompter::Input(std::string_view title, std::string_view prompt,

@@ -1,6 +1,7 @@
 // Start-up, opening a ROM with and without its offset file, and the tree.
 #include "offsets/offset_file.h"
 #include <quillon/rom.h>
+#include "discover/find_texts.h"
 #include "offsets/open_rom.h"
 #include "offsets/startup.h"
 #include "support/workspace.h"
@@ -92,13 +93,14 @@ TEST(OpenRom, BuildsTheTreeFromAnExistingOffsetFile) {
 TEST(OpenRom, CreatesABlankOffsetFileOnYes) {
     Workspace w;
     StoryRom().Title("ABC").Code("QLNJ").Save(w.Rom());
-    w.user.Yes();
+    w.user.Yes().No();  // create the file; do not look for texts now
     w.Open();
     auto shown = w.user.Take();
-    ASSERT_EQ(shown.size(), 3u);
+    ASSERT_EQ(shown.size(), 4u);
     EXPECT_EQ(shown[1], Ask("INI file does not exist!\r\nDo you want to create one?"));
     EXPECT_EQ(shown[2], Msg(Icon::Information,
                             "Blank INI file created!\r\nUse the search function to add offsets to your new file!"));
+    EXPECT_EQ(shown[3], Ask(std::string(kOfferFindTexts)));
     std::string head = ReadFile(w.OffsetFile("QLNJ"));
     std::string stars = "'" + std::string(44, '*') + "'";
     std::string expected = stars + "\r\n'\r\n' Quillon Offset-file\r\n'\r\n' Created with Quillon Version: 3.1.1\r\n'\r\n"

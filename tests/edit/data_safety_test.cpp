@@ -32,6 +32,8 @@ std::unique_ptr<Workspace> Prepared() {
         .Pointer(0x50000, 0x100000)
         .Pointer(0x60001, 0x100000)
         .Pointer(0x70003, 0x100000)
+        .PutHex(0x60000, "67")  // script operands: no place looks like code
+        .PutHex(0x70001, "0F00")
         .Save(w->Rom());
     w->WriteOffsetFile("[Town]\r\nMom=100000\r\n");
     w->Open();

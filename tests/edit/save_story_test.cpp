@@ -37,7 +37,9 @@ protected:
     }
     static RomBuilder Rom(std::string_view code = "QLNE") {
         RomBuilder rom = StoryRom(code);
+        // The unaligned pointers are script operands (67, 0F 00), so no place looks like code.
         rom.Put(kText, kHello + "\xFF").Pointer(0x50000, kText).Pointer(0x60001, kText).Pointer(0x70003, kText);
+        rom.PutHex(0x60000, "67").PutHex(0x70001, "0F00");
         rom.Put(0x100100, Bytes("C7D9E2FF"));  // "Men"
         return rom;
     }

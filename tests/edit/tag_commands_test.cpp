@@ -28,11 +28,12 @@ TextBox Box(std::string text, std::size_t start, std::size_t length) {
     return box;
 }
 
-// mnuBP2 is mnuBP with "2" behind every name, without "Export Text" and its separator.
+// mnuBP2 is mnuBP with "2" behind every name, without "Export Text", "Show
+// References..." and their separator.
 void ExpectSearchCopy(const std::vector<MenuItem>& main, const std::vector<MenuItem>& search) {
     std::size_t j = 0;
     for (std::size_t i = 0; i < main.size(); ++i, ++j) {
-        if (main[i].name == "mnuExport") i += 2;
+        if (main[i].name == "mnuExport") i += 3;
         ASSERT_LT(j, search.size());
         EXPECT_EQ(search[j].name, main[i].name.empty() ? "" : main[i].name + "2");
         EXPECT_EQ(std::tie(search[j].caption, search[j].tag, search[j].enabled),
@@ -47,11 +48,12 @@ void ExpectSearchCopy(const std::vector<MenuItem>& main, const std::vector<MenuI
 TEST(TextMenus, SearchMenuMirrorsTheMainOneWithoutExport) {
     std::vector<std::string> top;
     for (const auto& item : TextMenu().items) top.push_back(item.caption);
-    EXPECT_EQ(top, (std::vector<std::string>{"Copy", "Paste", "-", "Insert Special", "-", "Export Text", "-",
-                                             "w00t! o.o"}));
+    EXPECT_EQ(top, (std::vector<std::string>{"Copy", "Paste", "-", "Insert Special", "-", "Export Text",
+                                             "Show References...", "-", "w00t! o.o"}));
     ExpectSearchCopy(TextMenu().items, SearchTextMenu().items);
     EXPECT_FALSE(FindMenuItem(SearchTextMenu(), "sucka2")->enabled);
     EXPECT_FALSE(FindMenuItem(ToolsMenu(), "mnuTextScript")->enabled);
+    EXPECT_FALSE(FindMenuItem(ToolsMenu(), "mnuFindTexts")->enabled);
 }
 
 TEST(TagCommands, TagsReplaceTheSelectionOrGoInAtTheCaret) {

@@ -5,7 +5,7 @@
 namespace quillon::test {
 
 std::ostream& operator<<(std::ostream& os, const Shown& s) {
-    static const char* kinds[] = {"Message", "Question", "Input", "OpenFile", "SaveFile", "AddOffset"};
+    static const char* kinds[] = {"Message", "Question", "Input", "OpenFile", "SaveFile", "AddOffset", "Choices"};
     static const char* icons[] = {"Critical", "Warning", "Question", "Information"};
     return os << kinds[s.kind] << "(" << icons[static_cast<int>(s.icon)] << ", \"" << s.text << "\", \""
               << s.title << "\")";
@@ -40,6 +40,13 @@ void FakePrompter::Message(Icon icon, std::string_view text, std::string_view ti
 bool FakePrompter::AskYesNo(std::string_view text, std::string_view title) {
     shown.push_back({Shown::Question, std::string(text), std::string(title), Icon::Question});
     return Next<bool>("question").value_or(false);
+}
+
+Choice FakePrompter::AskChoice(std::string_view text, std::string_view first, std::string_view second,
+                               std::string_view title) {
+    shown.push_back({Shown::Choices, std::string(text),
+                     std::string(first) + "|" + std::string(second) + "|" + std::string(title), Icon::Question});
+    return Next<Choice>("choice").value_or(Choice::Cancel);
 }
 
 std::optional<std::string> FakePrompter::Input(std::string_view title, std::string_view prompt,

@@ -15,7 +15,7 @@
 namespace quillon::test {
 
 struct Shown {
-    enum Kind { Message, Question, Input, OpenFile, SaveFile, AddOffset } kind;
+    enum Kind { Message, Question, Input, OpenFile, SaveFile, AddOffset, Choices } kind;
     std::string text;   // message text, input prompt, dialog title
     std::string title;  // box title, input title, dialog filter
     Icon icon = Icon::Information;
@@ -31,7 +31,7 @@ class FakePrompter : public Prompter {
 public:
     using AddOffsetAction = std::function<void(AddOffsetForm&)>;
     struct Cancel {};
-    using Answer = std::variant<bool, std::string, std::filesystem::path, AddOffsetAction, Cancel>;
+    using Answer = std::variant<bool, std::string, std::filesystem::path, AddOffsetAction, Cancel, Choice>;
 
     FakePrompter& Then(Answer answer) {
         answers.push_back(std::move(answer));
@@ -43,6 +43,9 @@ public:
 
     void Message(Icon icon, std::string_view text, std::string_view title) override;
     bool AskYesNo(std::string_view text, std::string_view title) override;
+    // Recorded with the choices' names as "first|second|title" in `title`.
+    Choice AskChoice(std::string_view text, std::string_view first, std::string_view second,
+                     std::string_view title) override;
     std::optional<std::string> Input(std::string_view title, std::string_view prompt,
                                      std::string_view defaultValue) override;
     std::optional<std::filesystem::path> OpenFile(std::string_view title, std::string_view filter) override;

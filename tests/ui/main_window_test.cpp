@@ -39,7 +39,7 @@ TEST_F(MainWindowTest, StartsWithNothingToEditAndOpensTheDemoRomWithOrWithoutIts
     user.Then(Rom()).No();
     Click("XPButton1");
     EXPECT_FALSE(Find("TreeView1")->isEnabled());
-    user.Then(Rom()).Yes();
+    user.Then(Rom()).Yes().No();  // a blank offset file; no scan for texts now
     Click("XPButton1");
     EXPECT_TRUE(user.answers.empty());
     EXPECT_EQ(Find<QTreeWidget>("TreeView1")->topLevelItemCount(), 0);

@@ -1,0 +1,37 @@
+#pragma once
+// Adds found texts to an offset file's text: existing sections and entries
+// stay byte for byte, a text already listed (same offset) is not added again,
+// and the new entries go into new sections named after where the texts lie.
+#include "discover/discover.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillon::discover {
+
+// At most this many entries in one new section.
+inline constexpr std::size_t kMaxSectionEntries = 300;
+
+struct Merge {
+    std::string text;            // the offset file's new text
+    std::size_t added = 0;       // entries added
+    std::vector<const FoundText*> fresh;  // the texts added, in offset order
+    std::size_t listed = 0;      // found texts whose offset the file lists already
+    std::size_t sections = 0;    // sections added
+};
+
+// New sections group the new texts by 64 KiB ("Texts 3A0000-3AFFFF"); a group
+// of more than kMaxSectionEntries is split into runs named by their first and
+// last offsets. A name the file holds already gets " (2)", " (3)", ...
+Merge MergeFoundTexts(std::string_view offsetFile, const std::vector<FoundText>& found);
+
+// A key name from a text's first words ("Welcome to the world of"), in the
+// offset file's Latin-1 bytes: letters, digits, blanks and ' - . ! ? only,
+// at most 30 bytes, never holding "Parent" (which marks section nodes);
+// "Text 3A0010" when no word is left.
+std::string KeyNameFor(std::string_view preview, std::uint32_t offset);
+
+}  // namespace quillon::discover

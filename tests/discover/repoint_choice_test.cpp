@@ -1,0 +1,49 @@
+// A repoint when some places of the old pointer look like program code.
+#include "edit/save_text.h"
+#include "support/save_messages.h"
+#include "support/workspace.h"
+
+#include <gtest/gtest.h>
+
+namespace quillon::test {
+namespace {
+
+constexpr std::size_t kText = 0x100000;
+
+TEST(RepointChoice, SuspectPlacesAreKeptUnlessTheUserSaysAll) {
+    const std::string old = Bytes("00001008"), moved = Bytes("01002008");
+    const std::string question =
+        "1 of the 3 places that hold this text's pointer look like program code, not references to the text. "
+        "Rewrite only the 2 references (recommended), or all 3 as before?";
+    struct Case {
+        Choice answer;
+        std::string atCode;  // the pointer at 0x70003 afterwards
+        bool moves;
+    } cases[] = {{Choice::First, old, true}, {Choice::Second, moved, true}, {Choice::Cancel, old, false}};
+    for (const Case& c : cases) {
+        Workspace w;
+        StoryRom()
+            .Put(kText, Bytes("C2D9E0E0E3FF"))       // "Hello"
+            .Pointer(0x50000, kText)                 // a table slot
+            .PutHex(0x60000, "67").Pointer(0x60001, kText)  // a message command
+            .Pointer(0x70003, kText)                 // between instructions
+            .Save(w.Rom());
+        w.WriteOffsetFile("[Town]\r\nMom=100000\r\n");
+        w.Open();
+        w.Select("Town", "Mom");
+        w.user.Take();
+        w.session.controls.text1.SetText("Hello there!");
+        w.user.Yes().Then(c.answer);
+        SaveText(w.session);
+        const auto shown = w.user.Take();
+        ASSERT_GE(shown.size(), 2u);
+        EXPECT_EQ(shown[1], (Shown{Shown::Choices, question, "Only references|All|Quillon", Icon::Question}));
+        const std::string rom = w.RomBytes();
+        EXPECT_EQ(rom.substr(0x70003, 4), c.atCode);
+        EXPECT_EQ(rom.substr(0x50000, 4), c.moves ? moved : old);
+        EXPECT_EQ(rom.substr(0x60001, 4), c.moves ? moved : old);
+    }
+}
+
+}  // namespace
+}  // namespace quillon::test

@@ -1,0 +1,59 @@
+// Text discovery and references in the windows: the Tools menu item, the
+// pointer count of the Information frame and the references window.
+#include "main_window_fixture.h"
+
+#include <QApplication>
+#include <QTimer>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+TEST_F(MainWindowTest, PointerCountAndReferencesWindowCopyingAnOffset) {
+    StartAndOpen();
+    Select("Lighthouse", "Keeper");
+    const QString caption = Caption(*window, "lblPointers");
+    ASSERT_TRUE(caption.startsWith("Pointers: ")) << caption.toStdString();
+
+    QStringList kinds;
+    QString copied, label;
+    QObject guard;
+    QTimer::singleShot(0, &guard, [&] {
+        QWidget* modal = QApplication::activeModalWidget();
+        ASSERT_NE(modal, nullptr);
+        label = Caption(*modal, "lblReferences");
+        auto* list = Child<QTreeWidget>(*modal, "lstReferences");
+        for (int i = 0; i < list->topLevelItemCount(); ++i) kinds << list->topLevelItem(i)->text(1);
+        if (QTreeWidgetItem* last = list->topLevelItem(list->topLevelItemCount() - 1)) {
+            emit list->itemDoubleClicked(last, 2);
+            copied = last->text(0);
+        }
+        modal->close();
+    });
+    Trigger(window->TextMenu(), "mnuReferences");
+    EXPECT_EQ(QStringLiteral("Pointers: %1").arg(kinds.size()), caption);
+    EXPECT_TRUE(label.startsWith(QStringLiteral("%1 places hold the pointer to offset 10018A").arg(kinds.size())));
+    EXPECT_EQ(kinds.count(QStringLiteral("Aligned data")), kinds.size());  // the demo's pointer tables
+    EXPECT_FALSE(copied.isEmpty());
+    EXPECT_EQ(clipboard.text, copied.toStdString());
+}
+
+TEST_F(MainWindowTest, FindTextsInRomScansAndReportsWhatTheOffsetFileListsAlready) {
+    auto* find = Child<QAction>(*window->ToolsMenu(), "mnuFindTexts");
+    EXPECT_EQ(find->text(), "Find Texts in ROM...");
+    EXPECT_FALSE(find->isEnabled());
+    StartAndOpen();
+    EXPECT_TRUE(find->isEnabled());
+    user.Take();
+    user.No();  // if new texts are offered, add none
+    Trigger(window->ToolsMenu(), "mnuFindTexts");
+    const auto shown = user.Take();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_TRUE(shown[0].text.rfind("Found ", 0) == 0) << shown[0].text;
+    EXPECT_EQ(shown[0].title, "Find Texts in ROM");
+    EXPECT_EQ(window->findChild<QWidget*>(QStringLiteral("frmProgress")), nullptr);  // closed at the end
+    user.answers.clear();
+}
+
+}  // namespace
