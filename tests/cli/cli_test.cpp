@@ -76,7 +76,7 @@ TEST_F(Cli, FailuresGiveOneLineOnStandardErrorAndStatusOne) {
 }
 
 TEST_F(Cli, EveryCommandHasItsHelp) {
-    for (const char* command : {"info", "read", "search", "export", "import"}) {
+    for (const char* command : {"info", "read", "search", "scan", "check", "export", "import"}) {
         CliRun run = cli.Run({command, "--help"});
         EXPECT_EQ(run.status, 0) << command;
         EXPECT_NE(run.out.find(command), std::string::npos) << command << ": " << run.out;
