@@ -20,5 +20,6 @@ QUILLON_BUILD_PACKAGES=(cmake ninja-build g++ libgtest-dev libgmock-dev libbench
 QUILLON_FUZZ_PACKAGES=(clang libclang-rt-dev)
 # The windows: Qt 6 Widgets, Network and Test, and an X server for screenshots.
 QUILLON_UI_PACKAGES=(qt6-base-dev xvfb xauth)
-# The screenshot tool: a CJK font for the kana of the Japanese character list.
-QUILLON_SHOT_PACKAGES=(fonts-noto-cjk)
+# The screenshot tool: a CJK font for the kana of the Japanese character list,
+# a window manager and a pointer driver for the run on an X server.
+QUILLON_SHOT_PACKAGES=(fonts-noto-cjk openbox xdotool)

@@ -176,7 +176,7 @@ void ViewOffset(Session& session) {
         session.Changed();
         return;  // not a number: ends without a message
     }
-    AddOffsetForm form(session, typed);
+    AddOffsetForm form(session, typed, false);
     session.prompter.ShowAddOffset(form);
     c.offsetCaption = PadHex(*offset);
     try {

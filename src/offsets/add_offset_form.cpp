@@ -29,14 +29,14 @@ bool UsableKeyName(std::string_view name) {
     return name.find_first_of("\r\n=[]") == std::string_view::npos;
 }
 
-AddOffsetForm::AddOffsetForm(Session& session, std::optional<std::string> presetOffset) : session_(session) {
+AddOffsetForm::AddOffsetForm(Session& session, std::optional<std::string> presetOffset, bool cancelEnabled)
+    : cancelEnabled(cancelEnabled), session_(session) {
     ini_.SetPath(session.OffsetFile());
     std::int32_t count = 0;
     ini_.EnumerateAllSections(sections_, count);
     if (presetOffset) {
         offsetDecimal = *presetOffset;
         offsetEnabled = false;
-        cancelEnabled = false;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "ui/text_bridge.h"
 #include "ui/xp_button.h"
+#include "ui/tool_window.h"
 
 #include "offsets/add_offset_form.h"
 
@@ -14,7 +15,7 @@
 
 namespace quillon::ui {
 AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
-    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint), form_(form) {
+    : QDialog(parent, kToolWindowFlags), form_(form) {
     setObjectName(QStringLiteral("frmAddOffset"));
     setWindowTitle(QStringLiteral("Add Offset to INI"));
     setModal(true);
@@ -67,8 +68,7 @@ AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
     });
     connect(cancel_, &XPButton::clicked, this, &QDialog::reject);
 
-    // 2760 x 4140 twips at 15 twips per pixel.
-    resize(184, 276);
+    FixClientSize(this, 2760, 4140);
 }
 
 void AddOffsetDialog::Pull() {

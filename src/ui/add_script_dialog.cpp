@@ -2,6 +2,7 @@
 
 #include "ui/text_bridge.h"
 #include "ui/xp_button.h"
+#include "ui/tool_window.h"
 
 #include <QCheckBox>
 #include <QGroupBox>
@@ -14,7 +15,7 @@
 namespace quillon::ui {
 
 AddScriptDialog::AddScriptDialog(Session& session, QWidget* parent)
-    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint), form_(session) {
+    : QDialog(parent, kToolWindowFlags), form_(session) {
     setObjectName(QStringLiteral("frmAddScript"));
     setWindowTitle(Q(kAddScriptCaption));
     setModal(true);
@@ -67,6 +68,7 @@ AddScriptDialog::AddScriptDialog(Session& session, QWidget* parent)
         form_.AddScript();
         if (form_.Closed()) accept();
     });
+    FixClientSize(this, 4425, 3465);
     Push();
 }
 

@@ -35,6 +35,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QTextBlock>
 #include <QTreeWidget>
@@ -97,10 +98,11 @@ void MainWindow::BuildControls() {
     text1_ = new QPlainTextEdit(this);
     text1_->setObjectName(QStringLiteral("Text1"));
     text1_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    text1_->setContextMenuPolicy(Qt::CustomContextMenu);
+    // The right button opens mnuBP from the mouse-down handler; the box's own
+    // context menu never opens.
+    text1_->setContextMenuPolicy(Qt::PreventContextMenu);
     text1_->installEventFilter(this);
-    connect(text1_, &QWidget::customContextMenuRequested, this,
-            [this](const QPoint& pos) { ShowTextMenu(text1_->viewport()->mapToGlobal(pos)); });
+    text1_->viewport()->installEventFilter(this);
     connect(text1_, &QPlainTextEdit::textChanged, this, [this] {
         if (!syncing_) PushTextToSession();
     });
@@ -168,10 +170,17 @@ void MainWindow::BuildControls() {
         if (syncing_ || !item) return;
         SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
     });
+    // A click on the node that is already selected loads it again.
+    tree_->viewport()->installEventFilter(this);
+    connect(tree_, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) {
+        if (syncing_ || !item || !pressedCurrent_) return;
+        SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
+    });
     connect(tree_, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) { ShowTreeMenu(pos); });
 
-    offset_ = new XPButton(QStringLiteral("Command5"), QStringLiteral("O&ffset"), this);
-    connect(offset_, &XPButton::clicked, this, [this] { ViewOffset(session_); });
+    offset_ = new QPushButton(QStringLiteral("O&ffset"), this);
+    offset_->setObjectName(QStringLiteral("Command5"));
+    connect(offset_, &QPushButton::clicked, this, [this] { ViewOffset(session_); });
 
     frame1_ = new QGroupBox(QStringLiteral("Information"), this);
     frame1_->setObjectName(QStringLiteral("Frame1"));
@@ -194,6 +203,13 @@ void MainWindow::BuildControls() {
     textNote_->setObjectName(QStringLiteral("lblTextNote"));
     textNote_->setStyleSheet(QStringLiteral("color: #7a4b00; background: #fff3c4; padding-left: 3px;"));
     textNote_->hide();
+
+    // A frame drawn behind the editor; its caption stays hidden under it.
+    textBorder_ = new QLabel(QStringLiteral("Textbox-Border"), this);
+    textBorder_->setObjectName(QStringLiteral("lblTextborder"));
+    textBorder_->setProperty("backdrop", true);
+    textBorder_->setStyleSheet(QStringLiteral("color: transparent; background: white; border: 1px solid #7f9db9;"));
+    textBorder_->lower();
 
     welcome_ = new QLabel(QStringLiteral("Welcome to Quillon"), this);
     welcome_->setObjectName(QStringLiteral("lblWelcome"));
@@ -256,6 +272,8 @@ void MainWindow::PlaceControls() {
     // A note on bytes the editor can't reproduce takes the editor's last line.
     place(text1_, 5580, 1080, 4200, textNote_->isVisibleTo(this) ? 2430 : 2700);
     place(textNote_, 5580, 3510, 4200, 270);
+    place(textBorder_, 5580, 1080, 4200, 2700);
+    textBorder_->setGeometry(textBorder_->geometry().adjusted(-2, -2, 2, 2));
     place(repoint_, 5580, 3840, 4200, 270);
     place(check1_, 5580, 4170, 2400, 300);
     place(european_, 5580, 4500, 2040, 300);
@@ -304,9 +322,36 @@ void MainWindow::paintEvent(QPaintEvent*) {
     p.drawRoundedRect(QRectF(5 * k + 1, 5 * k + 1, width() - 5 * k - 2, height() - 5 * k - 2), 12.5 * k, 12.5 * k);
 }
 
+bool MainWindow::OnBackground(QPoint pos) const {
+    QWidget* hit = childAt(pos);
+    return !hit || hit == welcome_ || hit == frame1_ || hit->parentWidget() == frame1_ || hit == repoint_ ||
+           hit == textBorder_;
+}
+
 void MainWindow::mousePressEvent(QMouseEvent* event) {
-    // The background drags the window, with any button.
-    if (QWindow* w = windowHandle()) w->startSystemMove();
+    // A press on the background, with any button, drags the window once the
+    // pointer moves with the button held: a click alone (a touchpad sends
+    // press and release at once) never hands the window to the window manager.
+    dragArmed_ = OnBackground(event->position().toPoint());
+    dragFrom_ = event->globalPosition().toPoint();
+    event->accept();
+}
+
+void MainWindow::mouseMoveEvent(QMouseEvent* event) {
+    if (!dragArmed_ || event->buttons() == Qt::NoButton) {
+        dragArmed_ = false;
+        return;
+    }
+    if ((event->globalPosition().toPoint() - dragFrom_).manhattanLength() < QApplication::startDragDistance()) return;
+    dragArmed_ = false;
+    if (systemMove)
+        systemMove();
+    else if (QWindow* w = windowHandle())
+        w->startSystemMove();
+}
+
+void MainWindow::mouseReleaseEvent(QMouseEvent* event) {
+    dragArmed_ = false;
     event->accept();
 }
 
@@ -341,7 +386,28 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
         if (pressed != 0 && code == 0) return true;  // cancelled (Shift+Insert)
         return false;
     }
-    if (event->type() == QEvent::MouseButtonRelease) {
+    if (watched == text1_->viewport() &&
+        (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) &&
+        static_cast<QMouseEvent*>(event)->button() == Qt::RightButton) {
+        // Only mnuBP opens, and the press goes no further.
+        text1_->setEnabled(false);
+        text1_->setEnabled(true);
+        text1_->setFocus(Qt::MouseFocusReason);
+        ShowTextMenu(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
+        return true;
+    }
+    if (watched == tree_->viewport() && event->type() == QEvent::MouseButtonPress) {
+        QTreeWidgetItem* hit = tree_->itemAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+        pressedCurrent_ = hit && hit == tree_->currentItem();
+    }
+    const bool hotspot = watched == close_ || watched == help_ || watched == minimize_;
+    if (hotspot && (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick))
+        return true;  // hotspots are not part of the dragging background
+    if (hotspot && event->type() == QEvent::MouseButtonRelease) {
+        // Hotspots act on a left click released over them.
+        auto* mouse = static_cast<QMouseEvent*>(event);
+        auto* spot = static_cast<QWidget*>(watched);
+        if (mouse->button() != Qt::LeftButton || !spot->rect().contains(mouse->position().toPoint())) return true;
         if (watched == close_) {
             ExitProgram();
             return true;
@@ -396,10 +462,11 @@ void MainWindow::ShowTextMenu(const QPoint& globalPos) {
 }
 
 void MainWindow::ShowTreeMenu(const QPoint& pos) {
-    if (QTreeWidgetItem* item = tree_->itemAt(pos)) {
-        // A right-click selects and loads the node before the menu opens.
-        SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
-    }
+    // A right-click selects and loads the node before the menu opens; on
+    // empty space it does nothing.
+    QTreeWidgetItem* item = tree_->itemAt(pos);
+    if (!item) return;
+    SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
     treeMenu_->popup(tree_->viewport()->mapToGlobal(pos));
 }
 

@@ -3,6 +3,7 @@
 // control states after every change and hands each action to a command.
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class QButtonGroup;
@@ -11,6 +12,7 @@ class QGroupBox;
 class QLabel;
 class QMenu;
 class QPlainTextEdit;
+class QPushButton;
 class QRadioButton;
 class QTreeWidget;
 class QTreeWidgetItem;
@@ -43,9 +45,14 @@ public:
     // Opens the Tools menu (as XPButton6 does).
     void ShowToolsMenu();
 
+    // Hands the window to the window manager's move; tests replace it.
+    std::function<void()> systemMove;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -63,18 +70,23 @@ private:
     void ShowTreeMenu(const QPoint& pos);
     void ExitProgram();
     int T(int twips) const;
+    bool OnBackground(QPoint pos) const;
 
     Session& session_;
     Clipboard& clipboard_;
     bool syncing_ = false;  // the window is writing its controls from the session
     std::size_t treeSignature_ = 0;
+    bool dragArmed_ = false;  // a press on the background, not moved yet
+    QPoint dragFrom_;
+    bool pressedCurrent_ = false;  // the last tree press hit the selected node
 
     QPlainTextEdit* text1_ = nullptr;
     QCheckBox* check1_ = nullptr;
     QRadioButton* european_ = nullptr;
     QRadioButton* japanese_ = nullptr;
     XPButton* save_ = nullptr;
-    XPButton* offset_ = nullptr;
+    QPushButton* offset_ = nullptr;
+    QLabel* textBorder_ = nullptr;
     XPButton* buttons_[5] = {};  // XPButton1, 2, 3, 6, 4 from top to bottom
     QGroupBox* frame1_ = nullptr;
     QLabel* label2_ = nullptr;

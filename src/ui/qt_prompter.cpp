@@ -4,6 +4,7 @@
 
 #include "ui/add_offset_dialog.h"
 
+#include <QApplication>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -47,8 +48,13 @@ QString ToQtFilter(std::string_view filter) {
     return entries.join(QStringLiteral(";;"));
 }
 
-// Boxes shown before the main window appears are centred on the screen.
-QWidget* QtPrompter::Owner() const { return parent_ && parent_->isVisible() ? parent_ : nullptr; }
+// A box belongs to the window that is in front: the modal window that asked,
+// else the main window. Boxes shown before the main window appears are
+// centred on the screen.
+QWidget* QtPrompter::Owner() const {
+    if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+    return parent_ && parent_->isVisible() ? parent_ : nullptr;
+}
 
 void QtPrompter::Message(Icon icon, std::string_view text, std::string_view title) {
     QMessageBox box(ToQt(icon), Q(title), Lines(text), QMessageBox::Ok, Owner());
@@ -81,7 +87,7 @@ std::optional<std::filesystem::path> QtPrompter::SaveFile(std::string_view title
 }
 
 void QtPrompter::ShowAddOffset(AddOffsetForm& form) {
-    AddOffsetDialog dialog(form, parent_);
+    AddOffsetDialog dialog(form, Owner() ? Owner() : parent_);
     dialog.exec();
 }
 

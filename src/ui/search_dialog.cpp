@@ -7,6 +7,7 @@
 #include "ui/menu_builder.h"
 #include "ui/text_bridge.h"
 #include "ui/xp_button.h"
+#include "ui/tool_window.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -24,7 +25,7 @@
 
 namespace quillon::ui {
 SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* parent)
-    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint),
+    : QDialog(parent, kToolWindowFlags),
       session_(session),
       clipboard_(clipboard),
       form_(session) {
@@ -118,7 +119,7 @@ SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* pare
         form_.ChooseTable(true);
         Push();
     });
-    resize(sizeHint().expandedTo(QSize(560, 240)));
+    FixClientSize(this, 8355, 3015);
     Push();
 }
 

@@ -30,7 +30,8 @@ void Check(const QWidget& window, const QWidget* parent, QStringList& problems) 
     QList<const QWidget*> shown;
     for (const QObject* o : parent->children()) {
         const auto* w = qobject_cast<const QWidget*>(o);
-        if (!w || w->isWindow() || w->isHidden() || !IsControl(w)) continue;
+        // A backdrop is drawn behind the controls it frames.
+        if (!w || w->isWindow() || w->isHidden() || !IsControl(w) || w->property("backdrop").toBool()) continue;
         shown << w;
         const QRect inWindow(w->mapTo(&window, QPoint(0, 0)), w->size());
         if (!window.rect().contains(inWindow))
