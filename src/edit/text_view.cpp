@@ -3,6 +3,7 @@
 #include "app/session.h"
 #include "offsets/add_offset_form.h"
 #include "offsets/offset_file.h"
+#include "offsets/offset_text.h"
 
 #include <quillon/codec.h>
 #include <quillon/rom.h>
@@ -10,7 +11,6 @@
 #include "core/file_io.h"
 #include "edit/write_plan.h"
 
-#include <charconv>
 #include <cstdio>
 #include <exception>
 
@@ -20,17 +20,6 @@ namespace {
 std::int32_t EncodedLength(const Session& session) {
     return static_cast<std::int32_t>(
         (EncodeText(session.controls.text1.Text(), session.controls.specialDialog).size() + 1) / 2);
-}
-
-// A decimal whole number from 0 to 0xFFFFFFFF, blanks around it allowed.
-std::optional<std::uint32_t> ParseDecimal(std::string_view text) {
-    auto first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) return std::nullopt;
-    text = text.substr(first, text.find_last_not_of(' ') - first + 1);
-    std::uint32_t value = 0;
-    auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (ec != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return value;
 }
 
 std::string HexOf(std::string_view bytes) {
@@ -171,10 +160,12 @@ void ViewOffset(Session& session) {
         session.Changed();
         return;
     }
-    auto offset = ParseDecimal(typed);
+    auto offset = ParseDecimalOrHexOffset(typed);
     if (!offset) {
+        session.prompter.Message(Icon::Warning, "'" + typed + "' is not an offset.\r\n"
+                                 "Write it in decimal (100085) or in hexadecimal with 0x (0x186F5).");
         session.Changed();
-        return;  // not a number: ends without a message
+        return;
     }
     AddOffsetForm form(session, typed, false);
     session.prompter.ShowAddOffset(form);

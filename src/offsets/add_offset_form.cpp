@@ -3,6 +3,7 @@
 #include "app/session.h"
 #include "core/file_io.h"
 #include "offsets/offset_file.h"
+#include "offsets/offset_text.h"
 
 #include <quillon/errors.h>
 
@@ -56,10 +57,9 @@ bool AddOffsetForm::Add() {
         return refuse("A text name can't start with \";\" or \"#\", start or end with a blank, or contain line "
                       "breaks, \"=\", \"[\" or \"]\": the offset file could not hold it.");
 
-    std::uint32_t offset = 0;
-    auto [end, ec] = std::from_chars(offsetDecimal.data(), offsetDecimal.data() + offsetDecimal.size(), offset);
-    if (ec != std::errc() || end != offsetDecimal.data() + offsetDecimal.size())
-        return refuse("The offset must be a decimal whole number from 0 to 4294967295.");
+    const auto parsed = ParseDecimalOrHexOffset(offsetDecimal);
+    if (!parsed) return refuse("The offset must be a whole number from 0 to 4294967295, in decimal or in hexadecimal written with 0x.");
+    const std::uint32_t offset = *parsed;
     try {
         std::uint64_t size = io::FileSize(session_.romPath);
         if (offset >= size)

@@ -5,6 +5,7 @@
 #include "ui/tool_window.h"
 
 #include "offsets/add_offset_form.h"
+#include "offsets/offset_text.h"
 
 #include <QComboBox>
 #include <QGroupBox>
@@ -39,11 +40,19 @@ AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
     layout->addWidget(nameFrame);
 
     auto* offsetFrame = new QGroupBox(QStringLiteral("Text Offset (Enter)"), this);
-    auto* offsetLayout = new QHBoxLayout(offsetFrame);
+    auto* offsetColumn = new QVBoxLayout(offsetFrame);
+    auto* offsetLayout = new QHBoxLayout;
     offset_ = new QLineEdit(offsetFrame);
     offset_->setObjectName(QStringLiteral("Text3"));
     offsetLayout->addWidget(offset_);
     offsetLayout->addWidget(new QLabel(QStringLiteral("(Decimal)"), offsetFrame));
+    offsetColumn->addLayout(offsetLayout);
+    // What the box was read as: the same offset in the other base.
+    auto* echo = new QLabel(offsetFrame);
+    echo->setObjectName(QStringLiteral("lblOffsetEcho"));
+    offsetColumn->addWidget(echo);
+    connect(offset_, &QLineEdit::textChanged, echo,
+            [echo](const QString& text) { echo->setText(Q(DecimalBoxEcho(U(text)))); });
     layout->addWidget(offsetFrame);
 
     add_ = new XPButton(QStringLiteral("Command1"), QStringLiteral("&Add to INI"), this);

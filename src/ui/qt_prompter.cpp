@@ -4,6 +4,8 @@
 
 #include "ui/add_offset_dialog.h"
 
+#include "offsets/offset_text.h"
+
 #include <QApplication>
 #include <QFileDialog>
 #include <QInputDialog>
@@ -68,10 +70,22 @@ bool QtPrompter::AskYesNo(std::string_view text, std::string_view title) {
 
 std::optional<std::string> QtPrompter::Input(std::string_view title, std::string_view prompt,
                                              std::string_view defaultValue) {
-    bool ok = false;
-    QString answer = QInputDialog::getText(parent_, Q(title), Lines(prompt), QLineEdit::Normal, Q(defaultValue), &ok);
-    if (!ok) return std::nullopt;
-    return U(answer);
+    QInputDialog box(Owner() ? Owner() : parent_);
+    box.setWindowTitle(Q(title));
+    box.setLabelText(Lines(prompt));
+    box.setTextValue(Q(defaultValue));
+    if (prompt.find("(Dec)") != std::string_view::npos) {
+        // A decimal offset box shows what it reads the answer as.
+        const QString label = Lines(prompt);
+        auto echo = [&box, label](const QString& text) {
+            const std::string seen = DecimalBoxEcho(U(text));
+            box.setLabelText(seen.empty() ? label : label + QStringLiteral("  ") + Q(seen));
+        };
+        QObject::connect(&box, &QInputDialog::textValueChanged, &box, echo);
+        echo(box.textValue());
+    }
+    if (box.exec() != QDialog::Accepted) return std::nullopt;
+    return U(box.textValue());
 }
 
 std::optional<std::filesystem::path> QtPrompter::OpenFile(std::string_view title, std::string_view filter) {
