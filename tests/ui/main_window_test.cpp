@@ -210,6 +210,18 @@ TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
     EXPECT_EQ(At(std::stoul(offsetHex, nullptr, 16), 13), Bytes("6A5A0F005634120809036C0200"));
 }
 
+TEST_F(MainWindowTest, ExportAddsTxtToANameWithoutExtensionOnly) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    for (const char* name : {"gull", "gull.text"}) {
+        user.Then(dir / name);
+        Trigger(window->TextMenu(), "mnuExport");
+        const std::string written = std::string(name) == "gull" ? "gull.txt" : name;
+        EXPECT_EQ(ReadFile(dir / written), "Kree! Kree!") << name;
+    }
+    EXPECT_FALSE(std::filesystem::exists(dir / "gull"));
+}
+
 TEST(TwipsToPixels, FifteenTwipsPerPixelAt96DpiRoundedHalfToEven) {
     EXPECT_EQ(ui::TwipsToPixels(10050, 96), 670);
     EXPECT_EQ(ui::TwipsToPixels(6885, 144), 688);  // 688.5
