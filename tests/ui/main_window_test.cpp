@@ -14,6 +14,7 @@
 #include <quillon/codec.h>
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
@@ -183,14 +184,36 @@ TEST_F(MainWindowTest, TheSearchWindowsButtonsReachTheSearch) {
     ClickChild(search, "Command1");
     const QString offset = Child<QLineEdit>(search, "Text2")->text();
     ASSERT_FALSE(offset.isEmpty());
-    EXPECT_EQ(Child<QStatusBar>(search, "StatusBar1")->currentMessage(),
-              "Result: Text found at Offset " + offset + " (Decimal)!");
+    EXPECT_TRUE(Child<QStatusBar>(search, "StatusBar1")->currentMessage().startsWith(
+        "Result: Text found at Offset " + offset + " (Decimal)!"));
     EXPECT_TRUE(Child<QPlainTextEdit>(search, "Text3")->toPlainText().contains("lamp"));
     EXPECT_TRUE(Child(search, "Command2")->isEnabled());
     // The Japanese table previews only and blocks searching.
     ClickChild(search, "Option1_1");
     for (const char* name : {"Command1", "Command2", "Command4"})
         EXPECT_FALSE(Child(search, name)->isEnabled()) << name;
+}
+
+TEST_F(MainWindowTest, SearchMatchesCaseByChoiceNamesTheEntryOfAMatchAndJumpsToIt) {
+    StartAndOpen();
+    ui::SearchDialog search(*session, clipboard, window.get());
+    auto* matchCase = Child<QCheckBox>(search, "chkMatchCase");
+    EXPECT_TRUE(matchCase->isChecked());
+    QTest::keyClicks(Child(search, "Text1"), "THE LAMP HAS");
+    ClickChild(search, "Command1");
+    EXPECT_EQ(Child<QStatusBar>(search, "StatusBar1")->currentMessage(), "Result: Text could not be found!");
+    EXPECT_TRUE(Child(search, "cmdJump")->isHidden());
+
+    matchCase->setChecked(false);
+    ClickChild(search, "Command1");
+    const QString offset = Child<QLineEdit>(search, "Text2")->text();
+    EXPECT_EQ(Child<QStatusBar>(search, "StatusBar1")->currentMessage(),
+              "Result: Text found at Offset " + offset + " (Decimal)! in Lighthouse / Keeper");
+    ASSERT_FALSE(Child(search, "cmdJump")->isHidden());
+    ClickChild(search, "cmdJump");
+    EXPECT_EQ(search.result(), QDialog::Accepted);
+    EXPECT_EQ(Find<QTreeWidget>("TreeView1")->currentItem(), Node("Lighthouse", "Keeper"));
+    EXPECT_TRUE(Text1().startsWith("Welcome up"));
 }
 
 TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
