@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QVBoxLayout>
@@ -78,6 +79,15 @@ AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
     connect(cancel_, &XPButton::clicked, this, &QDialog::reject);
 
     FixClientSize(this, 2760, 4140);
+}
+
+void AddOffsetDialog::keyPressEvent(QKeyEvent* event) {
+    // Enter adds, as "&Add to INI" does.
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        add_->click();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void AddOffsetDialog::Pull() {

@@ -4,6 +4,7 @@
 #include "app/session.h"
 #include "edit/save_text.h"
 #include "edit/tag_commands.h"
+#include "edit/tag_marks.h"
 #include "edit/text_menus.h"
 #include "edit/text_view.h"
 #include "offsets/add_offset_form.h"
@@ -16,6 +17,7 @@
 #include "ui/fit_monitor.h"
 #include "ui/history_dialog.h"
 #include "ui/search_dialog.h"
+#include "ui/tag_highlighter.h"
 #include "ui/menu_builder.h"
 #include "ui/text_bridge.h"
 #include "ui/tree_icons.h"
@@ -38,6 +40,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTextBlock>
+#include <QToolTip>
+#include <QHelpEvent>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 #include <QWindow>
@@ -101,6 +105,8 @@ void MainWindow::BuildControls() {
     // The right button opens mnuBP from the mouse-down handler; the box's own
     // context menu never opens.
     text1_->setContextMenuPolicy(Qt::PreventContextMenu);
+    text1_->setTabChangesFocus(true);  // a tab has no byte
+    new TagHighlighter(text1_);
     text1_->installEventFilter(this);
     text1_->viewport()->installEventFilter(this);
     connect(text1_, &QPlainTextEdit::textChanged, this, [this] {
@@ -127,7 +133,9 @@ void MainWindow::BuildControls() {
     const qreal dpr = devicePixelRatioF();
     save_ = new XPButton(QStringLiteral("Command2"), QStringLiteral("S&ave Text"), this);
     save_->SetPictureNormal(ButtonPicture(QStringLiteral("save"), 16, dpr));
-    connect(save_, &XPButton::clicked, this, [this] { SaveText(session_); });
+    connect(save_, &XPButton::clicked, this, [this] {
+        if (ConfirmUnencodable(session_)) SaveText(session_);
+    });
 
     const char* names[5] = {"XPButton1", "XPButton2", "XPButton3", "XPButton6", "XPButton4"};
     const char* captions[5] = {"&Open ROM", "&Exit", "&Search", "&Tools", "&About"};
@@ -394,6 +402,15 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
         text1_->setEnabled(true);
         text1_->setFocus(Qt::MouseFocusReason);
         ShowTextMenu(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
+        return true;
+    }
+    if (watched == text1_->viewport() && event->type() == QEvent::ToolTip) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        const QString tip = TagHighlighter::ExplainAt(*text1_, text1_->cursorForPosition(help->pos()).position());
+        if (tip.isEmpty())
+            QToolTip::hideText();
+        else
+            QToolTip::showText(help->globalPos(), tip, text1_->viewport());
         return true;
     }
     if (watched == tree_->viewport() && event->type() == QEvent::MouseButtonPress) {
