@@ -1,6 +1,7 @@
 #include "edit/text_view.h"
 
 #include "app/session.h"
+#include "edit/drafts.h"
 #include "offsets/add_offset_form.h"
 #include "offsets/offset_file.h"
 #include "offsets/offset_text.h"
@@ -66,6 +67,8 @@ std::string RoundTripNote(std::string_view loaded, std::string_view saved) {
 void ShowNoText(Session& session) {
     auto& c = session.controls;
     c.text1.SetText({});
+    session.shownEntry.clear();
+    c.draftTime.clear();
     c.offsetCaption.clear();
     session.oldTextLength = 0;
     c.saveEnabled = false;
@@ -100,6 +103,9 @@ void LoadTextAt(Session& session, std::string_view offsetHex) {
 }
 
 void Text_Load(Session& session) {
+    KeepDraft(session);  // the text shown now, if it was edited and not saved
+    session.shownEntry.clear();
+    session.controls.draftTime.clear();
     auto& c = session.controls;
     c.specialDialog = false;
     const TreeNode* node = session.tree.SelectedNode();
@@ -115,6 +121,8 @@ void Text_Load(Session& session) {
         session.ini.SetKey(KeyNameOf(node->key));
         c.offsetCaption = session.ini.Value();
         LoadTextAt(session, c.offsetCaption);
+        session.shownEntry = DraftKey(session.tree.SelectedParentText(), KeyNameOf(node->key));
+        OfferDraft(session);
     } catch (const std::exception&) {
         // A bad offset or an unreadable ROM leaves the editor as far as it got.
     }
@@ -144,6 +152,7 @@ void SelectNode(Session& session, std::size_t index) {
 }
 
 void ChooseTable(Session& session, bool japanese) {
+    KeepDraft(session);
     session.controls.japaneseTable = japanese;
     if (session.RomOpen()) Text_Load(session);
     session.Changed();
@@ -151,6 +160,9 @@ void ChooseTable(Session& session, bool japanese) {
 
 void ViewOffset(Session& session) {
     auto answer = session.prompter.Input("Text Offset", "Enter Text Offset to view (Dec):", "0");
+    KeepDraft(session);
+    session.shownEntry.clear();
+    session.controls.draftTime.clear();
     auto& c = session.controls;
     c.specialDialog = false;
     session.oldTextLength = 0;

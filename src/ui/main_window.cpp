@@ -3,6 +3,7 @@
 #include "app/clipboard.h"
 #include "app/session.h"
 #include "edit/save_text.h"
+#include "edit/drafts.h"
 #include "edit/tag_commands.h"
 #include "edit/tag_marks.h"
 #include "edit/text_menus.h"
@@ -144,7 +145,12 @@ void MainWindow::BuildControls() {
         buttons_[i] = new XPButton(QString::fromUtf8(names[i]), QString::fromUtf8(captions[i]), this);
         buttons_[i]->SetPictureNormal(ButtonPicture(QString::fromUtf8(pictures[i]), 24, dpr));
     }
-    connect(buttons_[0], &XPButton::clicked, this, [this] { OpenRom(session_); });
+    connect(buttons_[0], &XPButton::clicked, this, [this] {
+        LeaveRom(session_);
+        OpenRom(session_);
+        LoadDrafts(session_);
+        session_.Changed();
+    });
     connect(buttons_[1], &XPButton::clicked, this, [this] { ExitProgram(); });
     connect(buttons_[2], &XPButton::clicked, this, [this] {
         SearchDialog dialog(session_, clipboard_, this);
@@ -219,6 +225,18 @@ void MainWindow::BuildControls() {
     textBorder_->setStyleSheet(QStringLiteral("color: transparent; background: white; border: 1px solid #7f9db9;"));
     textBorder_->lower();
 
+    draftBar_ = new QLabel(this);
+    draftBar_->setObjectName(QStringLiteral("lblDraft"));
+    draftBar_->setStyleSheet(QStringLiteral("background: #fff4c2; color: #4a3a00; border: 1px solid #d9b84a; padding: 0 4px;"));
+    draftBar_->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    draftBar_->hide();
+    connect(draftBar_, &QLabel::linkActivated, this, [this](const QString& link) {
+        if (link == QLatin1String("restore"))
+            RestoreDraft(session_);
+        else
+            DiscardDraft(session_);
+    });
+
     welcome_ = new QLabel(QStringLiteral("Welcome to Quillon"), this);
     welcome_->setObjectName(QStringLiteral("lblWelcome"));
     QFont big = small;
@@ -278,10 +296,13 @@ void MainWindow::PlaceControls() {
     place(help_, kButtonLeft + 60, 6330, 285, 285);
     place(tree_, 2520, 1080, 2895, 5490);
     // A note on bytes the editor can't reproduce takes the editor's last line.
-    place(text1_, 5580, 1080, 4200, textNote_->isVisibleTo(this) ? 2430 : 2700);
+    // The restore bar of a draft takes the editor's first line.
+    const int bar = draftBar_->isVisibleTo(this) ? 360 : 0;
+    place(text1_, 5580, 1080 + bar, 4200, (textNote_->isVisibleTo(this) ? 2430 : 2700) - bar);
     place(textNote_, 5580, 3510, 4200, 270);
     place(textBorder_, 5580, 1080, 4200, 2700);
     textBorder_->setGeometry(textBorder_->geometry().adjusted(-2, -2, 2, 2));
+    place(draftBar_, 5580, 1080, 4200, 330);
     place(repoint_, 5580, 3840, 4200, 270);
     place(check1_, 5580, 4170, 2400, 300);
     place(european_, 5580, 4500, 2040, 300);
@@ -443,7 +464,8 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void MainWindow::ExitProgram() {
-    // Every window closes without a question; unsaved edits are dropped.
+    // Every window closes without a question; an unsaved edit is kept as a draft.
+    LeaveRom(session_);
     for (QWidget* w : QApplication::topLevelWidgets())
         if (w != this) w->close();
     close();
@@ -525,6 +547,13 @@ void MainWindow::Refresh() {
     label3_->setText(Q(c.offsetCaption));
     label4_->setText(Q(c.gameCode));
     repoint_->setText(Q(c.repointCaption));
+    draftBar_->setText(QStringLiteral("Unsaved changes from %1 - <a href=\"restore\">Restore</a> / "
+                                      "<a href=\"discard\">Discard</a>")
+                           .arg(Q(c.draftTime).toHtmlEscaped()));
+    if (c.draftTime.empty() != draftBar_->isHidden()) {
+        draftBar_->setVisible(!c.draftTime.empty());
+        PlaceControls();
+    }
     RefreshTree();
     syncing_ = false;
 }
@@ -536,6 +565,7 @@ void MainWindow::RefreshTree() {
         signature = signature * 1000003u ^ std::hash<std::string>{}(n.key + '\n' + n.text + '\n' + std::string(n.image));
     if (signature != treeSignature_ || tree_->topLevelItemCount() == 0) {
         treeSignature_ = signature;
+        draftItems_.clear();
         tree_->clear();
         std::vector<QTreeWidgetItem*> items(nodes.size(), nullptr);
         for (std::size_t i = 0; i < nodes.size(); ++i) {
@@ -557,6 +587,30 @@ void MainWindow::RefreshTree() {
             if ((*it)->data(0, Qt::UserRole).toULongLong() == *index) selected = *it;
     }
     if (tree_->currentItem() != selected) tree_->setCurrentItem(selected);
+    MarkDrafts();
+}
+
+void MainWindow::MarkDrafts() {
+    // Entries with a draft show in italics.
+    auto mark = [](QTreeWidgetItem* item, bool on) {
+        QFont f = item->font(0);
+        f.setItalic(on);
+        item->setFont(0, f);
+        item->setToolTip(0, on ? QStringLiteral("Unsaved changes") : QString());
+    };
+    for (QTreeWidgetItem* item : std::as_const(draftItems_)) mark(item, false);
+    draftItems_.clear();
+    for (const auto& [entry, draft] : session_.drafts) {
+        const auto cut = entry.find('\n');
+        const QString section = Q(entry.substr(0, cut)), key = Q(entry.substr(cut + 1));
+        for (int i = 0; i < tree_->topLevelItemCount(); ++i) {
+            QTreeWidgetItem* s = tree_->topLevelItem(i);
+            if (s->text(0) != section) continue;
+            for (int k = 0; k < s->childCount(); ++k)
+                if (s->child(k)->text(0) == key) draftItems_ << s->child(k);
+        }
+    }
+    for (QTreeWidgetItem* item : std::as_const(draftItems_)) mark(item, true);
 }
 
 }  // namespace quillon::ui

@@ -63,6 +63,7 @@ private:
     void DoTransparency();
     void Refresh();
     void RefreshTree();
+    void MarkDrafts();
     void PushTextToSession();
     void PushSelectionToSession();
     void RunTextMenu(const QString& name);
@@ -87,6 +88,8 @@ private:
     XPButton* save_ = nullptr;
     QPushButton* offset_ = nullptr;
     QLabel* textBorder_ = nullptr;
+    QLabel* draftBar_ = nullptr;  // "Unsaved changes from <time> - Restore / Discard"
+    QList<QTreeWidgetItem*> draftItems_;  // tree entries marked for their drafts
     XPButton* buttons_[5] = {};  // XPButton1, 2, 3, 6, 4 from top to bottom
     QGroupBox* frame1_ = nullptr;
     QLabel* label2_ = nullptr;
