@@ -48,6 +48,11 @@
 #include <QWindow>
 
 #include <cmath>
+#include <cstdlib>
+#if QUILLON_HAVE_XCB
+#include <QGuiApplication>
+#include <xcb/xcb.h>
+#endif
 #include <functional>
 
 namespace quillon::ui {
@@ -86,6 +91,7 @@ MainWindow::MainWindow(Session& session, Clipboard& clipboard, QWidget* parent)
     setAttribute(Qt::WA_DeleteOnClose, false);
     BuildControls();
     PlaceControls();
+    SetSmoothCorners(ScreenComposites());
     session_.OnChanged([this] { Refresh(); });
     Refresh();
     new FitMonitor(session_, text1_, repoint_, textMenu_, toolsMenu_, this);  // line widths in the game's font
@@ -317,13 +323,55 @@ void MainWindow::PlaceControls() {
     DoTransparency();
 }
 
-void MainWindow::DoTransparency() {
+QPainterPath MainWindow::Outline() const {
     // A rounded rectangle from (5, 5) to the far edges with 25-pixel corners.
     const qreal k = logicalDpiX() / 96.0;
     const qreal inset = 5 * k, corner = 25 * k / 2;
     QPainterPath path;
     path.addRoundedRect(QRectF(inset, inset, width() - inset, height() - inset), corner, corner);
-    setMask(QRegion(path.toFillPolygon().toPolygon()));
+    return path;
+}
+
+void MainWindow::DoTransparency() {
+    // Where the screen composites windows the corners are painted smooth on
+    // a translucent window; elsewhere the window region cuts them.
+    if (smoothCorners_)
+        clearMask();
+    else
+        setMask(QRegion(Outline().toFillPolygon().toPolygon()));
+}
+
+void MainWindow::SetSmoothCorners(bool smooth) {
+    smoothCorners_ = smooth;
+    setAttribute(Qt::WA_TranslucentBackground, smooth);
+    DoTransparency();
+    update();
+}
+
+bool ScreenComposites() {
+    const QString platform = QGuiApplication::platformName();
+    if (platform == QLatin1String("wayland") || platform == QLatin1String("windows") ||
+        platform == QLatin1String("cocoa"))
+        return true;
+#if QUILLON_HAVE_XCB
+    if (platform == QLatin1String("xcb")) {
+        // A compositing manager owns the selection _NET_WM_CM_S<screen>.
+        auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+        xcb_connection_t* c = x11 ? x11->connection() : nullptr;
+        if (!c) return false;
+        const char name[] = "_NET_WM_CM_S0";
+        xcb_intern_atom_reply_t* atom =
+            xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, sizeof name - 1, name), nullptr);
+        if (!atom) return false;
+        xcb_get_selection_owner_reply_t* owner =
+            xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, atom->atom), nullptr);
+        const bool composited = owner && owner->owner != XCB_NONE;
+        std::free(owner);
+        std::free(atom);
+        return composited;
+    }
+#endif
+    return false;
 }
 
 QPoint MainWindow::ToolsMenuPoint() const { return QPoint(T(kToolsMenuAt.x()), T(kToolsMenuAt.y())); }
@@ -333,6 +381,7 @@ void MainWindow::ShowToolsMenu() { toolsMenu_->popup(mapToGlobal(ToolsMenuPoint(
 void MainWindow::paintEvent(QPaintEvent*) {
     QPainter p(this);
     p.setRenderHint(QPainter::Antialiasing);
+    if (smoothCorners_) p.setClipPath(Outline());  // antialiased edges over the translucent window
     QLinearGradient sea(0, 0, 0, height());
     sea.setColorAt(0, QColor(28, 64, 120));
     sea.setColorAt(0.55, QColor(44, 104, 168));

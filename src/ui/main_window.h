@@ -11,6 +11,7 @@ class QCheckBox;
 class QGroupBox;
 class QLabel;
 class QMenu;
+class QPainterPath;
 class QPlainTextEdit;
 class QPushButton;
 class QRadioButton;
@@ -31,6 +32,10 @@ class XPButton;
 // pixel at 96 dpi), rounded half to even.
 int TwipsToPixels(int twips, double logicalDpi);
 
+// Whether the screen composites windows, so that a translucent window shows
+// what lies behind it.
+bool ScreenComposites();
+
 class MainWindow : public QWidget {
 public:
     MainWindow(Session& session, Clipboard& clipboard, QWidget* parent = nullptr);
@@ -44,6 +49,11 @@ public:
     QPoint ToolsMenuPoint() const;
     // Opens the Tools menu (as XPButton6 does).
     void ShowToolsMenu();
+
+    // Whether the rounded corners are drawn antialiased over a translucent
+    // window (a screen that composites windows) instead of cut by a region.
+    bool SmoothCorners() const { return smoothCorners_; }
+    void SetSmoothCorners(bool smooth);
 
     // Hands the window to the window manager's move; tests replace it.
     std::function<void()> systemMove;
@@ -61,6 +71,7 @@ private:
     void BuildControls();
     void PlaceControls();
     void DoTransparency();
+    QPainterPath Outline() const;
     void Refresh();
     void RefreshTree();
     void MarkDrafts();
@@ -77,6 +88,7 @@ private:
     Clipboard& clipboard_;
     bool syncing_ = false;  // the window is writing its controls from the session
     std::size_t treeSignature_ = 0;
+    bool smoothCorners_ = false;
     bool dragArmed_ = false;  // a press on the background, not moved yet
     QPoint dragFrom_;
     bool pressedCurrent_ = false;  // the last tree press hit the selected node

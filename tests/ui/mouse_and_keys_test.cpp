@@ -148,6 +148,20 @@ TEST_F(MainWindowTest, OffsetIsAPlainButtonAndTheToolWindowsHaveFixedFrames) {
     }
 }
 
+TEST_F(MainWindowTest, CornersAreSmoothWhereTheScreenCompositesAndCutByTheRegionElsewhere) {
+    ASSERT_FALSE(ui::ScreenComposites());  // the offscreen platform
+    EXPECT_FALSE(window->mask().isEmpty());
+    window->SetSmoothCorners(true);
+    EXPECT_TRUE(window->mask().isEmpty());
+    const QImage shot = window->grab().toImage();
+    int partial = 0;  // pixels of the top-left curve that blend into what lies behind
+    for (int y = 0; y < 20; ++y)
+        for (int x = 0; x < 20; ++x)
+            if (const int a = qAlpha(shot.pixel(x, y)); a > 0 && a < 255) ++partial;
+    EXPECT_GT(partial, 3);
+    EXPECT_EQ(qAlpha(shot.pixel(0, 0)), 0);
+}
+
 // Answers from the script, but shows the add-offset window, and the messages
 // asked while a window is modal, as the program does.
 class QtWindowsPrompter : public FakePrompter {
