@@ -57,7 +57,14 @@ void KeepDraft(Session& session) {
 
 void OfferDraft(Session& session) {
     auto found = session.drafts.find(session.shownEntry);
-    session.controls.draftTime = found == session.drafts.end() ? std::string() : found->second.time;
+    if (found == session.drafts.end()) {
+        session.controls.draftTime.clear();
+        return;
+    }
+    // A draft of today shows its time only.
+    const std::string& time = found->second.time;
+    const std::string today = Now().substr(0, 10);
+    session.controls.draftTime = time.compare(0, 10, today) == 0 && time.size() > 11 ? time.substr(11) : time;
 }
 
 void RestoreDraft(Session& session) {

@@ -95,6 +95,8 @@ MainWindow::MainWindow(Session& session, Clipboard& clipboard, QWidget* parent)
     session_.OnChanged([this] { Refresh(); });
     Refresh();
     new FitMonitor(session_, text1_, repoint_, textMenu_, toolsMenu_, this);  // line widths in the game's font
+    // The editor's own filter goes first: a marked tag's explanation before the line width.
+    text1_->viewport()->installEventFilter(this);
 }
 
 MainWindow::~MainWindow() = default;
@@ -477,10 +479,8 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (watched == text1_->viewport() && event->type() == QEvent::ToolTip) {
         auto* help = static_cast<QHelpEvent*>(event);
         const QString tip = TagHighlighter::ExplainAt(*text1_, text1_->cursorForPosition(help->pos()).position());
-        if (tip.isEmpty())
-            QToolTip::hideText();
-        else
-            QToolTip::showText(help->globalPos(), tip, text1_->viewport());
+        if (tip.isEmpty()) return false;
+        QToolTip::showText(help->globalPos(), tip, text1_->viewport());
         return true;
     }
     if (watched == tree_->viewport() && event->type() == QEvent::MouseButtonPress) {
