@@ -18,7 +18,8 @@ QUILLON_BUILD_PACKAGES=(cmake ninja-build g++ libgtest-dev libgmock-dev libbench
     libcli11-dev libgettextpo-dev zlib1g-dev)
 # The fuzz build: clang with libFuzzer and the sanitizer runtimes.
 QUILLON_FUZZ_PACKAGES=(clang libclang-rt-dev)
-# The windows: Qt 6 Widgets, Network and Test, and an X server for screenshots.
-QUILLON_UI_PACKAGES=(qt6-base-dev xvfb xauth)
+# The windows: Qt 6 Widgets, Network and Test, and an X server with a window
+# manager and a pointer driver for the screenshots and the drag check.
+QUILLON_UI_PACKAGES=(qt6-base-dev xvfb xauth openbox xdotool)
 # The screenshot tool: a CJK font for the kana of the Japanese character list.
 QUILLON_SHOT_PACKAGES=(fonts-noto-cjk)

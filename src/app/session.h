@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,13 @@ struct MainControls {
     // Where the shown text's bytes differ from what saving would write back;
     // empty when they come back byte for byte.
     std::string roundTripNote;
+    std::string draftTime;           // the restore bar's time; empty: no bar
+};
+
+// An edited text that was left unsaved, and when.
+struct Draft {
+    std::string text;
+    std::string time;
 };
 
 // The bytes of the shown text as they were read, so a save can tell whether
@@ -75,6 +83,9 @@ public:
     MainControls controls;
     // Shows long work and lets the user cancel it; none: the work runs to its end.
     Progress* progress = nullptr;
+    // Drafts of the open ROM by DraftKey, and the entry the editor shows.
+    std::map<std::string, Draft> drafts;
+    std::string shownEntry;
 
 private:
     std::vector<std::function<void()>> listeners_;

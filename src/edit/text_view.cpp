@@ -1,8 +1,10 @@
 #include "edit/text_view.h"
 
 #include "app/session.h"
+#include "edit/drafts.h"
 #include "offsets/add_offset_form.h"
 #include "offsets/offset_file.h"
+#include "offsets/offset_text.h"
 
 #include <quillon/codec.h>
 #include <quillon/rom.h>
@@ -10,7 +12,6 @@
 #include "core/file_io.h"
 #include "edit/write_plan.h"
 
-#include <charconv>
 #include <cstdio>
 #include <exception>
 
@@ -20,17 +21,6 @@ namespace {
 std::int32_t EncodedLength(const Session& session) {
     return static_cast<std::int32_t>(
         (EncodeText(session.controls.text1.Text(), session.controls.specialDialog).size() + 1) / 2);
-}
-
-// A decimal whole number from 0 to 0xFFFFFFFF, blanks around it allowed.
-std::optional<std::uint32_t> ParseDecimal(std::string_view text) {
-    auto first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) return std::nullopt;
-    text = text.substr(first, text.find_last_not_of(' ') - first + 1);
-    std::uint32_t value = 0;
-    auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (ec != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return value;
 }
 
 std::string HexOf(std::string_view bytes) {
@@ -77,6 +67,8 @@ std::string RoundTripNote(std::string_view loaded, std::string_view saved) {
 void ShowNoText(Session& session) {
     auto& c = session.controls;
     c.text1.SetText({});
+    session.shownEntry.clear();
+    c.draftTime.clear();
     c.offsetCaption.clear();
     session.oldTextLength = 0;
     c.saveEnabled = false;
@@ -111,6 +103,9 @@ void LoadTextAt(Session& session, std::string_view offsetHex) {
 }
 
 void Text_Load(Session& session) {
+    KeepDraft(session);  // the text shown now, if it was edited and not saved
+    session.shownEntry.clear();
+    session.controls.draftTime.clear();
     auto& c = session.controls;
     c.specialDialog = false;
     const TreeNode* node = session.tree.SelectedNode();
@@ -126,6 +121,8 @@ void Text_Load(Session& session) {
         session.ini.SetKey(KeyNameOf(node->key));
         c.offsetCaption = session.ini.Value();
         LoadTextAt(session, c.offsetCaption);
+        session.shownEntry = DraftKey(session.tree.SelectedParentText(), KeyNameOf(node->key));
+        OfferDraft(session);
     } catch (const std::exception&) {
         // A bad offset or an unreadable ROM leaves the editor as far as it got.
     }
@@ -155,6 +152,7 @@ void SelectNode(Session& session, std::size_t index) {
 }
 
 void ChooseTable(Session& session, bool japanese) {
+    KeepDraft(session);
     session.controls.japaneseTable = japanese;
     if (session.RomOpen()) Text_Load(session);
     session.Changed();
@@ -162,6 +160,9 @@ void ChooseTable(Session& session, bool japanese) {
 
 void ViewOffset(Session& session) {
     auto answer = session.prompter.Input("Text Offset", "Enter Text Offset to view (Dec):", "0");
+    KeepDraft(session);
+    session.shownEntry.clear();
+    session.controls.draftTime.clear();
     auto& c = session.controls;
     c.specialDialog = false;
     session.oldTextLength = 0;
@@ -171,12 +172,14 @@ void ViewOffset(Session& session) {
         session.Changed();
         return;
     }
-    auto offset = ParseDecimal(typed);
+    auto offset = ParseDecimalOrHexOffset(typed);
     if (!offset) {
+        session.prompter.Message(Icon::Warning, "'" + typed + "' is not an offset.\r\n"
+                                 "Write it in decimal (100085) or in hexadecimal with 0x (0x186F5).");
         session.Changed();
-        return;  // not a number: ends without a message
+        return;
     }
-    AddOffsetForm form(session, typed);
+    AddOffsetForm form(session, typed, false);
     session.prompter.ShowAddOffset(form);
     c.offsetCaption = PadHex(*offset);
     try {

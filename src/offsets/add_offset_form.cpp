@@ -5,6 +5,7 @@
 #include "edit/commit.h"
 #include "offsets/ini_document.h"
 #include "offsets/offset_file.h"
+#include "offsets/offset_text.h"
 
 #include <quillon/errors.h>
 
@@ -49,14 +50,14 @@ bool UsableKeyName(std::string_view name) {
     return name.find_first_of("\r\n=[]") == std::string_view::npos;
 }
 
-AddOffsetForm::AddOffsetForm(Session& session, std::optional<std::string> presetOffset) : session_(session) {
+AddOffsetForm::AddOffsetForm(Session& session, std::optional<std::string> presetOffset, bool cancelEnabled)
+    : cancelEnabled(cancelEnabled), session_(session) {
     ini_.SetPath(session.OffsetFile());
     std::int32_t count = 0;
     ini_.EnumerateAllSections(sections_, count);
     if (presetOffset) {
         offsetDecimal = *presetOffset;
         offsetEnabled = false;
-        cancelEnabled = false;
     }
 }
 
@@ -76,10 +77,9 @@ bool AddOffsetForm::Add() {
         return refuse("A text name can't start with \";\" or \"#\", start or end with a blank, or contain line "
                       "breaks, \"=\", \"[\" or \"]\": the offset file could not hold it.");
 
-    std::uint32_t offset = 0;
-    auto [end, ec] = std::from_chars(offsetDecimal.data(), offsetDecimal.data() + offsetDecimal.size(), offset);
-    if (ec != std::errc() || end != offsetDecimal.data() + offsetDecimal.size())
-        return refuse("The offset must be a decimal whole number from 0 to 4294967295.");
+    const auto parsed = ParseDecimalOrHexOffset(offsetDecimal);
+    if (!parsed) return refuse("The offset must be a whole number from 0 to 4294967295, in decimal or in hexadecimal written with 0x.");
+    const std::uint32_t offset = *parsed;
     try {
         std::uint64_t size = io::FileSize(session_.romPath);
         if (offset >= size)

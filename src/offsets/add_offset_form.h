@@ -15,9 +15,10 @@ class Session;
 class AddOffsetForm {
 public:
     // Opens over the session's ROM; with `presetOffset` (decimal) the offset
-    // box is filled and disabled and Cancel is disabled, as when a command
-    // hands over an offset it found.
-    explicit AddOffsetForm(Session& session, std::optional<std::string> presetOffset = std::nullopt);
+    // box is filled and disabled, as when a command hands over an offset it
+    // found. The "O&ffset" command also disables Cancel.
+    explicit AddOffsetForm(Session& session, std::optional<std::string> presetOffset = std::nullopt,
+                           bool cancelEnabled = true);
 
     std::string sectionName;                 // Text1
     std::string textName;                    // Text2

@@ -43,7 +43,8 @@ std::string ToLatin1(std::string_view utf8) {
 void ExportText(Session& session) {
     auto chosen = session.prompter.SaveFile(kExportTitle, kExportFilter);
     if (!chosen || chosen->empty()) return;
-    const std::filesystem::path& path = *chosen;
+    std::filesystem::path path = *chosen;
+    if (!path.has_extension()) path += ".txt";  // a bare name gets the export's own extension
     const std::string bytes = ToLatin1(session.controls.text1.Text());
     try {
         std::error_code ec;

@@ -2,13 +2,19 @@
 
 #include "app/session.h"
 #include "edit/tag_commands.h"
+#include "core/file_io.h"
+#include "edit/text_view.h"
 #include "offsets/add_offset_form.h"
+#include "offsets/ini_document.h"
+#include "offsets/offset_file.h"
 
 #include <quillon/codec.h>
 #include <quillon/errors.h>
 #include <quillon/rom.h>
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <charconv>
 #include <limits>
 #include <optional>
@@ -29,6 +35,39 @@ std::optional<std::int32_t> Decimal(std::string_view s) {
 
 std::string NotANumber(std::string_view what, std::string_view text) {
     return "Result: The " + std::string(what) + " '" + std::string(text) + "' is not a decimal number.";
+}
+
+// For each byte of the European table, the byte of the same letter in the
+// other case; other bytes map to themselves.
+const std::array<unsigned char, 256>& OtherCase() {
+    static const std::array<unsigned char, 256> table = [] {
+        std::array<unsigned char, 256> t{};
+        for (int b = 0; b < 256; ++b) {
+            t[b] = static_cast<unsigned char>(b);
+            const std::string text = DecodeText(std::string(1, static_cast<char>(b)), false);
+            if (text.size() != 1 || !std::isalpha(static_cast<unsigned char>(text[0]))) continue;
+            const char flipped = std::isupper(static_cast<unsigned char>(text[0]))
+                                     ? static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])))
+                                     : static_cast<char>(std::toupper(static_cast<unsigned char>(text[0])));
+            const std::string bytes = HexToBytes(EncodeText(std::string(1, flipped), false));
+            if (bytes.size() == 1) t[b] = static_cast<unsigned char>(bytes[0]);
+        }
+        return t;
+    }();
+    return table;
+}
+
+// The first match from the 1-based position `start` with letters of either
+// case, as FindBytes counts it: its 0-based offset, 0 for none.
+std::int32_t FindIgnoringCase(const std::filesystem::path& rom, const std::string& pattern, std::int32_t start) {
+    const std::string image = io::ReadAll(rom);
+    const auto& other = OtherCase();
+    auto same = [&](char a, char b) {
+        return a == b || other[static_cast<unsigned char>(b)] == static_cast<unsigned char>(a);
+    };
+    if (start < 1 || static_cast<std::size_t>(start - 1) >= image.size()) return 0;
+    auto at = std::search(image.begin() + (start - 1), image.end(), pattern.begin(), pattern.end(), same);
+    return at == image.end() ? 0 : static_cast<std::int32_t>(at - image.begin());
 }
 
 std::string ReadFailed(const std::exception& e) {
@@ -70,7 +109,8 @@ void SearchForm::Find(std::int64_t start, std::string_view foundText) {
         // An empty pattern would "match" wherever the search starts.
         if (pattern.empty() || start > std::numeric_limits<std::int32_t>::max()) return NotFound();
         auto from = static_cast<std::int32_t>(start);
-        std::int32_t match = FindBytes(session_.romPath, pattern, from);
+        std::int32_t match =
+            matchCase ? FindBytes(session_.romPath, pattern, from) : FindIgnoringCase(session_.romPath, pattern, from);
         if (match <= 0) return NotFound();
         ShowMatch(match, foundText);
     } catch (const FileError& e) {
@@ -96,12 +136,53 @@ void SearchForm::ShowMatch(std::int32_t match, std::string_view foundText) {
     command3Visible = true;
     shownText2_ = text2;
     shownMatch_ = match;
+    FindEntry(match);
+    if (!foundKey.empty()) status += " in " + foundSection + " / " + foundKey;
+}
+
+void SearchForm::FindEntry(std::int32_t match) {
+    foundSection.clear();
+    foundKey.clear();
+    // The entry with the nearest offset at or before the match, when its
+    // text (up to its terminator) reaches the match.
+    try {
+        const ini::IniDocument doc(io::ReadAll(session_.OffsetFile()));
+        std::int64_t best = -1;
+        for (const auto& section : doc.Sections()) {
+            if (section.name.empty()) continue;
+            for (const auto& key : doc.Keys(section)) {
+                std::uint32_t value = 0;
+                auto [end, ec] = std::from_chars(key.value.data(), key.value.data() + key.value.size(), value, 16);
+                if (ec != std::errc() || end != key.value.data() + key.value.size() || value > std::uint32_t(match) ||
+                    std::int64_t{value} <= best)
+                    continue;
+                best = value;
+                foundSection = section.name;
+                foundKey = key.name;
+            }
+        }
+        if (best < 0) return;
+        const std::string text = ReadBytesUntil(session_.romPath, PadHex(best), kMaxTextBytes, "FF");
+        if (best + static_cast<std::int64_t>(text.size()) >= match) return;
+    } catch (const std::exception&) {
+    }
+    foundSection.clear();
+    foundKey.clear();
+}
+
+void SearchForm::JumpToEntry() {
+    const auto& nodes = session_.tree.Nodes();
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+        if (nodes[i].parent && nodes[i].text == foundKey && nodes[*nodes[i].parent].text == foundSection)
+            return SelectNode(session_, i);
 }
 
 void SearchForm::NotFound() {
     status = "Result: Text could not be found!";
     command2Enabled = false;
     command3Visible = false;
+    foundSection.clear();
+    foundKey.clear();
     text2.clear();
     text3.clear();
     shownText2_.clear();

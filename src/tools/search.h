@@ -34,7 +34,10 @@ public:
     bool command2Enabled = false;   // "Resume"
     bool command3Visible = false;   // "Write to INI"
     bool command4Enabled = true;    // the Japanese character list
+    bool matchCase = true;          // "Match case": letters compare exactly
     std::string status;             // StatusBar1
+    // The offset-file entry whose text holds the current match; empty for none.
+    std::string foundSection, foundKey;
 
     // "Search": the first match from the start of the file. A match at
     // offset 0 counts as none.
@@ -49,6 +52,8 @@ public:
     void ChooseTable(bool japanese);
     // "Write to INI": the add-offset window with Text2 as its fixed offset.
     void WriteToIni();
+    // "Go to entry": selects and loads the entry of the match in the main window.
+    void JumpToEntry();
     // The Japanese character list's AddChar and cell click on Text1.
     void AddChar(std::string_view numba);
     void ClickJapaneseCell(int index);
@@ -57,6 +62,7 @@ private:
     void Find(std::int64_t start, std::string_view foundText);
     void ShowMatch(std::int32_t match, std::string_view foundText);
     void NotFound();
+    void FindEntry(std::int32_t match);
 
     Session& session_;
     // The match behind the current Text2 before "Go to beginning of text*"

@@ -1,6 +1,7 @@
 #include "ui/about_dialog.h"
 
 #include "ui/xp_button.h"
+#include "ui/tool_window.h"
 
 #include <QDesktopServices>
 #include <QLabel>
@@ -67,7 +68,7 @@ QString VersionCaption(const ProgramVersion& v) { return QStringLiteral("Version
 QString BuildCaption(const ProgramVersion& v) { return QStringLiteral("Build: %1").arg(v.revision); }
 
 AboutDialog::AboutDialog(QWidget* parent, ProgramVersion version)
-    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint) {
+    : QDialog(parent, kToolWindowFlags) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("About Quillon"));
     setModal(true);
@@ -105,8 +106,7 @@ AboutDialog::AboutDialog(QWidget* parent, ProgramVersion version)
     connect(ok, &XPButton::clicked, this, &QDialog::accept);
     layout->addWidget(ok);
 
-    // 6615 x 6225 twips at 15 twips per pixel.
-    resize(441, 415);
+    FixClientSize(this, 6615, 6225);
 }
 
 }  // namespace quillon::ui

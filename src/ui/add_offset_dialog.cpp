@@ -2,19 +2,22 @@
 
 #include "ui/text_bridge.h"
 #include "ui/xp_button.h"
+#include "ui/tool_window.h"
 
 #include "offsets/add_offset_form.h"
+#include "offsets/offset_text.h"
 
 #include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QVBoxLayout>
 
 namespace quillon::ui {
 AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
-    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint), form_(form) {
+    : QDialog(parent, kToolWindowFlags), form_(form) {
     setObjectName(QStringLiteral("frmAddOffset"));
     setWindowTitle(QStringLiteral("Add Offset to INI"));
     setModal(true);
@@ -38,11 +41,19 @@ AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
     layout->addWidget(nameFrame);
 
     auto* offsetFrame = new QGroupBox(QStringLiteral("Text Offset (Enter)"), this);
-    auto* offsetLayout = new QHBoxLayout(offsetFrame);
+    auto* offsetColumn = new QVBoxLayout(offsetFrame);
+    auto* offsetLayout = new QHBoxLayout;
     offset_ = new QLineEdit(offsetFrame);
     offset_->setObjectName(QStringLiteral("Text3"));
     offsetLayout->addWidget(offset_);
     offsetLayout->addWidget(new QLabel(QStringLiteral("(Decimal)"), offsetFrame));
+    offsetColumn->addLayout(offsetLayout);
+    // What the box was read as: the same offset in the other base.
+    auto* echo = new QLabel(offsetFrame);
+    echo->setObjectName(QStringLiteral("lblOffsetEcho"));
+    offsetColumn->addWidget(echo);
+    connect(offset_, &QLineEdit::textChanged, echo,
+            [echo](const QString& text) { echo->setText(Q(DecimalBoxEcho(U(text)))); });
     layout->addWidget(offsetFrame);
 
     add_ = new XPButton(QStringLiteral("Command1"), QStringLiteral("&Add to INI"), this);
@@ -67,8 +78,16 @@ AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
     });
     connect(cancel_, &XPButton::clicked, this, &QDialog::reject);
 
-    // 2760 x 4140 twips at 15 twips per pixel.
-    resize(184, 276);
+    FixClientSize(this, 2760, 4140);
+}
+
+void AddOffsetDialog::keyPressEvent(QKeyEvent* event) {
+    // Enter adds, as "&Add to INI" does.
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        add_->click();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void AddOffsetDialog::Pull() {

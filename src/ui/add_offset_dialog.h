@@ -18,6 +18,9 @@ class AddOffsetDialog : public QDialog {
 public:
     AddOffsetDialog(AddOffsetForm& form, QWidget* parent = nullptr);
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void Pull();  // the boxes into the form
     void Push();  // the form into the boxes

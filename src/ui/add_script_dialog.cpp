@@ -1,10 +1,13 @@
 #include "ui/add_script_dialog.h"
 
+#include "offsets/offset_text.h"
 #include "ui/text_bridge.h"
 #include "ui/xp_button.h"
+#include "ui/tool_window.h"
 
 #include <QCheckBox>
 #include <QGroupBox>
+#include <QLabel>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -14,7 +17,7 @@
 namespace quillon::ui {
 
 AddScriptDialog::AddScriptDialog(Session& session, QWidget* parent)
-    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint), form_(session) {
+    : QDialog(parent, kToolWindowFlags), form_(session) {
     setObjectName(QStringLiteral("frmAddScript"));
     setWindowTitle(Q(kAddScriptCaption));
     setModal(true);
@@ -36,6 +39,11 @@ AddScriptDialog::AddScriptDialog(Session& session, QWidget* parent)
     txtOffset_ = new QLineEdit(frame2_);
     txtOffset_->setObjectName(QStringLiteral("txtOffset"));
     offsetLayout->addWidget(txtOffset_);
+    auto* echo = new QLabel(frame2_);
+    echo->setObjectName(QStringLiteral("lblOffsetEcho"));
+    offsetLayout->addWidget(echo);
+    connect(txtOffset_, &QLineEdit::textChanged, echo,
+            [echo](const QString& text) { echo->setText(Q(HexBoxEcho(U(text)))); });
     layout->addWidget(frame2_);
 
     frame3_ = new QGroupBox(QStringLiteral("Text"), this);
@@ -67,6 +75,7 @@ AddScriptDialog::AddScriptDialog(Session& session, QWidget* parent)
         form_.AddScript();
         if (form_.Closed()) accept();
     });
+    FixClientSize(this, 4425, 3465);
     Push();
 }
 

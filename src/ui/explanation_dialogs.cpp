@@ -2,6 +2,7 @@
 
 #include "ui/text_bridge.h"
 #include "ui/xp_button.h"
+#include "ui/tool_window.h"
 
 #include "edit/explanations.h"
 
@@ -10,6 +11,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QVBoxLayout>
 
 namespace quillon::ui {
@@ -23,7 +25,7 @@ constexpr const char* kPictures[9] = {"TextMenu", "[PLAYER]", "[RIVAL]", "[TEAM1
 }  // namespace
 
 MenuExplanationDialog::MenuExplanationDialog(Prompter& prompter, QWidget* parent)
-    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint), prompter_(prompter) {
+    : QDialog(parent, kToolWindowFlags), prompter_(prompter) {
     setObjectName(QStringLiteral("frmMenuExpl"));
     setWindowTitle(Q(kMenuExplCaption));
     setModal(true);
@@ -46,12 +48,12 @@ MenuExplanationDialog::MenuExplanationDialog(Prompter& prompter, QWidget* parent
     auto* ok = new XPButton(QStringLiteral("Command1"), QStringLiteral("&OK"), this);
     connect(ok, &XPButton::clicked, this, &QDialog::accept);
     layout->addWidget(ok);
-    // 5295 x 4140 twips at 15 twips per pixel.
-    resize(353, 276);
+    FixClientSize(this, 5295, 4140);
 }
 
 bool MenuExplanationDialog::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease) {
+    if (event->type() == QEvent::MouseButtonRelease &&
+        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {  // pictures act on a left click only
         const QString name = watched->objectName();
         if (name.startsWith(QStringLiteral("Image"))) {
             const int image = name.mid(5).toInt();
@@ -66,7 +68,7 @@ bool MenuExplanationDialog::eventFilter(QObject* watched, QEvent* event) {
 }
 
 ColorExplanationDialog::ColorExplanationDialog(QWidget* parent)
-    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint) {
+    : QDialog(parent, kToolWindowFlags) {
     setObjectName(QStringLiteral("frmColorExpl"));
     setWindowTitle(Q(kColorExplCaption));
     setModal(true);
@@ -89,8 +91,7 @@ ColorExplanationDialog::ColorExplanationDialog(QWidget* parent)
     auto* ok = new XPButton(QStringLiteral("Command1"), QStringLiteral("&OK"), this);
     connect(ok, &XPButton::clicked, this, &QDialog::accept);
     layout->addWidget(ok);
-    // 12030 x 3570 twips at 15 twips per pixel.
-    resize(802, 238);
+    FixClientSize(this, 12030, 3570);
 }
 
 }  // namespace quillon::ui

@@ -2,6 +2,7 @@
 
 #include "ui/text_bridge.h"
 #include "ui/xp_button.h"
+#include "ui/tool_window.h"
 
 #include "edit/tag_commands.h"
 
@@ -93,7 +94,7 @@ QString KanaOf(int byte) {
 }
 
 JapaneseDialog::JapaneseDialog(std::function<void(int)> onCell, QWidget* parent)
-    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint) {
+    : QDialog(parent, kToolWindowFlags) {
     setObjectName(QStringLiteral("frmJapanese"));
     setWindowTitle(Q(kJapaneseListCaption));
     setModal(true);
@@ -102,6 +103,7 @@ JapaneseDialog::JapaneseDialog(std::function<void(int)> onCell, QWidget* parent)
     auto* close = new XPButton(QStringLiteral("Command1"), QStringLiteral("&Close"), this);
     layout->addWidget(close, 0, Qt::AlignRight);
     connect(close, &XPButton::clicked, this, &QDialog::accept);
+    FixClientSize(this, 7500, 8370);
 }
 
 }  // namespace quillon::ui

@@ -5,7 +5,9 @@
 #include "discover/find_texts.h"
 #include "discover/reference_list.h"
 #include "edit/save_text.h"
+#include "edit/drafts.h"
 #include "edit/tag_commands.h"
+#include "edit/tag_marks.h"
 #include "edit/text_menus.h"
 #include "edit/text_view.h"
 #include "offsets/add_offset_form.h"
@@ -18,6 +20,7 @@
 #include "ui/fit_monitor.h"
 #include "ui/history_dialog.h"
 #include "ui/search_dialog.h"
+#include "ui/tag_highlighter.h"
 #include "ui/menu_builder.h"
 #include "ui/progress_dialog.h"
 #include "ui/references_dialog.h"
@@ -41,13 +44,21 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QTextBlock>
+#include <QToolTip>
+#include <QHelpEvent>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 #include <QWindow>
 
 #include <cmath>
+#include <cstdlib>
+#if QUILLON_HAVE_XCB
+#include <QGuiApplication>
+#include <xcb/xcb.h>
+#endif
 #include <functional>
 
 namespace quillon::ui {
@@ -88,9 +99,12 @@ MainWindow::MainWindow(Session& session, Clipboard& clipboard, QWidget* parent)
     session_.progress = progress_.get();
     BuildControls();
     PlaceControls();
+    SetSmoothCorners(ScreenComposites());
     session_.OnChanged([this] { Refresh(); });
     Refresh();
     new FitMonitor(session_, text1_, repoint_, textMenu_, toolsMenu_, this);  // line widths in the game's font
+    // The editor's own filter goes first: a marked tag's explanation before the line width.
+    text1_->viewport()->installEventFilter(this);
 }
 
 MainWindow::~MainWindow() {
@@ -107,10 +121,13 @@ void MainWindow::BuildControls() {
     text1_ = new QPlainTextEdit(this);
     text1_->setObjectName(QStringLiteral("Text1"));
     text1_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    text1_->setContextMenuPolicy(Qt::CustomContextMenu);
+    // The right button opens mnuBP from the mouse-down handler; the box's own
+    // context menu never opens.
+    text1_->setContextMenuPolicy(Qt::PreventContextMenu);
+    text1_->setTabChangesFocus(true);  // a tab has no byte
+    new TagHighlighter(text1_);
     text1_->installEventFilter(this);
-    connect(text1_, &QWidget::customContextMenuRequested, this,
-            [this](const QPoint& pos) { ShowTextMenu(text1_->viewport()->mapToGlobal(pos)); });
+    text1_->viewport()->installEventFilter(this);
     connect(text1_, &QPlainTextEdit::textChanged, this, [this] {
         if (!syncing_) PushTextToSession();
     });
@@ -135,7 +152,9 @@ void MainWindow::BuildControls() {
     const qreal dpr = devicePixelRatioF();
     save_ = new XPButton(QStringLiteral("Command2"), QStringLiteral("S&ave Text"), this);
     save_->SetPictureNormal(ButtonPicture(QStringLiteral("save"), 16, dpr));
-    connect(save_, &XPButton::clicked, this, [this] { SaveText(session_); });
+    connect(save_, &XPButton::clicked, this, [this] {
+        if (ConfirmUnencodable(session_)) SaveText(session_);
+    });
 
     const char* names[5] = {"XPButton1", "XPButton2", "XPButton3", "XPButton6", "XPButton4"};
     const char* captions[5] = {"&Open ROM", "&Exit", "&Search", "&Tools", "&About"};
@@ -144,7 +163,12 @@ void MainWindow::BuildControls() {
         buttons_[i] = new XPButton(QString::fromUtf8(names[i]), QString::fromUtf8(captions[i]), this);
         buttons_[i]->SetPictureNormal(ButtonPicture(QString::fromUtf8(pictures[i]), 24, dpr));
     }
-    connect(buttons_[0], &XPButton::clicked, this, [this] { OpenRom(session_); });
+    connect(buttons_[0], &XPButton::clicked, this, [this] {
+        LeaveRom(session_);
+        OpenRom(session_);
+        LoadDrafts(session_);
+        session_.Changed();
+    });
     connect(buttons_[1], &XPButton::clicked, this, [this] { ExitProgram(); });
     connect(buttons_[2], &XPButton::clicked, this, [this] {
         SearchDialog dialog(session_, clipboard_, this);
@@ -178,10 +202,17 @@ void MainWindow::BuildControls() {
         if (syncing_ || !item) return;
         SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
     });
+    // A click on the node that is already selected loads it again.
+    tree_->viewport()->installEventFilter(this);
+    connect(tree_, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) {
+        if (syncing_ || !item || !pressedCurrent_) return;
+        SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
+    });
     connect(tree_, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) { ShowTreeMenu(pos); });
 
-    offset_ = new XPButton(QStringLiteral("Command5"), QStringLiteral("O&ffset"), this);
-    connect(offset_, &XPButton::clicked, this, [this] { ViewOffset(session_); });
+    offset_ = new QPushButton(QStringLiteral("O&ffset"), this);
+    offset_->setObjectName(QStringLiteral("Command5"));
+    connect(offset_, &QPushButton::clicked, this, [this] { ViewOffset(session_); });
 
     frame1_ = new QGroupBox(QStringLiteral("Information"), this);
     frame1_->setObjectName(QStringLiteral("Frame1"));
@@ -207,6 +238,25 @@ void MainWindow::BuildControls() {
     textNote_->setObjectName(QStringLiteral("lblTextNote"));
     textNote_->setStyleSheet(QStringLiteral("color: #7a4b00; background: #fff3c4; padding-left: 3px;"));
     textNote_->hide();
+
+    // A frame drawn behind the editor; its caption stays hidden under it.
+    textBorder_ = new QLabel(QStringLiteral("Textbox-Border"), this);
+    textBorder_->setObjectName(QStringLiteral("lblTextborder"));
+    textBorder_->setProperty("backdrop", true);
+    textBorder_->setStyleSheet(QStringLiteral("color: transparent; background: white; border: 1px solid #7f9db9;"));
+    textBorder_->lower();
+
+    draftBar_ = new QLabel(this);
+    draftBar_->setObjectName(QStringLiteral("lblDraft"));
+    draftBar_->setStyleSheet(QStringLiteral("background: #fff4c2; color: #4a3a00; border: 1px solid #d9b84a; padding: 0 4px;"));
+    draftBar_->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    draftBar_->hide();
+    connect(draftBar_, &QLabel::linkActivated, this, [this](const QString& link) {
+        if (link == QLatin1String("restore"))
+            RestoreDraft(session_);
+        else
+            DiscardDraft(session_);
+    });
 
     welcome_ = new QLabel(QStringLiteral("Welcome to Quillon"), this);
     welcome_->setObjectName(QStringLiteral("lblWelcome"));
@@ -271,8 +321,13 @@ void MainWindow::PlaceControls() {
     place(help_, kButtonLeft + 60, 6330, 285, 285);
     place(tree_, 2520, 1080, 2895, 5490);
     // A note on bytes the editor can't reproduce takes the editor's last line.
-    place(text1_, 5580, 1080, 4200, textNote_->isVisibleTo(this) ? 2430 : 2700);
+    // The restore bar of a draft takes the editor's first line.
+    const int bar = draftBar_->isVisibleTo(this) ? 360 : 0;
+    place(text1_, 5580, 1080 + bar, 4200, (textNote_->isVisibleTo(this) ? 2430 : 2700) - bar);
     place(textNote_, 5580, 3510, 4200, 270);
+    place(textBorder_, 5580, 1080, 4200, 2700);
+    textBorder_->setGeometry(textBorder_->geometry().adjusted(-2, -2, 2, 2));
+    place(draftBar_, 5580, 1080, 4200, 330);
     place(repoint_, 5580, 3840, 4200, 270);
     place(check1_, 5580, 4170, 2400, 300);
     place(european_, 5580, 4500, 2040, 300);
@@ -288,13 +343,55 @@ void MainWindow::PlaceControls() {
     DoTransparency();
 }
 
-void MainWindow::DoTransparency() {
+QPainterPath MainWindow::Outline() const {
     // A rounded rectangle from (5, 5) to the far edges with 25-pixel corners.
     const qreal k = logicalDpiX() / 96.0;
     const qreal inset = 5 * k, corner = 25 * k / 2;
     QPainterPath path;
     path.addRoundedRect(QRectF(inset, inset, width() - inset, height() - inset), corner, corner);
-    setMask(QRegion(path.toFillPolygon().toPolygon()));
+    return path;
+}
+
+void MainWindow::DoTransparency() {
+    // Where the screen composites windows the corners are painted smooth on
+    // a translucent window; elsewhere the window region cuts them.
+    if (smoothCorners_)
+        clearMask();
+    else
+        setMask(QRegion(Outline().toFillPolygon().toPolygon()));
+}
+
+void MainWindow::SetSmoothCorners(bool smooth) {
+    smoothCorners_ = smooth;
+    setAttribute(Qt::WA_TranslucentBackground, smooth);
+    DoTransparency();
+    update();
+}
+
+bool ScreenComposites() {
+    const QString platform = QGuiApplication::platformName();
+    if (platform == QLatin1String("wayland") || platform == QLatin1String("windows") ||
+        platform == QLatin1String("cocoa"))
+        return true;
+#if QUILLON_HAVE_XCB
+    if (platform == QLatin1String("xcb")) {
+        // A compositing manager owns the selection _NET_WM_CM_S<screen>.
+        auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+        xcb_connection_t* c = x11 ? x11->connection() : nullptr;
+        if (!c) return false;
+        const char name[] = "_NET_WM_CM_S0";
+        xcb_intern_atom_reply_t* atom =
+            xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, sizeof name - 1, name), nullptr);
+        if (!atom) return false;
+        xcb_get_selection_owner_reply_t* owner =
+            xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, atom->atom), nullptr);
+        const bool composited = owner && owner->owner != XCB_NONE;
+        std::free(owner);
+        std::free(atom);
+        return composited;
+    }
+#endif
+    return false;
 }
 
 QPoint MainWindow::ToolsMenuPoint() const { return QPoint(T(kToolsMenuAt.x()), T(kToolsMenuAt.y())); }
@@ -304,6 +401,7 @@ void MainWindow::ShowToolsMenu() { toolsMenu_->popup(mapToGlobal(ToolsMenuPoint(
 void MainWindow::paintEvent(QPaintEvent*) {
     QPainter p(this);
     p.setRenderHint(QPainter::Antialiasing);
+    if (smoothCorners_) p.setClipPath(Outline());  // antialiased edges over the translucent window
     QLinearGradient sea(0, 0, 0, height());
     sea.setColorAt(0, QColor(28, 64, 120));
     sea.setColorAt(0.55, QColor(44, 104, 168));
@@ -322,9 +420,36 @@ void MainWindow::paintEvent(QPaintEvent*) {
     p.drawRoundedRect(QRectF(5 * k + 1, 5 * k + 1, width() - 5 * k - 2, height() - 5 * k - 2), 12.5 * k, 12.5 * k);
 }
 
+bool MainWindow::OnBackground(QPoint pos) const {
+    QWidget* hit = childAt(pos);
+    return !hit || hit == welcome_ || hit == frame1_ || hit->parentWidget() == frame1_ || hit == repoint_ ||
+           hit == textBorder_;
+}
+
 void MainWindow::mousePressEvent(QMouseEvent* event) {
-    // The background drags the window, with any button.
-    if (QWindow* w = windowHandle()) w->startSystemMove();
+    // A press on the background, with any button, drags the window once the
+    // pointer moves with the button held: a click alone (a touchpad sends
+    // press and release at once) never hands the window to the window manager.
+    dragArmed_ = OnBackground(event->position().toPoint());
+    dragFrom_ = event->globalPosition().toPoint();
+    event->accept();
+}
+
+void MainWindow::mouseMoveEvent(QMouseEvent* event) {
+    if (!dragArmed_ || event->buttons() == Qt::NoButton) {
+        dragArmed_ = false;
+        return;
+    }
+    if ((event->globalPosition().toPoint() - dragFrom_).manhattanLength() < QApplication::startDragDistance()) return;
+    dragArmed_ = false;
+    if (systemMove)
+        systemMove();
+    else if (QWindow* w = windowHandle())
+        w->startSystemMove();
+}
+
+void MainWindow::mouseReleaseEvent(QMouseEvent* event) {
+    dragArmed_ = false;
     event->accept();
 }
 
@@ -359,7 +484,35 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
         if (pressed != 0 && code == 0) return true;  // cancelled (Shift+Insert)
         return false;
     }
-    if (event->type() == QEvent::MouseButtonRelease) {
+    if (watched == text1_->viewport() &&
+        (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) &&
+        static_cast<QMouseEvent*>(event)->button() == Qt::RightButton) {
+        // Only mnuBP opens, and the press goes no further.
+        text1_->setEnabled(false);
+        text1_->setEnabled(true);
+        text1_->setFocus(Qt::MouseFocusReason);
+        ShowTextMenu(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
+        return true;
+    }
+    if (watched == text1_->viewport() && event->type() == QEvent::ToolTip) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        const QString tip = TagHighlighter::ExplainAt(*text1_, text1_->cursorForPosition(help->pos()).position());
+        if (tip.isEmpty()) return false;
+        QToolTip::showText(help->globalPos(), tip, text1_->viewport());
+        return true;
+    }
+    if (watched == tree_->viewport() && event->type() == QEvent::MouseButtonPress) {
+        QTreeWidgetItem* hit = tree_->itemAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+        pressedCurrent_ = hit && hit == tree_->currentItem();
+    }
+    const bool hotspot = watched == close_ || watched == help_ || watched == minimize_;
+    if (hotspot && (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick))
+        return true;  // hotspots are not part of the dragging background
+    if (hotspot && event->type() == QEvent::MouseButtonRelease) {
+        // Hotspots act on a left click released over them.
+        auto* mouse = static_cast<QMouseEvent*>(event);
+        auto* spot = static_cast<QWidget*>(watched);
+        if (mouse->button() != Qt::LeftButton || !spot->rect().contains(mouse->position().toPoint())) return true;
         if (watched == close_) {
             ExitProgram();
             return true;
@@ -378,7 +531,8 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void MainWindow::ExitProgram() {
-    // Every window closes without a question; unsaved edits are dropped.
+    // Every window closes without a question; an unsaved edit is kept as a draft.
+    LeaveRom(session_);
     for (QWidget* w : QApplication::topLevelWidgets())
         if (w != this) w->close();
     close();
@@ -419,10 +573,11 @@ void MainWindow::ShowTextMenu(const QPoint& globalPos) {
 }
 
 void MainWindow::ShowTreeMenu(const QPoint& pos) {
-    if (QTreeWidgetItem* item = tree_->itemAt(pos)) {
-        // A right-click selects and loads the node before the menu opens.
-        SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
-    }
+    // A right-click selects and loads the node before the menu opens; on
+    // empty space it does nothing.
+    QTreeWidgetItem* item = tree_->itemAt(pos);
+    if (!item) return;
+    SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
     treeMenu_->popup(tree_->viewport()->mapToGlobal(pos));
 }
 
@@ -474,6 +629,13 @@ void MainWindow::Refresh() {
     }
     label4_->setText(Q(c.gameCode));
     repoint_->setText(Q(c.repointCaption));
+    draftBar_->setText(QStringLiteral("Unsaved changes from %1 - <a href=\"restore\">Restore</a> / "
+                                      "<a href=\"discard\">Discard</a>")
+                           .arg(Q(c.draftTime).toHtmlEscaped()));
+    if (c.draftTime.empty() != draftBar_->isHidden()) {
+        draftBar_->setVisible(!c.draftTime.empty());
+        PlaceControls();
+    }
     RefreshTree();
     syncing_ = false;
 }
@@ -485,6 +647,7 @@ void MainWindow::RefreshTree() {
         signature = signature * 1000003u ^ std::hash<std::string>{}(n.key + '\n' + n.text + '\n' + std::string(n.image));
     if (signature != treeSignature_ || tree_->topLevelItemCount() == 0) {
         treeSignature_ = signature;
+        draftItems_.clear();
         tree_->clear();
         std::vector<QTreeWidgetItem*> items(nodes.size(), nullptr);
         for (std::size_t i = 0; i < nodes.size(); ++i) {
@@ -506,6 +669,30 @@ void MainWindow::RefreshTree() {
             if ((*it)->data(0, Qt::UserRole).toULongLong() == *index) selected = *it;
     }
     if (tree_->currentItem() != selected) tree_->setCurrentItem(selected);
+    MarkDrafts();
+}
+
+void MainWindow::MarkDrafts() {
+    // Entries with a draft show in italics.
+    auto mark = [](QTreeWidgetItem* item, bool on) {
+        QFont f = item->font(0);
+        f.setItalic(on);
+        item->setFont(0, f);
+        item->setToolTip(0, on ? QStringLiteral("Unsaved changes") : QString());
+    };
+    for (QTreeWidgetItem* item : std::as_const(draftItems_)) mark(item, false);
+    draftItems_.clear();
+    for (const auto& [entry, draft] : session_.drafts) {
+        const auto cut = entry.find('\n');
+        const QString section = Q(entry.substr(0, cut)), key = Q(entry.substr(cut + 1));
+        for (int i = 0; i < tree_->topLevelItemCount(); ++i) {
+            QTreeWidgetItem* s = tree_->topLevelItem(i);
+            if (s->text(0) != section) continue;
+            for (int k = 0; k < s->childCount(); ++k)
+                if (s->child(k)->text(0) == key) draftItems_ << s->child(k);
+        }
+    }
+    for (QTreeWidgetItem* item : std::as_const(draftItems_)) mark(item, true);
 }
 
 }  // namespace quillon::ui

@@ -3,6 +3,7 @@
 // control states after every change and hands each action to a command.
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -11,7 +12,9 @@ class QCheckBox;
 class QGroupBox;
 class QLabel;
 class QMenu;
+class QPainterPath;
 class QPlainTextEdit;
+class QPushButton;
 class QRadioButton;
 class QTreeWidget;
 class QTreeWidgetItem;
@@ -31,6 +34,10 @@ class XPButton;
 // pixel at 96 dpi), rounded half to even.
 int TwipsToPixels(int twips, double logicalDpi);
 
+// Whether the screen composites windows, so that a translucent window shows
+// what lies behind it.
+bool ScreenComposites();
+
 class MainWindow : public QWidget {
 public:
     MainWindow(Session& session, Clipboard& clipboard, QWidget* parent = nullptr);
@@ -45,9 +52,19 @@ public:
     // Opens the Tools menu (as XPButton6 does).
     void ShowToolsMenu();
 
+    // Whether the rounded corners are drawn antialiased over a translucent
+    // window (a screen that composites windows) instead of cut by a region.
+    bool SmoothCorners() const { return smoothCorners_; }
+    void SetSmoothCorners(bool smooth);
+
+    // Hands the window to the window manager's move; tests replace it.
+    std::function<void()> systemMove;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -56,8 +73,10 @@ private:
     void BuildControls();
     void PlaceControls();
     void DoTransparency();
+    QPainterPath Outline() const;
     void Refresh();
     void RefreshTree();
+    void MarkDrafts();
     void PushTextToSession();
     void PushSelectionToSession();
     void RunTextMenu(const QString& name);
@@ -65,18 +84,26 @@ private:
     void ShowTreeMenu(const QPoint& pos);
     void ExitProgram();
     int T(int twips) const;
+    bool OnBackground(QPoint pos) const;
 
     Session& session_;
     Clipboard& clipboard_;
     bool syncing_ = false;  // the window is writing its controls from the session
     std::size_t treeSignature_ = 0;
+    bool smoothCorners_ = false;
+    bool dragArmed_ = false;  // a press on the background, not moved yet
+    QPoint dragFrom_;
+    bool pressedCurrent_ = false;  // the last tree press hit the selected node
 
     QPlainTextEdit* text1_ = nullptr;
     QCheckBox* check1_ = nullptr;
     QRadioButton* european_ = nullptr;
     QRadioButton* japanese_ = nullptr;
     XPButton* save_ = nullptr;
-    XPButton* offset_ = nullptr;
+    QPushButton* offset_ = nullptr;
+    QLabel* textBorder_ = nullptr;
+    QLabel* draftBar_ = nullptr;  // "Unsaved changes from <time> - Restore / Discard"
+    QList<QTreeWidgetItem*> draftItems_;  // tree entries marked for their drafts
     XPButton* buttons_[5] = {};  // XPButton1, 2, 3, 6, 4 from top to bottom
     QGroupBox* frame1_ = nullptr;
     QLabel* label2_ = nullptr;

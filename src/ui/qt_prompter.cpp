@@ -4,7 +4,10 @@
 
 #include "ui/add_offset_dialog.h"
 
+#include "offsets/offset_text.h"
+
 #include <QAbstractButton>
+#include <QApplication>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -49,8 +52,13 @@ QString ToQtFilter(std::string_view filter) {
     return entries.join(QStringLiteral(";;"));
 }
 
-// Boxes shown before the main window appears are centred on the screen.
-QWidget* QtPrompter::Owner() const { return parent_ && parent_->isVisible() ? parent_ : nullptr; }
+// A box belongs to the window that is in front: the modal window that asked,
+// else the main window. Boxes shown before the main window appears are
+// centred on the screen.
+QWidget* QtPrompter::Owner() const {
+    if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+    return parent_ && parent_->isVisible() ? parent_ : nullptr;
+}
 
 void QtPrompter::Message(Icon icon, std::string_view text, std::string_view title) {
     QMessageBox box(ToQt(icon), Q(title), Lines(text), QMessageBox::Ok, Owner());
@@ -82,10 +90,22 @@ Choice QtPrompter::AskChoice(std::string_view text, std::string_view first, std:
 
 std::optional<std::string> QtPrompter::Input(std::string_view title, std::string_view prompt,
                                              std::string_view defaultValue) {
-    bool ok = false;
-    QString answer = QInputDialog::getText(parent_, Q(title), Lines(prompt), QLineEdit::Normal, Q(defaultValue), &ok);
-    if (!ok) return std::nullopt;
-    return U(answer);
+    QInputDialog box(Owner() ? Owner() : parent_);
+    box.setWindowTitle(Q(title));
+    box.setLabelText(Lines(prompt));
+    box.setTextValue(Q(defaultValue));
+    if (prompt.find("(Dec)") != std::string_view::npos) {
+        // A decimal offset box shows what it reads the answer as.
+        const QString label = Lines(prompt);
+        auto echo = [&box, label](const QString& text) {
+            const std::string seen = DecimalBoxEcho(U(text));
+            box.setLabelText(seen.empty() ? label : label + QStringLiteral("  ") + Q(seen));
+        };
+        QObject::connect(&box, &QInputDialog::textValueChanged, &box, echo);
+        echo(box.textValue());
+    }
+    if (box.exec() != QDialog::Accepted) return std::nullopt;
+    return U(box.textValue());
 }
 
 std::optional<std::filesystem::path> QtPrompter::OpenFile(std::string_view title, std::string_view filter) {
@@ -101,7 +121,7 @@ std::optional<std::filesystem::path> QtPrompter::SaveFile(std::string_view title
 }
 
 void QtPrompter::ShowAddOffset(AddOffsetForm& form) {
-    AddOffsetDialog dialog(form, parent_);
+    AddOffsetDialog dialog(form, Owner() ? Owner() : parent_);
     dialog.exec();
 }
 

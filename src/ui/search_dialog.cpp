@@ -7,6 +7,7 @@
 #include "ui/menu_builder.h"
 #include "ui/text_bridge.h"
 #include "ui/xp_button.h"
+#include "ui/tool_window.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -24,7 +25,7 @@
 
 namespace quillon::ui {
 SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* parent)
-    : QDialog(parent, Qt::Tool | Qt::MSWindowsFixedSizeDialogHint),
+    : QDialog(parent, kToolWindowFlags),
       session_(session),
       clipboard_(clipboard),
       form_(session) {
@@ -73,6 +74,9 @@ SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* pare
     japanese_->setToolTip(QStringLiteral("View Text using the Japanese Table"));
     row->addWidget(european_, 1, 2);
     row->addWidget(japanese_, 1, 3);
+    matchCase_ = new QCheckBox(QStringLiteral("Match case"), this);
+    matchCase_->setObjectName(QStringLiteral("chkMatchCase"));
+    row->addWidget(matchCase_, 2, 0, 1, 2);
     layout->addLayout(row);
 
     auto* buttons = new QHBoxLayout;
@@ -81,7 +85,9 @@ SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* pare
     writeToIni_ = new XPButton(QStringLiteral("Command3"), QStringLiteral("Write to INI"), this);
     japaneseList_ = new XPButton(QStringLiteral("Command4"), QStringLiteral("あ"), this);
     japaneseList_->setToolTip(QStringLiteral("Japanese characters"));
-    for (XPButton* b : {search_, resume_, writeToIni_, japaneseList_}) buttons->addWidget(b);
+    jump_ = new XPButton(QStringLiteral("cmdJump"), QStringLiteral("Go to entry"), this);
+    jump_->setToolTip(QStringLiteral("Show the entry of the offset file that holds this text"));
+    for (XPButton* b : {search_, resume_, writeToIni_, jump_, japaneseList_}) buttons->addWidget(b);
     layout->addLayout(buttons);
     status_ = new QStatusBar(this);
     status_->setObjectName(QStringLiteral("StatusBar1"));
@@ -98,6 +104,10 @@ SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* pare
     connect(search_, &XPButton::clicked, this, [this] { Run(&SearchForm::SearchText); });
     connect(resume_, &XPButton::clicked, this, [this] { Run(&SearchForm::ResumeSearch); });
     connect(writeToIni_, &XPButton::clicked, this, [this] { Run(&SearchForm::WriteToIni); });
+    connect(jump_, &XPButton::clicked, this, [this] {
+        form_.JumpToEntry();
+        accept();
+    });
     connect(japaneseList_, &XPButton::clicked, this, [this] {
         Pull();
         JapaneseDialog list(
@@ -118,7 +128,7 @@ SearchDialog::SearchDialog(Session& session, Clipboard& clipboard, QWidget* pare
         form_.ChooseTable(true);
         Push();
     });
-    resize(sizeHint().expandedTo(QSize(560, 240)));
+    FixClientSize(this, 8355, 3015);
     Push();
 }
 
@@ -131,6 +141,7 @@ void SearchDialog::Pull() {
     form_.text2 = U(text2_->text());
     form_.text4 = U(text4_->text());
     form_.check1 = check1_->isChecked();
+    form_.matchCase = matchCase_->isChecked();
 }
 
 void SearchDialog::Push() {
@@ -151,6 +162,8 @@ void SearchDialog::Push() {
     resume_->setEnabled(form_.command2Enabled);
     japaneseList_->setEnabled(form_.command4Enabled);
     writeToIni_->setVisible(form_.command3Visible);
+    matchCase_->setChecked(form_.matchCase);
+    jump_->setVisible(!form_.foundKey.empty());
     status_->showMessage(Q(form_.status));
 }
 

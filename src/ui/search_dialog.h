@@ -45,6 +45,8 @@ private:
     QLineEdit* text4_;
     QPlainTextEdit* text3_;
     QCheckBox* check1_;
+    QCheckBox* matchCase_;
+    XPButton* jump_;
     QRadioButton* european_;
     QRadioButton* japanese_;
     XPButton* search_;

@@ -386,11 +386,20 @@ void XPButton::ClickNow() {
 bool XPButton::event(QEvent* e) {
     if (e->type() == QEvent::Shortcut) {
         // Alt with the access key: a left click.
+        // Alt with an access key that several buttons share clicks the first
+        // of them, in creation order, that can be clicked.
+        XPButton* target = this;
         if (static_cast<QShortcutEvent*>(e)->isAmbiguous()) {
-            setFocus(Qt::ShortcutFocusReason);
-        } else if (isEnabled()) {
-            lastButton_ = kLeft;
-            ClickNow();
+            target = nullptr;
+            for (XPButton* b : window()->findChildren<XPButton*>())
+                if (b->accessKey_ == accessKey_ && b->isEnabled() && b->isVisible()) {
+                    target = b;
+                    break;
+                }
+        }
+        if (target && target->isEnabled()) {
+            target->lastButton_ = kLeft;
+            target->ClickNow();
         }
         return true;
     }

@@ -60,7 +60,9 @@ TEST_F(Entries, TheWindowListsTheSectionsAndCopiesTheChosenOne) {
     EXPECT_TRUE(form.offsetEnabled && form.cancelEnabled);
     AddOffsetForm preset(w.session, std::string("4096"));
     EXPECT_EQ(preset.offsetDecimal, "4096");
-    EXPECT_FALSE(preset.offsetEnabled || preset.cancelEnabled);
+    EXPECT_FALSE(preset.offsetEnabled);
+    EXPECT_TRUE(preset.cancelEnabled);  // only the "O&ffset" command disables Cancel
+    EXPECT_FALSE(AddOffsetForm(w.session, std::string("4096"), false).cancelEnabled);
 }
 
 TEST_F(Entries, EmptyBoxesDoNothingAndBadInputIsRefusedWithTheWindowOpen) {
@@ -75,10 +77,10 @@ TEST_F(Entries, EmptyBoxesDoNothingAndBadInputIsRefusedWithTheWindowOpen) {
         "A text name can't start with \";\" or \"#\", start or end with a blank, or contain line breaks, \"=\", "
         "\"[\" or \"]\": the offset file could not hold it.";
     const std::tuple<const char*, const char*, const char*, const char*> refused[] = {
-        {"Town", "Dad", "12a", "The offset must be a decimal whole number from 0 to 4294967295."},
-        {"Town", "Dad", "-5", "The offset must be a decimal whole number from 0 to 4294967295."},
-        {"Town", "Dad", "1.5", "The offset must be a decimal whole number from 0 to 4294967295."},
-        {"Town", "Dad", "4294967296", "The offset must be a decimal whole number from 0 to 4294967295."},
+        {"Town", "Dad", "12a", "The offset must be a whole number from 0 to 4294967295, in decimal or in hexadecimal written with 0x."},
+        {"Town", "Dad", "-5", "The offset must be a whole number from 0 to 4294967295, in decimal or in hexadecimal written with 0x."},
+        {"Town", "Dad", "1.5", "The offset must be a whole number from 0 to 4294967295, in decimal or in hexadecimal written with 0x."},
+        {"Town", "Dad", "4294967296", "The offset must be a whole number from 0 to 4294967295, in decimal or in hexadecimal written with 0x."},
         {"Town", "Dad", "3145728", "The offset 3145728 lies past the end of the ROM (3145728 bytes)."},
         {"Town", "A=B", "16", kBadKey},
         {"Town", "A\r\nB", "16", kBadKey},

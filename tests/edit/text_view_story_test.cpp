@@ -113,5 +113,7 @@ TEST_F(TextView, TheOffsetCommandShowsTheTextAtADecimalOffset) {
     }
     w.user.Then(std::string("12x"));
     ViewOffset(w.session);
-    EXPECT_EQ(w.user.Take().size(), 3u);  // three prompts, no add-offset window for "12x"
+    auto last = w.user.Take();
+    ASSERT_EQ(last.size(), 4u);  // three prompts and a message, no add-offset window for "12x"
+    EXPECT_EQ(last.back().kind, Shown::Message);
 }

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QGroupBox>
 #include <QLabel>
+#include <QTextDocumentFragment>
 #include <QWidget>
 
 namespace quillon::test {
@@ -26,18 +27,25 @@ int CaptionWidth(const QWidget* w, const QString& text) {
     return w->fontMetrics().horizontalAdvance(shown);
 }
 
+// A label's caption as shown: rich text without its markup.
+QString PlainCaption(const QLabel& label) {
+    if (label.textFormat() == Qt::PlainText || !Qt::mightBeRichText(label.text())) return label.text();
+    return QTextDocumentFragment::fromHtml(label.text()).toPlainText();
+}
+
 void Check(const QWidget& window, const QWidget* parent, QStringList& problems) {
     QList<const QWidget*> shown;
     for (const QObject* o : parent->children()) {
         const auto* w = qobject_cast<const QWidget*>(o);
-        if (!w || w->isWindow() || w->isHidden() || !IsControl(w)) continue;
+        // A backdrop is drawn behind the controls it frames.
+        if (!w || w->isWindow() || w->isHidden() || !IsControl(w) || w->property("backdrop").toBool()) continue;
         shown << w;
         const QRect inWindow(w->mapTo(&window, QPoint(0, 0)), w->size());
         if (!window.rect().contains(inWindow))
             problems << Name(w) + QStringLiteral(" reaches outside the window");
         if (const auto* label = qobject_cast<const QLabel*>(w); label && !label->wordWrap() &&
             !label->text().contains(QLatin1Char('\n')) && label->pixmap().isNull() &&
-            CaptionWidth(w, label->text()) > label->contentsRect().width())
+            CaptionWidth(w, PlainCaption(*label)) > label->contentsRect().width())
             problems << Name(w) + QStringLiteral(" cuts its caption \"") + label->text() + QLatin1Char('"');
         if (const auto* button = qobject_cast<const QAbstractButton*>(w);
             button && CaptionWidth(w, button->text()) > button->width())

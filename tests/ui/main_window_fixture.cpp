@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QTimer>
 
+#include <memory>
+
 namespace quillon::test {
 
 std::string Bytes(const std::string& hex) {
@@ -25,6 +27,27 @@ ModalSeen OpenModal(const std::function<void()>& open) {
     });
     open();
     return seen;
+}
+
+void OnModals(std::vector<std::function<void(QWidget*)>> steps) {
+    struct State {
+        std::vector<std::function<void(QWidget*)>> steps;
+        std::size_t next = 0;
+        QList<QWidget*> handled;
+        int polls = 0;
+    };
+    auto state = std::make_shared<State>();
+    state->steps = std::move(steps);
+    auto poll = std::make_shared<std::function<void()>>();
+    *poll = [state, poll] {
+        if (state->next >= state->steps.size() || ++state->polls > 1000) return;
+        QWidget* modal = QApplication::activeModalWidget();
+        QTimer::singleShot(5, *poll);  // before the step, which may block in a modal loop
+        if (!modal || state->handled.contains(modal)) return;
+        state->handled << modal;
+        state->steps[state->next++](modal);
+    };
+    QTimer::singleShot(0, *poll);
 }
 
 void MainWindowTest::SetUp() {

@@ -22,6 +22,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace quillon::test {
 
@@ -56,6 +57,10 @@ struct ModalSeen {
     bool modal = false;
 };
 ModalSeen OpenModal(const std::function<void()>& open);
+
+// Runs each step on the next modal window that opens, in order; a step may
+// open further modal windows, which the following steps then get.
+void OnModals(std::vector<std::function<void(QWidget*)>> steps);
 
 class MainWindowTest : public ::testing::Test {
 protected:

@@ -14,6 +14,7 @@
 #include <quillon/codec.h>
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
@@ -183,14 +184,36 @@ TEST_F(MainWindowTest, TheSearchWindowsButtonsReachTheSearch) {
     ClickChild(search, "Command1");
     const QString offset = Child<QLineEdit>(search, "Text2")->text();
     ASSERT_FALSE(offset.isEmpty());
-    EXPECT_EQ(Child<QStatusBar>(search, "StatusBar1")->currentMessage(),
-              "Result: Text found at Offset " + offset + " (Decimal)!");
+    EXPECT_TRUE(Child<QStatusBar>(search, "StatusBar1")->currentMessage().startsWith(
+        "Result: Text found at Offset " + offset + " (Decimal)!"));
     EXPECT_TRUE(Child<QPlainTextEdit>(search, "Text3")->toPlainText().contains("lamp"));
     EXPECT_TRUE(Child(search, "Command2")->isEnabled());
     // The Japanese table previews only and blocks searching.
     ClickChild(search, "Option1_1");
     for (const char* name : {"Command1", "Command2", "Command4"})
         EXPECT_FALSE(Child(search, name)->isEnabled()) << name;
+}
+
+TEST_F(MainWindowTest, SearchMatchesCaseByChoiceNamesTheEntryOfAMatchAndJumpsToIt) {
+    StartAndOpen();
+    ui::SearchDialog search(*session, clipboard, window.get());
+    auto* matchCase = Child<QCheckBox>(search, "chkMatchCase");
+    EXPECT_TRUE(matchCase->isChecked());
+    QTest::keyClicks(Child(search, "Text1"), "THE LAMP HAS");
+    ClickChild(search, "Command1");
+    EXPECT_EQ(Child<QStatusBar>(search, "StatusBar1")->currentMessage(), "Result: Text could not be found!");
+    EXPECT_TRUE(Child(search, "cmdJump")->isHidden());
+
+    matchCase->setChecked(false);
+    ClickChild(search, "Command1");
+    const QString offset = Child<QLineEdit>(search, "Text2")->text();
+    EXPECT_EQ(Child<QStatusBar>(search, "StatusBar1")->currentMessage(),
+              "Result: Text found at Offset " + offset + " (Decimal)! in Lighthouse / Keeper");
+    ASSERT_FALSE(Child(search, "cmdJump")->isHidden());
+    ClickChild(search, "cmdJump");
+    EXPECT_EQ(search.result(), QDialog::Accepted);
+    EXPECT_EQ(Find<QTreeWidget>("TreeView1")->currentItem(), Node("Lighthouse", "Keeper"));
+    EXPECT_TRUE(Text1().startsWith("Welcome up"));
 }
 
 TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
@@ -208,6 +231,18 @@ TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
     ASSERT_EQ(shown[0].text.rfind("Saved script to offset ", 0), 0u) << shown[0];
     const std::string offsetHex = shown[0].text.substr(23, shown[0].text.find('(') - 23);
     EXPECT_EQ(At(std::stoul(offsetHex, nullptr, 16), 13), Bytes("6A5A0F005634120809036C0200"));
+}
+
+TEST_F(MainWindowTest, ExportAddsTxtToANameWithoutExtensionOnly) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    for (const char* name : {"gull", "gull.text"}) {
+        user.Then(dir / name);
+        Trigger(window->TextMenu(), "mnuExport");
+        const std::string written = std::string(name) == "gull" ? "gull.txt" : name;
+        EXPECT_EQ(ReadFile(dir / written), "Kree! Kree!") << name;
+    }
+    EXPECT_FALSE(std::filesystem::exists(dir / "gull"));
 }
 
 TEST(TwipsToPixels, FifteenTwipsPerPixelAt96DpiRoundedHalfToEven) {

@@ -1,0 +1,250 @@
+// The main window under the mouse and the keyboard as a new user meets it:
+// which press drags the window, which right-click opens which menu, what a
+// click on the selected node or a shared access key does, and the frames of
+// the auxiliary windows.
+#include "main_window_fixture.h"
+#include "support/save_messages.h"
+#include "ui/about_dialog.h"
+#include "ui/add_script_dialog.h"
+#include "ui/explanation_dialogs.h"
+#include "ui/japanese_dialog.h"
+#include "ui/qt_prompter.h"
+#include "ui/search_dialog.h"
+#include "ui/add_offset_dialog.h"
+#include "ui/xp_button.h"
+#include "offsets/add_offset_form.h"
+#include "offsets/startup.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+TEST_F(MainWindowTest, OnlyAPressOnTheBackgroundThatMovesDragsTheWindow) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    int moves = 0;
+    window->systemMove = [&] { ++moves; };
+    QWidget* editor = Find<QPlainTextEdit>("Text1")->viewport();
+    const QPoint background(30, 90);
+    struct Case {
+        const char* what;
+        QWidget* at;
+        QPoint from;
+        Qt::MouseButton button;
+        bool release;  // released before the pointer moves: a click
+        int drags;
+    } cases[] = {
+        {"a right press in the editor", editor, {20, 20}, Qt::RightButton, false, 0},
+        {"a press on the close hotspot", Find("Image4"), {5, 5}, Qt::LeftButton, false, 0},
+        {"a click on the background", window.get(), background, Qt::LeftButton, true, 0},
+        {"a press on the background", window.get(), background, Qt::LeftButton, false, 1},
+        {"a right press on the background", window.get(), background, Qt::RightButton, false, 1},
+    };
+    for (const Case& c : cases) {
+        moves = 0;
+        QTest::mousePress(c.at, c.button, {}, c.from);
+        if (c.at == editor) {  // the right press opened the tag menu and nothing else
+            EXPECT_TRUE(window->TextMenu()->isVisible());
+            window->TextMenu()->hide();
+        }
+        if (c.release) QTest::mouseRelease(c.at, c.button, {}, c.from);
+        QMouseEvent move(QEvent::MouseMove, QPointF(c.from + QPoint(30, 30)),
+                         QPointF(c.at->mapToGlobal(c.from + QPoint(30, 30))), Qt::NoButton,
+                         c.release ? Qt::NoButton : c.button, {});
+        QApplication::sendEvent(c.at, &move);
+        if (!c.release) QTest::mouseRelease(c.at, c.button, {}, c.from + QPoint(30, 30));
+        EXPECT_EQ(moves, c.drags) << c.what;
+    }
+    EXPECT_TRUE(window->isVisible());  // the hotspot was left before the release
+}
+
+TEST_F(MainWindowTest, RightClickOnEmptyTreeSpaceOpensNothingAndDeletesNothing) {
+    StartAndOpen();
+    auto* tree = Find<QTreeWidget>("TreeView1");
+    Select("Market", "Baker");
+    tree->collapseAll();
+    const QPoint empty(tree->viewport()->width() / 2, tree->viewport()->height() - 4);
+    ASSERT_EQ(tree->itemAt(empty), nullptr);
+    emit tree->customContextMenuRequested(empty);
+    EXPECT_FALSE(window->TreeMenu()->isVisible());
+    EXPECT_EQ(tree->currentItem(), Node("Market", "Baker"));
+}
+
+TEST_F(MainWindowTest, ClickingTheSelectedNodeLoadsItsTextAgain) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    QTest::keyClicks(Find("Text1"), "xyz");
+    ASSERT_NE(Text1(), "Kree! Kree!");
+    auto* tree = Find<QTreeWidget>("TreeView1");
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(Node("Harbour", "Gull")).center());
+    EXPECT_EQ(Text1(), "Kree! Kree!");
+}
+
+TEST_F(MainWindowTest, AnAccessKeySharedByTwoButtonsClicksTheFirstThatIsEnabled) {
+    StartAndOpen();
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    // "S&ave Text" comes before "&About": with a text shown, Alt+A saves it.
+    Select("Harbour", "Gull");
+    QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier);
+    EXPECT_EQ(user.Take(), std::vector<Shown>{kSaved});
+    // With saving disabled the same keys open the about window.
+    Find<QTreeWidget>("TreeView1")->setCurrentItem(Find<QTreeWidget>("TreeView1")->topLevelItem(0));
+    const ModalSeen seen = OpenModal([&] { QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier); });
+    EXPECT_EQ(seen.title, "About Quillon");
+}
+
+TEST_F(MainWindowTest, HotspotsAndPicturesIgnoreTheRightButton) {
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    for (const char* hotspot : {"Image4", "Image1", "Image2"}) {
+        const ModalSeen seen = OpenModal([&] { QTest::mouseClick(Find(hotspot), Qt::RightButton); });
+        EXPECT_TRUE(seen.title.isEmpty()) << hotspot;
+        EXPECT_TRUE(window->isVisible() && !window->isMinimized()) << hotspot;
+    }
+    ui::MenuExplanationDialog help(user);
+    help.show();
+    for (const char* picture : {"Image2", "Image8"}) {
+        const ModalSeen seen = OpenModal([&] { QTest::mouseClick(Child(help, picture), Qt::RightButton); });
+        EXPECT_TRUE(seen.title.isEmpty()) << picture;
+    }
+    EXPECT_TRUE(user.Take().empty());
+}
+
+TEST_F(MainWindowTest, OffsetIsAPlainButtonAndTheToolWindowsHaveFixedFrames) {
+    EXPECT_NE(qobject_cast<QPushButton*>(Find("Command5")), nullptr);
+    EXPECT_EQ(qobject_cast<ui::XPButton*>(Find("Command5")), nullptr);
+    EXPECT_EQ(Caption(*window, "lblTextborder"), "Textbox-Border");
+
+    StartAndOpen();
+    AddOffsetForm form(*session);
+    ui::SearchDialog search(*session, clipboard, window.get());
+    ui::AddOffsetDialog addOffset(form, window.get());
+    ui::AboutDialog about(window.get());
+    ui::JapaneseDialog list([](int) {}, window.get());
+    ui::MenuExplanationDialog menus(user, window.get());
+    ui::ColorExplanationDialog colours(&menus);
+    ui::AddScriptDialog script(*session, window.get());
+    const std::tuple<QDialog*, int, int> windows[] = {
+        {&search, 8355, 3015}, {&addOffset, 2760, 4140}, {&about, 6615, 6225},  {&list, 7500, 8370},
+        {&menus, 5295, 4140},  {&colours, 12030, 3570},  {&script, 4425, 3465}};
+    for (auto [w, width, height] : windows) {
+        const std::string name = w->objectName().toStdString();
+        const Qt::WindowFlags flags = w->windowFlags();
+        EXPECT_TRUE(flags.testFlag(Qt::Tool)) << name;
+        EXPECT_FALSE(flags.testFlag(Qt::WindowMinimizeButtonHint) || flags.testFlag(Qt::WindowMaximizeButtonHint)) << name;
+        EXPECT_EQ(w->minimumSize(), w->maximumSize()) << name;
+        const QSize table(ui::TwipsToPixels(width, w->logicalDpiX()), ui::TwipsToPixels(height, w->logicalDpiY()));
+        EXPECT_EQ(w->size(), table.expandedTo(w->minimumSizeHint())) << name;
+    }
+}
+
+TEST_F(MainWindowTest, CornersAreSmoothWhereTheScreenCompositesAndCutByTheRegionElsewhere) {
+    ASSERT_FALSE(ui::ScreenComposites());  // the offscreen platform
+    EXPECT_FALSE(window->mask().isEmpty());
+    window->SetSmoothCorners(true);
+    EXPECT_TRUE(window->mask().isEmpty());
+    const QImage shot = window->grab().toImage();
+    int partial = 0;  // pixels of the top-left curve that blend into what lies behind
+    for (int y = 0; y < 20; ++y)
+        for (int x = 0; x < 20; ++x)
+            if (const int a = qAlpha(shot.pixel(x, y)); a > 0 && a < 255) ++partial;
+    EXPECT_GT(partial, 3);
+    EXPECT_EQ(qAlpha(shot.pixel(0, 0)), 0);
+}
+
+// Answers from the script, but shows the add-offset window, and the messages
+// asked while a window is modal, as the program does.
+class QtWindowsPrompter : public FakePrompter {
+public:
+    void Message(Icon icon, std::string_view text, std::string_view title) override {
+        if (QApplication::activeModalWidget())
+            qt.Message(icon, text, title);
+        else
+            FakePrompter::Message(icon, text, title);
+    }
+    void ShowAddOffset(AddOffsetForm& form) override { qt.ShowAddOffset(form); }
+    ui::QtPrompter qt;
+};
+
+TEST_F(MainWindowTest, TheAddOffsetWindowBelongsToItsOpenerAndCancelIsOffOnlyAfterOffset) {
+    QtWindowsPrompter router;
+    session = std::make_unique<Session>(dir.path(), router);
+    window = std::make_unique<ui::MainWindow>(*session, clipboard);
+    router.qt.SetParent(window.get());
+    ASSERT_TRUE(StartUp(*session));
+    router.Then(Rom());
+    Click("XPButton1");
+    window->show();
+
+    struct Seen {
+        QWidget* owner = nullptr;
+        bool cancel = false;
+    };
+    auto see = [](Seen& into) {
+        return [&into](QWidget* w) {
+            into = {w->parentWidget(), Child(*w, "Command2")->isEnabled()};
+            static_cast<QDialog*>(w)->reject();
+        };
+    };
+
+    Seen offset, search, script;
+    QWidget* searchWindow = nullptr;
+    QWidget* addOffsetWindow = nullptr;
+    QWidget* messageOwner = nullptr;
+    router.Then(std::string("1048576"));
+    OnModals({see(offset)});
+    Click("Command5");
+
+    OnModals({[&](QWidget* w) {
+                  searchWindow = w;
+                  QTest::keyClicks(Child(*w, "Text1"), "lamp");
+                  ClickChild(*w, "Command1");
+                  ClickChild(*w, "Command3");
+                  static_cast<QDialog*>(w)->reject();
+              },
+              [&](QWidget* w) {
+                  addOffsetWindow = w;
+                  search = {w->parentWidget(), Child(*w, "Command2")->isEnabled()};
+                  // A refused name: the message box belongs to the add-offset window.
+                  Child<QLineEdit>(*w, "Text1")->setText(QStringLiteral("[bad]"));
+                  Child<QLineEdit>(*w, "Text2")->setText(QStringLiteral("Lamp"));
+                  ClickChild(*w, "Command1");
+                  static_cast<QDialog*>(w)->reject();
+              },
+              [&](QWidget* w) {
+                  messageOwner = w->parentWidget();
+                  static_cast<QMessageBox*>(w)->accept();
+              }});
+    Click("XPButton3");
+
+    OnModals({[&](QWidget* w) {
+                  QTest::keyClicks(Child(*w, "txtOffset"), "123456");
+                  Child<QAbstractButton>(*w, "Check1")->setChecked(true);
+                  ClickChild(*w, "Command1");
+              },
+              [](QWidget* w) { static_cast<QMessageBox*>(w)->accept(); },  // "Saved script to offset ..."
+              see(script)});
+    Trigger(window->ToolsMenu(), "mnuTextScript");
+
+    EXPECT_EQ(offset.owner, window.get());
+    EXPECT_FALSE(offset.cancel);
+    ASSERT_NE(searchWindow, nullptr);
+    EXPECT_EQ(search.owner, searchWindow);
+    EXPECT_TRUE(search.cancel);
+    EXPECT_EQ(messageOwner, addOffsetWindow);
+    EXPECT_NE(script.owner, window.get());
+    EXPECT_TRUE(script.owner && script.owner->objectName() == "frmAddScript");
+    EXPECT_TRUE(script.cancel);
+}
+
+}  // namespace
