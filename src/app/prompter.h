@@ -33,6 +33,14 @@ public:
         (void)text, (void)first, (void)second, (void)title;
         return Choice::Cancel;
     }
+    // A long text (a plan, a report) that the user can read, copy and save as
+    // a file. With `askToGo` it has OK and Cancel and the answer is true only
+    // for OK; without, it has a Close button and the answer is true. A
+    // prompter without such a box shows a message or asks Yes/No instead.
+    virtual bool ShowReport(std::string_view text, std::string_view title, bool askToGo) {
+        if (!askToGo) Message(Icon::Information, text, title);
+        return !askToGo || AskYesNo(text, title);
+    }
     // A line of input; nothing when the user cancels.
     virtual std::optional<std::string> Input(std::string_view title, std::string_view prompt,
                                              std::string_view defaultValue) = 0;

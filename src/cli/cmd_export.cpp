@@ -1,7 +1,10 @@
 // export ROM --po OUT: every text of the offset file to a PO file.
 #include "cli/cli_support.h"
 #include "cli/commands.h"
+#include "fit/fit_settings.h"
 #include "translate/po_export.h"
+
+#include <quillon/header.h>
 
 #include <cstdio>
 #include <memory>
@@ -25,6 +28,7 @@ void RegisterExport(CLI::App& app, CliContext& ctx) {
         RequireRom(args->rom);
         ExportRequest request{args->rom, OffsetFileFor(ctx, args->rom, args->ini), args->po, {}, args->fill};
         if (!args->section.empty()) request.section = args->section;
+        request.fit = fit::ReadFitSettings(ctx.programFolder / "ini" / "settings.ini", GetRomCode(args->rom));
         TerminalProgress progress(ctx.terminal);
         ExportSummary summary;
         try {

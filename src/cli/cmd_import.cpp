@@ -1,7 +1,10 @@
 // import ROM --po IN [--dry-run]: the translated texts of a PO file into the ROM.
 #include "cli/cli_support.h"
 #include "cli/commands.h"
+#include "fit/fit_settings.h"
 #include "translate/po_import.h"
+
+#include <quillon/header.h>
 
 #include <cstdio>
 #include <memory>
@@ -22,8 +25,9 @@ void RegisterImport(CLI::App& app, CliContext& ctx) {
     sub->add_flag("--dry-run", args->dryRun, "Show the plan and write nothing");
     sub->callback([args, &ctx] {
         RequireRom(args->rom);
-        const ImportRequest request{args->rom, OffsetFileFor(ctx, args->rom, args->ini), args->po,
-                                    FreeSpaceOffset(ctx)};
+        const ImportRequest request{
+            args->rom, OffsetFileFor(ctx, args->rom, args->ini), args->po, FreeSpaceOffset(ctx),
+            fit::ReadFitSettings(ctx.programFolder / "ini" / "settings.ini", GetRomCode(args->rom))};
         TerminalProgress progress(ctx.terminal);
         const ImportPlan plan = PlanImport(request, progress);
         if (args->dryRun) {

@@ -80,9 +80,14 @@ const Menu& ToolsMenu() {
         script.enabled = false;  // opening a ROM enables it
         MenuItem find = Item("mnuFindTexts", "Find Texts in ROM...", MenuAction::FindTexts);
         find.enabled = false;  // opening a ROM enables it
+        MenuItem exportAll = Item("mnuExportAll", "Export All Texts...", MenuAction::ExportAll);
+        exportAll.enabled = false;
+        MenuItem import = Item("mnuImportTranslation", "Import Translation...", MenuAction::ImportTranslation);
+        import.enabled = false;
         return Menu{"mnuTools",
                     "Tools",
                     {Item("mnuUpdate", "Live-Update", MenuAction::Update), std::move(script), std::move(find),
+                     std::move(exportAll), std::move(import),
                      Separator(), Item("mnuUndoSave", "Undo Last Save", MenuAction::UndoSave),
                      Item("mnuRedoSave", "Redo", MenuAction::RedoSave),
                      Item("mnuHistory", "History...", MenuAction::History), Separator(),

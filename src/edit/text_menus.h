@@ -27,6 +27,8 @@ enum class MenuAction {
     ApplyPatch,   // apply a BPS or IPS patch to a chosen ROM
     FindTexts,  // scan the ROM for its texts
     References, // list the places that point at the current text
+    ExportAll,  // every text of the offset file to a PO file
+    ImportTranslation,  // the texts of a translated PO file into the ROM
 };
 
 struct MenuItem {
@@ -48,7 +50,7 @@ struct Menu {
 
 const Menu& TextMenu();        // mnuBP, right-click in the main window's text box
 const Menu& SearchTextMenu();  // mnuBP2, right-click in the search window's text box
-const Menu& ToolsMenu();       // mnuTools; mnuTextScript and mnuFindTexts start disabled
+const Menu& ToolsMenu();       // mnuTools; the items that need an open ROM start disabled
 const Menu& TreeViewMenu();    // mnuTreeView
 
 // The item of that name anywhere in the menu's tree, or null.

@@ -2,6 +2,7 @@
 
 #include "core/file_io.h"
 #include "edit/free_space.h"
+#include "fit/measure.h"
 #include "translate/offset_entries.h"
 #include "translate/po_file.h"
 #include "translate/rom_texts.h"
@@ -19,11 +20,17 @@ std::string HeaderString(std::string_view image, std::size_t at, std::size_t cou
     return Latin1ToUtf8(field);
 }
 
-std::string Comments(const EntryText& t, std::size_t pointers) {
+std::string Comments(const EntryText& t, std::size_t pointers, const fit::Font* font,
+                     const fit::MeasureOptions& options) {
     char offset[16];
     std::snprintf(offset, sizeof offset, "%X", static_cast<unsigned>(t.offset));
-    return std::string("Offset: ") + offset + "\nBytes: " + std::to_string(t.bytes.size()) +
-           "\nRoom before a repoint: " + std::to_string(t.room) + " bytes\nPointers: " + std::to_string(pointers);
+    std::string out = std::string("Offset: ") + offset + "\nBytes: " + std::to_string(t.bytes.size()) +
+                      "\nRoom before a repoint: " + std::to_string(t.room) +
+                      " bytes\nPointers: " + std::to_string(pointers);
+    if (font)
+        out += "\nbox: " + std::to_string(fit::kBoxWidth) + " px, widest line " +
+               std::to_string(fit::MeasureBytes(t.bytes, *font, options).WidestWidth()) + " px";
+    return out;
 }
 
 }  // namespace
@@ -34,6 +41,8 @@ ExportSummary ExportPo(const ExportRequest& request, Progress& progress) {
     const std::vector<OffsetEntry> entries = ReadOffsetEntries(offsetText);
     const std::string code = HeaderString(image, 0xAC, 4);
     const char freeByte = FreeRun(code, 1)[0];
+    const fit::FontResult font = fit::LocateFont(image, request.fit.named);
+    const fit::MeasureOptions measure = request.fit.Options();
 
     std::vector<OffsetEntry> chosen;
     for (const OffsetEntry& e : entries)
@@ -74,7 +83,8 @@ ExportSummary ExportPo(const ExportRequest& request, Progress& progress) {
         }
         std::string id = ToPoText(DecodeText(t.bytes, false));
         PoMessage message{t.context, id, request.fillTranslations ? id : std::string(),
-                          Comments(t, pointers.Of(t.offset).size()), false};
+                          Comments(t, pointers.Of(t.offset).size(), font.font ? &*font.font : nullptr, measure),
+                          false};
         catalog.messages.push_back(std::move(message));
         ++summary.exported;
     }

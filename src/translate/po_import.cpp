@@ -2,6 +2,7 @@
 
 #include "core/file_io.h"
 #include "edit/free_space.h"
+#include "fit/measure.h"
 #include "translate/offset_entries.h"
 #include "translate/po_file.h"
 #include "translate/rom_texts.h"
@@ -11,6 +12,7 @@
 #include <quillon/rom.h>
 
 #include <algorithm>
+#include <cctype>
 #include <map>
 #include <unordered_map>
 
@@ -104,6 +106,8 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                       Latin1ToUtf8(code) + ").");
     const std::string freeRun = FreeRun(code, 1);
     const char freeByte = freeRun[0];
+    const fit::FontResult font = fit::LocateFont(image, request.fit.named);
+    const fit::MeasureOptions measure = request.fit.Options();
 
     const std::vector<EntryText> texts = LoadEntryTexts(image, entries, freeByte, progress);
     std::unordered_map<std::string, std::size_t> byContext;
@@ -120,6 +124,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     plan.writes.subject = request.po.filename().string();
     plan.writes.rom = request.rom;
     plan.writes.romSize = image.size();
+    if (!font.font) plan.noFitCheck = font.why;
     auto refuse = [&plan](const std::string& context, std::string reason) {
         plan.refusals.push_back({context, std::move(reason)});
     };
@@ -171,6 +176,11 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             const std::size_t oldLength = t.bytes.size();
             const std::size_t newLength = encoded.bytes.size();
             ImportChange change{t.context, ImportKind::InPlace, t.offset, t.offset, oldLength, newLength, 0};
+            if (font.font) {
+                const fit::Measure m = fit::MeasureBytes(encoded.bytes, *font.font, measure);
+                change.widest = m.WidestWidth();
+                change.linesOver = m.overCount;
+            }
             RomWrite write{t.offset, {}, {}};
             if (newLength <= oldLength) {
                 change.kind = newLength == oldLength ? ImportKind::InPlace : ImportKind::Shorter;
@@ -306,6 +316,22 @@ std::string DescribePlan(const ImportPlan& plan) {
            " untranslated, " + std::to_string(plan.fuzzy) + " fuzzy (left out).\n";
     out += "Free space: " + std::to_string(plan.freeUsed) + " bytes used, " + std::to_string(plan.freeLeft) +
            " bytes left.\n";
+    std::string over;
+    std::size_t overCount = 0;
+    for (const auto& c : plan.changes)
+        if (c.linesOver > 0) {
+            ++overCount;
+            over += "  " + c.context + ": " + fit::WidthCaption(c.widest) + "\n";
+        }
+    if (!plan.noFitCheck.empty()) {
+        std::string why = plan.noFitCheck;
+        why[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(why[0])));
+        out += why + "\n";
+    } else if (overCount == 0) {
+        out += "Lines over the message box: none.\n";
+    } else {
+        out += "Lines over the message box (" + std::to_string(overCount) + "):\n" + over;
+    }
     if (plan.refusals.empty()) {
         out += "Refused: none.\n";
     } else {

@@ -4,6 +4,7 @@
 // user, then written as one journaled write plan, all of it or none.
 #include "app/progress.h"
 #include "edit/write_plan.h"
+#include "fit/fit_settings.h"
 #include "translate/po_export.h"
 
 #include <cstdint>
@@ -18,6 +19,7 @@ struct ImportRequest {
     std::filesystem::path offsetFile;
     std::filesystem::path po;
     std::int32_t freeSpaceOffset = 0;  // as in settings.ini: a file position counted from 1
+    fit::FitSettings fit{};            // the font of a game the table does not list, the sample name
 };
 
 enum class ImportKind {
@@ -35,6 +37,8 @@ struct ImportChange {
     std::size_t oldLength = 0;
     std::size_t newLength = 0;
     std::size_t pointers = 0;     // rewritten pointers of a moved text
+    int widest = 0;               // pixels of the new text's widest line (0 without a font)
+    int linesOver = 0;            // its lines over the message box
 };
 
 struct ImportPlan {
@@ -45,6 +49,7 @@ struct ImportPlan {
     std::size_t fuzzy = 0;
     std::uint64_t freeUsed = 0;    // bytes of free space the moved texts take
     std::uint64_t freeLeft = 0;
+    std::string noFitCheck;        // why line widths were not measured; empty when they were
     WritePlan writes;
 
     std::size_t Count(ImportKind kind) const;
@@ -55,7 +60,8 @@ struct ImportPlan {
 // be read or was exported from another game.
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress);
 
-// The plan in words: counts per kind, free space used and left, refusals.
+// The plan in words: counts per kind, free space used and left, refusals,
+// and the changed texts with a line over the message box.
 std::string DescribePlan(const ImportPlan& plan);
 
 // Writes the plan through CommitPlan (nothing when it writes nothing).

@@ -13,6 +13,7 @@
 #include "offsets/add_offset_form.h"
 #include "offsets/open_rom.h"
 #include "tools/export_text.h"
+#include "translate/translate_commands.h"
 #include "ui/about_dialog.h"
 #include "ui/button_pictures.h"
 #include "ui/add_script_dialog.h"
@@ -296,6 +297,8 @@ void MainWindow::BuildControls() {
             FindTextsInRom(session_, *progress_);
             return;
         }
+        if (item.action == MenuAction::ExportAll) ExportAllTexts(session_, *progress_);
+        if (item.action == MenuAction::ImportTranslation) ImportTranslation(session_, *progress_);
         if (item.action != MenuAction::TextScript) return;
         AddScriptDialog dialog(session_, this);
         dialog.exec();
@@ -617,6 +620,8 @@ void MainWindow::Refresh() {
     if (QAction* script = FindAction(toolsMenu_, QStringLiteral("mnuTextScript")))
         script->setEnabled(c.textScriptEnabled);
     if (QAction* find = FindAction(toolsMenu_, QStringLiteral("mnuFindTexts"))) find->setEnabled(c.textScriptEnabled);
+    for (const char* name : {"mnuExportAll", "mnuImportTranslation"})
+        if (QAction* a = FindAction(toolsMenu_, QString::fromLatin1(name))) a->setEnabled(c.textScriptEnabled);
     label3_->setText(Q(c.offsetCaption));
     // One pass over the ROM per text shown, not per change of the editor.
     if (const std::string of = session_.romPath.string() + '\n' + c.offsetCaption; of != pointersOf_) {

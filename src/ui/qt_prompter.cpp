@@ -3,6 +3,7 @@
 #include "ui/text_bridge.h"
 
 #include "ui/add_offset_dialog.h"
+#include "ui/report_dialog.h"
 
 #include "offsets/offset_text.h"
 
@@ -86,6 +87,11 @@ Choice QtPrompter::AskChoice(std::string_view text, std::string_view first, std:
     if (box.clickedButton() == a) return Choice::First;
     if (box.clickedButton() == b) return Choice::Second;
     return Choice::Cancel;
+}
+
+bool QtPrompter::ShowReport(std::string_view text, std::string_view title, bool askToGo) {
+    ReportDialog dialog(Q(text), Q(title), askToGo, Owner());
+    return dialog.exec() == QDialog::Accepted || !askToGo;
 }
 
 std::optional<std::string> QtPrompter::Input(std::string_view title, std::string_view prompt,

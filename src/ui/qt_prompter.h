@@ -21,6 +21,7 @@ public:
     bool AskYesNo(std::string_view text, std::string_view title) override;
     Choice AskChoice(std::string_view text, std::string_view first, std::string_view second,
                      std::string_view title) override;
+    bool ShowReport(std::string_view text, std::string_view title, bool askToGo) override;
     std::optional<std::string> Input(std::string_view title, std::string_view prompt,
                                      std::string_view defaultValue) override;
     std::optional<std::filesystem::path> OpenFile(std::string_view title, std::string_view filter) override;

@@ -5,7 +5,7 @@
 namespace quillon::test {
 
 std::ostream& operator<<(std::ostream& os, const Shown& s) {
-    static const char* kinds[] = {"Message", "Question", "Input", "OpenFile", "SaveFile", "AddOffset", "Choices"};
+    static const char* kinds[] = {"Message", "Question", "Input", "OpenFile", "SaveFile", "AddOffset", "Choices", "Report"};
     static const char* icons[] = {"Critical", "Warning", "Question", "Information"};
     return os << kinds[s.kind] << "(" << icons[static_cast<int>(s.icon)] << ", \"" << s.text << "\", \""
               << s.title << "\")";
@@ -47,6 +47,11 @@ Choice FakePrompter::AskChoice(std::string_view text, std::string_view first, st
     shown.push_back({Shown::Choices, std::string(text),
                      std::string(first) + "|" + std::string(second) + "|" + std::string(title), Icon::Question});
     return Next<Choice>("choice").value_or(Choice::Cancel);
+}
+
+bool FakePrompter::ShowReport(std::string_view text, std::string_view title, bool askToGo) {
+    shown.push_back({Shown::Report, std::string(text), std::string(title), askToGo ? Icon::Question : Icon::Information});
+    return !askToGo || Next<bool>("report").value_or(false);
 }
 
 std::optional<std::string> FakePrompter::Input(std::string_view title, std::string_view prompt,

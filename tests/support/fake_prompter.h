@@ -15,7 +15,7 @@
 namespace quillon::test {
 
 struct Shown {
-    enum Kind { Message, Question, Input, OpenFile, SaveFile, AddOffset, Choices } kind;
+    enum Kind { Message, Question, Input, OpenFile, SaveFile, AddOffset, Choices, Report } kind;
     std::string text;   // message text, input prompt, dialog title
     std::string title;  // box title, input title, dialog filter
     Icon icon = Icon::Information;
@@ -46,6 +46,9 @@ public:
     // Recorded with the choices' names as "first|second|title" in `title`.
     Choice AskChoice(std::string_view text, std::string_view first, std::string_view second,
                      std::string_view title) override;
+    // Recorded with the Question icon when it asks OK/Cancel (answered by a
+    // scripted bool), with Information when it only shows the text.
+    bool ShowReport(std::string_view text, std::string_view title, bool askToGo) override;
     std::optional<std::string> Input(std::string_view title, std::string_view prompt,
                                      std::string_view defaultValue) override;
     std::optional<std::filesystem::path> OpenFile(std::string_view title, std::string_view filter) override;

@@ -1,0 +1,102 @@
+#include "translate/translate_commands.h"
+
+#include "app/progress.h"
+#include "app/session.h"
+#include "edit/commit.h"
+#include "edit/free_space.h"
+#include "fit/fit_settings.h"
+#include "offsets/offset_file.h"
+#include "translate/po_export.h"
+#include "translate/po_import.h"
+
+#include <quillon/rom.h>
+
+namespace quillon {
+namespace {
+
+// The open game and its offset file, or false after saying what is missing.
+bool ReadyFor(Session& session, std::string_view title) {
+    if (!session.RomOpen() || session.controls.gameCode.empty()) return false;
+    if (FileExists(session.OffsetFile())) return true;
+    session.prompter.Message(Icon::Critical,
+                             "There is no offset file for this game yet (" + session.controls.gameCode +
+                                 ".ini).\r\nAdd texts to it first, or let Quillon find them: Tools, Find Texts in ROM.",
+                             title);
+    return false;
+}
+
+std::string FileName(const std::filesystem::path& path) {
+    const std::u8string name = path.filename().u8string();
+    return {name.begin(), name.end()};
+}
+
+}  // namespace
+
+bool ExportAllTexts(Session& session, Progress& progress) {
+    if (!ReadyFor(session, kExportAllTitle)) return false;
+    const auto po = session.prompter.SaveFile(kExportAllTitle, kPoFilter);
+    if (!po) return false;
+    ExportRequest request{session.romPath, session.OffsetFile(), *po, {}, false,
+                          fit::ReadFitSettings(session.SettingsFile(), session.controls.gameCode)};
+    ExportSummary summary;
+    try {
+        summary = ExportPo(request, progress);
+    } catch (const Cancelled&) {
+        return false;
+    } catch (const std::exception& e) {
+        session.prompter.Message(Icon::Critical, std::string("The texts could not be exported:\r\n") + e.what(),
+                                 kExportAllTitle);
+        return false;
+    }
+    std::string report = std::to_string(summary.exported) + " texts written to " + FileName(*po) + ".";
+    if (summary.skipped.empty()) {
+        session.prompter.Message(Icon::Information, report, kExportAllTitle);
+        return true;
+    }
+    report += "\nSkipped (" + std::to_string(summary.skipped.size()) + "):\n";
+    for (const EntryProblem& s : summary.skipped) report += "  " + s.context + ": " + s.reason + "\n";
+    session.prompter.ShowReport(report, kExportAllTitle, false);
+    return true;
+}
+
+bool ImportTranslation(Session& session, Progress& progress) {
+    if (!ReadyFor(session, kImportTitle)) return false;
+    if (!session.readOnlyReason.empty()) {
+        session.prompter.Message(Icon::Critical, session.readOnlyReason, kImportTitle);
+        return false;
+    }
+    const auto freeSpace = ReadFreeSpaceOffset(session);
+    if (!freeSpace) {
+        session.prompter.Message(Icon::Critical, kBadFreeSpaceOffset, kImportTitle);
+        return false;
+    }
+    const auto po = session.prompter.OpenFile(kImportTitle, kPoFilter);
+    if (!po) return false;
+
+    ImportPlan plan;
+    try {
+        plan = PlanImport({session.romPath, session.OffsetFile(), *po, *freeSpace,
+                           fit::ReadFitSettings(session.SettingsFile(), session.controls.gameCode)},
+                          progress);
+    } catch (const Cancelled&) {
+        return false;
+    } catch (const std::exception& e) {
+        session.prompter.Message(Icon::Critical,
+                                 std::string("The translation could not be imported:\r\n") + e.what() +
+                                     "\r\nNothing was written.",
+                                 kImportTitle);
+        return false;
+    }
+    if (plan.WritesNothing()) {
+        session.prompter.ShowReport(DescribeOutcome(plan, {}), kImportTitle, false);
+        return false;
+    }
+    if (!session.prompter.ShowReport(DescribePlan(plan) + "\nWrite these changes to the ROM?", kImportTitle, true))
+        return false;
+    if (Commit(session, plan.writes, "The translation could not be imported:") != Committed::Written) return false;
+    Tree_Load(session);  // moved texts have new offsets; the text shown is read again
+    session.prompter.ShowReport(DescribeOutcome(plan, {}), kImportTitle, false);
+    return true;
+}
+
+}  // namespace quillon
