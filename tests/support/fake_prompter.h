@@ -46,8 +46,7 @@ public:
     // Recorded with the choices' names as "first|second|title" in `title`.
     Choice AskChoice(std::string_view text, std::string_view first, std::string_view second,
                      std::string_view title) override;
-    // Recorded with the Question icon when it asks OK/Cancel (answered by a
-    // scripted bool), with Information when it only shows the text.
+    // Recorded with the Question icon when it asks OK/Cancel (a scripted bool answers).
     bool ShowReport(std::string_view text, std::string_view title, bool askToGo) override;
     std::optional<std::string> Input(std::string_view title, std::string_view prompt,
                                      std::string_view defaultValue) override;
