@@ -17,14 +17,14 @@ namespace quillon::ui {
 
 FitMonitor::FitMonitor(Session& session, QPlainTextEdit* text1, QLabel* repoint, QMenu* textMenu, QMenu* toolsMenu,
                        QWidget* window)
-    : QObject(window), session_(session), text1_(text1), repoint_(repoint), window_(window) {
+    : QObject(window), session_(session), text1_(text1), viewport_(text1->viewport()), repoint_(repoint), window_(window) {
     setObjectName(QStringLiteral("fitMonitor"));
     label_ = new QLabel(window);
     label_->setObjectName(QStringLiteral("lblFit"));
     label_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     label_->setStyleSheet(QStringLiteral("color: #b02020; font-weight: bold;"));
     repoint_->installEventFilter(this);
-    text1_->viewport()->installEventFilter(this);
+    viewport_->installEventFilter(this);
     PlaceLabel();
 
     auto* preview = new QAction(QStringLiteral("Preview in Game Font..."), textMenu);
@@ -118,7 +118,7 @@ void FitMonitor::PlaceLabel() {
 
 bool FitMonitor::eventFilter(QObject* watched, QEvent* event) {
     if (watched == repoint_ && (event->type() == QEvent::Move || event->type() == QEvent::Resize)) PlaceLabel();
-    if (watched == text1_->viewport() && event->type() == QEvent::ToolTip) {
+    if (watched == viewport_ && event->type() == QEvent::ToolTip) {
         auto* help = static_cast<QHelpEvent*>(event);
         const int block = text1_->cursorForPosition(help->pos()).blockNumber();
         for (const fit::Line& line : measure_.lines) {

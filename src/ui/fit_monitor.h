@@ -61,6 +61,9 @@ private:
 
     Session& session_;
     QPlainTextEdit* text1_;
+    // The editor's viewport, compared by address only: the window deletes the
+    // editor before lblRepoint, whose destruction still passes this filter.
+    QObject* viewport_;
     QLabel* repoint_;
     QLabel* label_;
     QWidget* window_;
