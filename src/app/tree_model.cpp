@@ -5,6 +5,7 @@ namespace quillon {
 void TreeModel::Clear() {
     nodes_.clear();
     selected_.reset();
+    ++generation_;
 }
 
 std::string TreeModel::SelectedParentText() const {

@@ -1,7 +1,8 @@
 #pragma once
 // The offset file as a two-level tree: section nodes with their text nodes.
-// A plain model; the main window's tree view mirrors it.
+// A plain model; the main window's tree view shows it.
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,15 +15,30 @@ struct TreeNode {
     std::string text;        // section name or key name
     std::string_view image;  // image list key ("small" or one of the people); static text
     std::optional<std::size_t> parent;  // index of the section node
+    std::string offset;      // a text's offset as the offset file writes it; empty for a section
 };
 
 class TreeModel {
 public:
-    void Add(TreeNode node) { nodes_.push_back(std::move(node)); }
+    void Add(TreeNode node) {
+        nodes_.push_back(std::move(node));
+        ++generation_;
+    }
     void Reserve(std::size_t count) { nodes_.reserve(count); }
     void Clear();
 
+    // The image of a section's texts: drawn once per section name, then kept
+    // for the model's lifetime so that rebuilds show the same people.
+    template <class Draw>
+    std::string_view SectionImage(const std::string& section, Draw draw) {
+        auto [it, added] = sectionImages_.try_emplace(section);
+        if (added) it->second = draw();
+        return it->second;
+    }
+
     const std::vector<TreeNode>& Nodes() const { return nodes_; }
+    // Counts changes of the nodes, so that views can tell cheaply that nothing changed.
+    std::size_t Generation() const { return generation_; }
 
     // The selected node, by index; cleared with the tree.
     std::optional<std::size_t> Selected() const { return selected_; }
@@ -34,6 +50,8 @@ public:
 private:
     std::vector<TreeNode> nodes_;
     std::optional<std::size_t> selected_;
+    std::size_t generation_ = 0;
+    std::map<std::string, std::string_view> sectionImages_;  // not emptied by Clear()
 };
 
 }  // namespace quillon

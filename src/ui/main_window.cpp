@@ -26,7 +26,7 @@
 #include "ui/progress_dialog.h"
 #include "ui/references_dialog.h"
 #include "ui/text_bridge.h"
-#include "ui/tree_icons.h"
+#include "ui/tree_view_model.h"
 #include "ui/update_dialog.h"
 #include "ui/xp_button.h"
 
@@ -50,8 +50,9 @@
 #include <QTextBlock>
 #include <QToolTip>
 #include <QHelpEvent>
-#include <QTreeWidget>
-#include <QTreeWidgetItemIterator>
+#include <QItemSelectionModel>
+#include <QLineEdit>
+#include <QTreeView>
 #include <QWindow>
 
 #include <cmath>
@@ -74,6 +75,8 @@ constexpr int kButtonPitch = 960;
 constexpr int kButtonWidth = 2055;
 constexpr int kButtonHeight = 735;
 constexpr QPoint kToolsMenuAt(1990, 4440);
+// Above this many texts the sections of a new tree start collapsed.
+constexpr std::size_t kExpandedTexts = 300;
 
 // A label that draws one of the window's own glyphs.
 QLabel* Hotspot(QWidget* parent, const QString& name, const QString& glyph) {
@@ -194,20 +197,32 @@ void MainWindow::BuildControls() {
     connect(european_, &QRadioButton::clicked, this, [this] { ChooseTable(session_, false); });
     connect(japanese_, &QRadioButton::clicked, this, [this] { ChooseTable(session_, true); });
 
-    tree_ = new QTreeWidget(this);
+    treeFilter_ = new QLineEdit(this);
+    treeFilter_->setObjectName(QStringLiteral("txtTreeFilter"));
+    treeFilter_->setPlaceholderText(QStringLiteral("Filter by section, name or offset"));
+    treeFilter_->setClearButtonEnabled(true);
+    treeFilter_->setFont(small);
+    connect(treeFilter_, &QLineEdit::textChanged, this, [this](const QString& text) { FilterTree(text); });
+
+    tree_ = new QTreeView(this);
     tree_->setObjectName(QStringLiteral("TreeView1"));
     tree_->setHeaderHidden(true);
     tree_->setIconSize(QSize(16, 16));
+    tree_->setUniformRowHeights(true);
     tree_->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(tree_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
-        if (syncing_ || !item) return;
-        SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
+    treeModel_ = new TreeViewModel(session_.tree, tree_);
+    tree_->setModel(treeModel_);
+    connect(tree_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& index) {
+        const auto node = treeModel_->NodeOf(index);
+        if (syncing_ || !node) return;
+        SelectNode(session_, *node);
     });
     // A click on the node that is already selected loads it again.
     tree_->viewport()->installEventFilter(this);
-    connect(tree_, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) {
-        if (syncing_ || !item || !pressedCurrent_) return;
-        SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
+    connect(tree_, &QTreeView::clicked, this, [this](const QModelIndex& index) {
+        const auto node = treeModel_->NodeOf(index);
+        if (syncing_ || !node || !pressedCurrent_) return;
+        SelectNode(session_, *node);
     });
     connect(tree_, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) { ShowTreeMenu(pos); });
 
@@ -322,7 +337,8 @@ void MainWindow::PlaceControls() {
     for (int i = 0; i < 5; ++i)
         place(buttons_[i], kButtonLeft, kButtonTop + i * kButtonPitch, kButtonWidth, kButtonHeight);
     place(help_, kButtonLeft + 60, 6330, 285, 285);
-    place(tree_, 2520, 1080, 2895, 5490);
+    place(treeFilter_, 2520, 1080, 2895, 330);
+    place(tree_, 2520, 1470, 2895, 5100);
     // A note on bytes the editor can't reproduce takes the editor's last line.
     // The restore bar of a draft takes the editor's first line.
     const int bar = draftBar_->isVisibleTo(this) ? 360 : 0;
@@ -505,8 +521,8 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
         return true;
     }
     if (watched == tree_->viewport() && event->type() == QEvent::MouseButtonPress) {
-        QTreeWidgetItem* hit = tree_->itemAt(static_cast<QMouseEvent*>(event)->position().toPoint());
-        pressedCurrent_ = hit && hit == tree_->currentItem();
+        const QModelIndex hit = tree_->indexAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+        pressedCurrent_ = hit.isValid() && hit == tree_->currentIndex();
     }
     const bool hotspot = watched == close_ || watched == help_ || watched == minimize_;
     if (hotspot && (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick))
@@ -578,9 +594,9 @@ void MainWindow::ShowTextMenu(const QPoint& globalPos) {
 void MainWindow::ShowTreeMenu(const QPoint& pos) {
     // A right-click selects and loads the node before the menu opens; on
     // empty space it does nothing.
-    QTreeWidgetItem* item = tree_->itemAt(pos);
-    if (!item) return;
-    SelectNode(session_, item->data(0, Qt::UserRole).toULongLong());
+    const auto node = treeModel_->NodeOf(tree_->indexAt(pos));
+    if (!node) return;
+    SelectNode(session_, *node);
     treeMenu_->popup(tree_->viewport()->mapToGlobal(pos));
 }
 
@@ -617,6 +633,7 @@ void MainWindow::Refresh() {
     textNote_->setToolTip(Q(c.roundTripNote));
     buttons_[2]->setEnabled(c.searchEnabled);
     tree_->setEnabled(c.treeEnabled);
+    treeFilter_->setEnabled(c.treeEnabled);
     if (QAction* script = FindAction(toolsMenu_, QStringLiteral("mnuTextScript")))
         script->setEnabled(c.textScriptEnabled);
     if (QAction* find = FindAction(toolsMenu_, QStringLiteral("mnuFindTexts"))) find->setEnabled(c.textScriptEnabled);
@@ -646,58 +663,93 @@ void MainWindow::Refresh() {
 }
 
 void MainWindow::RefreshTree() {
-    const auto& nodes = session_.tree.Nodes();
-    std::size_t signature = std::hash<std::size_t>{}(nodes.size());
-    for (const TreeNode& n : nodes)
-        signature = signature * 1000003u ^ std::hash<std::string>{}(n.key + '\n' + n.text + '\n' + std::string(n.image));
-    if (signature != treeSignature_ || tree_->topLevelItemCount() == 0) {
+    const TreeModel& tree = session_.tree;
+    bool rebuilt = false;
+    if (tree.Generation() != treeGeneration_) {
+        treeGeneration_ = tree.Generation();
+        // A new reading of the same file keeps the view as it is.
+        std::size_t signature = std::hash<std::size_t>{}(tree.Nodes().size());
+        for (const TreeNode& n : tree.Nodes())
+            signature = (signature * 1000003u) ^ std::hash<std::string_view>{}(n.key) ^
+                        (std::hash<std::string_view>{}(n.text) * 31u) ^ (std::hash<std::string_view>{}(n.image) * 7u) ^
+                        (std::hash<std::string_view>{}(n.offset) * 131u);
+        rebuilt = signature != treeSignature_;
         treeSignature_ = signature;
-        draftItems_.clear();
-        tree_->clear();
-        std::vector<QTreeWidgetItem*> items(nodes.size(), nullptr);
-        for (std::size_t i = 0; i < nodes.size(); ++i) {
-            const TreeNode& n = nodes[i];
-            QTreeWidgetItem* item = n.parent && *n.parent < i && items[*n.parent]
-                                        ? new QTreeWidgetItem(items[*n.parent])
-                                        : new QTreeWidgetItem(tree_);
-            item->setText(0, Q(n.text));
-            item->setIcon(0, TreeIcon(Q(n.image)));
-            item->setData(0, Qt::UserRole, static_cast<qulonglong>(i));
-            items[i] = item;
-        }
-        // Sections start expanded so that their texts show.
-        tree_->expandAll();
     }
-    QTreeWidgetItem* selected = nullptr;
-    if (auto index = session_.tree.Selected()) {
-        for (QTreeWidgetItemIterator it(tree_); *it; ++it)
-            if ((*it)->data(0, Qt::UserRole).toULongLong() == *index) selected = *it;
+    if (rebuilt) {
+        const QStringList expanded = ExpandedSections();
+        treeModel_->Reload();
+        ExpandSections(expanded);
     }
-    if (tree_->currentItem() != selected) tree_->setCurrentItem(selected);
+    const QModelIndex selected = tree.Selected() ? treeModel_->IndexOf(*tree.Selected()) : QModelIndex();
+    if (tree_->currentIndex() != selected) {
+        tree_->selectionModel()->setCurrentIndex(selected, QItemSelectionModel::ClearAndSelect);
+        ShowSelectedNode();
+    }
     MarkDrafts();
+}
+
+void MainWindow::FilterTree(const QString& text) {
+    if (!treeModel_->Filtering()) expandedBeforeFilter_ = ExpandedSections();
+    const bool wasSyncing = syncing_;
+    syncing_ = true;  // the rows change under the selection; the session's choice stays
+    treeModel_->SetFilter(text);
+    ExpandSections(expandedBeforeFilter_);
+    const QModelIndex selected =
+        session_.tree.Selected() ? treeModel_->IndexOf(*session_.tree.Selected()) : QModelIndex();
+    tree_->selectionModel()->setCurrentIndex(selected, QItemSelectionModel::ClearAndSelect);
+    ShowSelectedNode();
+    syncing_ = wasSyncing;
+}
+
+QStringList MainWindow::ExpandedSections() const {
+    QStringList names;
+    for (int row = 0, rows = treeModel_->rowCount(); row < rows; ++row) {
+        const QModelIndex section = treeModel_->index(row, 0);
+        if (tree_->isExpanded(section)) names << section.data().toString();
+    }
+    return names;
+}
+
+void MainWindow::ExpandSections(const QStringList& names) {
+    // A filtered tree and a small one show all their texts; a large one
+    // opens with its sections collapsed and keeps those the user opened.
+    if (treeModel_->Filtering() || treeModel_->TextCount() <= kExpandedTexts) {
+        tree_->expandAll();
+        return;
+    }
+    if (names.isEmpty()) return;
+    for (int row = 0, rows = treeModel_->rowCount(); row < rows; ++row) {
+        const QModelIndex section = treeModel_->index(row, 0);
+        if (names.contains(section.data().toString())) tree_->expand(section);
+    }
+}
+
+void MainWindow::ShowSelectedNode() {
+    const QModelIndex current = tree_->currentIndex();
+    if (!current.isValid()) return;
+    if (current.parent().isValid()) tree_->expand(current.parent());
+    tree_->scrollTo(current);
 }
 
 void MainWindow::MarkDrafts() {
     // Entries with a draft show in italics.
-    auto mark = [](QTreeWidgetItem* item, bool on) {
-        QFont f = item->font(0);
-        f.setItalic(on);
-        item->setFont(0, f);
-        item->setToolTip(0, on ? QStringLiteral("Unsaved changes") : QString());
-    };
-    for (QTreeWidgetItem* item : std::as_const(draftItems_)) mark(item, false);
-    draftItems_.clear();
+    std::string marks = std::to_string(session_.tree.Generation());
+    for (const auto& [entry, draft] : session_.drafts) marks.append(1, '\0').append(entry);
+    if (marks == markedDrafts_) return;
+    markedDrafts_ = marks;
+    std::vector<std::size_t> marked;
+    const auto& nodes = session_.tree.Nodes();
     for (const auto& [entry, draft] : session_.drafts) {
         const auto cut = entry.find('\n');
-        const QString section = Q(entry.substr(0, cut)), key = Q(entry.substr(cut + 1));
-        for (int i = 0; i < tree_->topLevelItemCount(); ++i) {
-            QTreeWidgetItem* s = tree_->topLevelItem(i);
-            if (s->text(0) != section) continue;
-            for (int k = 0; k < s->childCount(); ++k)
-                if (s->child(k)->text(0) == key) draftItems_ << s->child(k);
+        const std::string_view section = std::string_view(entry).substr(0, cut);
+        const std::string_view key = cut == std::string::npos ? std::string_view() : std::string_view(entry).substr(cut + 1);
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            const auto& up = nodes[i].parent;
+            if (up && *up < nodes.size() && nodes[i].text == key && nodes[*up].text == section) marked.push_back(i);
         }
     }
-    for (QTreeWidgetItem* item : std::as_const(draftItems_)) mark(item, true);
+    treeModel_->SetDrafts(marked);
 }
 
 }  // namespace quillon::ui

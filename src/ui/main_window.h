@@ -1,6 +1,7 @@
 #pragma once
 // frmMain: the borderless, rounded main window. It mirrors the session's
 // control states after every change and hands each action to a command.
+#include <QStringList>
 #include <QWidget>
 
 #include <functional>
@@ -11,13 +12,13 @@ class QButtonGroup;
 class QCheckBox;
 class QGroupBox;
 class QLabel;
+class QLineEdit;
 class QMenu;
 class QPainterPath;
 class QPlainTextEdit;
 class QPushButton;
 class QRadioButton;
-class QTreeWidget;
-class QTreeWidgetItem;
+class QTreeView;
 
 namespace quillon {
 class Clipboard;
@@ -28,6 +29,7 @@ struct Menu;
 namespace quillon::ui {
 
 class ProgressDialog;
+class TreeViewModel;
 class XPButton;
 
 // Pixels for a length in twips at this window's logical DPI (15 twips per
@@ -76,6 +78,10 @@ private:
     QPainterPath Outline() const;
     void Refresh();
     void RefreshTree();
+    void FilterTree(const QString& text);
+    QStringList ExpandedSections() const;
+    void ExpandSections(const QStringList& names);
+    void ShowSelectedNode();
     void MarkDrafts();
     void PushTextToSession();
     void PushSelectionToSession();
@@ -89,7 +95,9 @@ private:
     Session& session_;
     Clipboard& clipboard_;
     bool syncing_ = false;  // the window is writing its controls from the session
-    std::size_t treeSignature_ = 0;
+    std::size_t treeGeneration_ = 0;  // of the session's tree when the view last took it
+    std::size_t treeSignature_ = 0;   // its content then
+    QStringList expandedBeforeFilter_;
     bool smoothCorners_ = false;
     bool dragArmed_ = false;  // a press on the background, not moved yet
     QPoint dragFrom_;
@@ -103,7 +111,7 @@ private:
     QPushButton* offset_ = nullptr;
     QLabel* textBorder_ = nullptr;
     QLabel* draftBar_ = nullptr;  // "Unsaved changes from <time> - Restore / Discard"
-    QList<QTreeWidgetItem*> draftItems_;  // tree entries marked for their drafts
+    std::string markedDrafts_;  // the drafts and tree generation the marks were made for
     XPButton* buttons_[5] = {};  // XPButton1, 2, 3, 6, 4 from top to bottom
     QGroupBox* frame1_ = nullptr;
     QLabel* label2_ = nullptr;
@@ -119,7 +127,9 @@ private:
     QLabel* minimize_ = nullptr;  // Image1
     QLabel* close_ = nullptr;     // Image4
     QLabel* help_ = nullptr;      // Image2
-    QTreeWidget* tree_ = nullptr;
+    QLineEdit* treeFilter_ = nullptr;  // txtTreeFilter
+    QTreeView* tree_ = nullptr;
+    TreeViewModel* treeModel_ = nullptr;
     QMenu* textMenu_ = nullptr;
     QMenu* toolsMenu_ = nullptr;
     QMenu* treeMenu_ = nullptr;

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QTimer>
+#include <QTreeWidget>
 
 using namespace quillon;
 using namespace quillon::test;

@@ -14,8 +14,8 @@ TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftThatTheEntryOffersBack) {
     Find<QPlainTextEdit>("Text1")->moveCursor(QTextCursor::End);
     QTest::keyClicks(Find("Text1"), " Kree?");
     Select("Harbour", "Ferryman");
-    EXPECT_TRUE(Node("Harbour", "Gull")->font(0).italic());
-    EXPECT_FALSE(Node("Harbour", "Ferryman")->font(0).italic());
+    EXPECT_TRUE(Italic(Node("Harbour", "Gull")));
+    EXPECT_FALSE(Italic(Node("Harbour", "Ferryman")));
     EXPECT_TRUE(Find("lblDraft")->isHidden());
 
     // Back on the entry: the ROM's text, and the bar that offers the draft.
@@ -26,7 +26,7 @@ TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftThatTheEntryOffersBack) {
     emit Find<QLabel>("lblDraft")->linkActivated(QStringLiteral("restore"));
     EXPECT_EQ(Text1(), "Kree! Kree! Kree?");
     EXPECT_TRUE(Find("lblDraft")->isHidden());
-    EXPECT_FALSE(Node("Harbour", "Gull")->font(0).italic());
+    EXPECT_FALSE(Italic(Node("Harbour", "Gull")));
 
     // Leaving the program keeps it beside the ROM; the next start offers it.
     Click("XPButton2");

@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QTimer>
+#include <QTreeWidget>
 
 using namespace quillon;
 using namespace quillon::test;

@@ -66,16 +66,22 @@ void MainWindowTest::StartAndOpen() {
     user.Take();
 }
 
-QTreeWidgetItem* MainWindowTest::Node(const QString& section, const QString& key) {
-    const auto found = Find<QTreeWidget>("TreeView1")->findItems(key, Qt::MatchExactly | Qt::MatchRecursive);
-    for (QTreeWidgetItem* item : found)
-        if (item->parent() && item->parent()->text(0) == section) return item;
-    ADD_FAILURE() << "no node " << key.toStdString();
-    return nullptr;
+QModelIndex MainWindowTest::Section(const QString& section) {
+    const QAbstractItemModel* model = Tree()->model();
+    for (int row = 0; row < model->rowCount(); ++row)
+        if (model->index(row, 0).data().toString() == section) return model->index(row, 0);
+    return {};
 }
 
-void MainWindowTest::Select(const QString& section, const QString& key) {
-    Find<QTreeWidget>("TreeView1")->setCurrentItem(Node(section, key));
+QModelIndex MainWindowTest::Node(const QString& section, const QString& key) {
+    const QModelIndex parent = Section(section);
+    const QAbstractItemModel* model = Tree()->model();
+    for (int row = 0; row < model->rowCount(parent); ++row)
+        if (model->index(row, 0, parent).data().toString() == key) return model->index(row, 0, parent);
+    ADD_FAILURE() << "no node " << key.toStdString();
+    return {};
 }
+
+void MainWindowTest::Select(const QString& section, const QString& key) { Tree()->setCurrentIndex(Node(section, key)); }
 
 }  // namespace quillon::test

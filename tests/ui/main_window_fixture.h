@@ -14,7 +14,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QTest>
-#include <QTreeWidget>
+#include <QTreeView>
 
 #include <gtest/gtest.h>
 
@@ -73,7 +73,11 @@ protected:
 
     // Starts the program and opens the demonstration ROM through the open dialog.
     void StartAndOpen();
-    QTreeWidgetItem* Node(const QString& section, const QString& key);
+    QTreeView* Tree() { return Find<QTreeView>("TreeView1"); }
+    // The row of a section shown at the top of the tree, and a text under it.
+    QModelIndex Section(const QString& section);
+    QModelIndex Node(const QString& section, const QString& key);
+    static bool Italic(const QModelIndex& node) { return node.data(Qt::FontRole).value<QFont>().italic(); }
     void Select(const QString& section, const QString& key);
     QString Text1() { return Find<QPlainTextEdit>("Text1")->toPlainText(); }
     std::string At(std::size_t offset, std::size_t count) { return ReadFile(Rom()).substr(offset, count); }

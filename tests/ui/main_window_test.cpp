@@ -43,17 +43,17 @@ TEST_F(MainWindowTest, StartsWithNothingToEditAndOpensTheDemoRomWithOrWithoutIts
     user.Then(Rom()).Yes().No();  // a blank offset file; no scan for texts now
     Click("XPButton1");
     EXPECT_TRUE(user.answers.empty());
-    EXPECT_EQ(Find<QTreeWidget>("TreeView1")->topLevelItemCount(), 0);
+    EXPECT_EQ(Tree()->model()->rowCount(), 0);
     EXPECT_TRUE(Find("TreeView1")->isEnabled());
 
     WriteFile(dir / "ini" / "QDME.ini", offsets);
     user.Then(Rom());
     Click("XPButton1");
-    auto* tree = Find<QTreeWidget>("TreeView1");
-    ASSERT_EQ(tree->topLevelItemCount(), 4);
-    EXPECT_EQ(tree->topLevelItem(1)->text(0), "Lighthouse");
-    EXPECT_EQ(tree->topLevelItem(1)->childCount(), 7);
-    EXPECT_FALSE(tree->topLevelItem(0)->icon(0).isNull());
+    const QAbstractItemModel* tree = Tree()->model();
+    ASSERT_EQ(tree->rowCount(), 4);
+    EXPECT_EQ(tree->index(1, 0).data().toString(), "Lighthouse");
+    EXPECT_EQ(tree->rowCount(tree->index(1, 0)), 7);
+    EXPECT_FALSE(tree->index(0, 0).data(Qt::DecorationRole).value<QIcon>().isNull());
     for (const char* name : {"TreeView1", "XPButton3", "Text1"}) EXPECT_TRUE(Find(name)->isEnabled()) << name;
     EXPECT_TRUE(Child<QAction>(*window->ToolsMenu(), "mnuTextScript")->isEnabled());
     EXPECT_EQ(Caption(*window, "Label4"), "QDME");
@@ -63,24 +63,24 @@ TEST_F(MainWindowTest, StartsWithNothingToEditAndOpensTheDemoRomWithOrWithoutIts
     EXPECT_EQ(Text1(), "Welcome up, [PLAYER].\nThe lamp has not been lit for a week.\n\nCould you find me some oil?");
     EXPECT_EQ(Caption(*window, "Label3"), "10018A");
     for (const char* name : {"Command2", "Option1_0", "Check1"}) EXPECT_TRUE(Find(name)->isEnabled()) << name;
-    tree->setCurrentItem(tree->topLevelItem(2));  // a section node empties the editor
+    Tree()->setCurrentIndex(tree->index(2, 0));  // a section node empties the editor
     EXPECT_TRUE(Text1().isEmpty());
     EXPECT_FALSE(Find("Command2")->isEnabled());
 }
 
 TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAdds) {
     StartAndOpen();
-    auto* tree = Find<QTreeWidget>("TreeView1");
-    QTreeWidgetItem* baker = Node("Market", "Baker");
-    ASSERT_NE(baker, nullptr);
-    emit tree->customContextMenuRequested(tree->visualItemRect(baker).center());
-    EXPECT_EQ(tree->currentItem(), baker);
+    QTreeView* tree = Tree();
+    const QModelIndex baker = Node("Market", "Baker");
+    ASSERT_TRUE(baker.isValid());
+    emit tree->customContextMenuRequested(tree->visualRect(baker).center());
+    EXPECT_EQ(tree->currentIndex(), baker);
     EXPECT_TRUE(Text1().startsWith("Fresh rolls!"));
     ASSERT_TRUE(window->TreeMenu()->isVisible());
     Trigger(window->TreeMenu(), "mnuDelete");
     window->TreeMenu()->hide();
-    EXPECT_TRUE(tree->findItems("Baker", Qt::MatchExactly | Qt::MatchRecursive).isEmpty());
-    EXPECT_EQ(tree->topLevelItem(2)->childCount(), 7);  // the rest of the market stays
+    EXPECT_TRUE(tree->model()->match(tree->model()->index(2, 0), Qt::DisplayRole, "Baker", 1, Qt::MatchRecursive).isEmpty());
+    EXPECT_EQ(tree->model()->rowCount(tree->model()->index(2, 0)), 7);  // the rest of the market stays
 
     // Through the add-offset window: a section chosen from its list, a name and an offset.
     user.Then(FakePrompter::AddOffsetAction([](AddOffsetForm& form) {
@@ -212,7 +212,7 @@ TEST_F(MainWindowTest, SearchMatchesCaseByChoiceNamesTheEntryOfAMatchAndJumpsToI
     ASSERT_FALSE(Child(search, "cmdJump")->isHidden());
     ClickChild(search, "cmdJump");
     EXPECT_EQ(search.result(), QDialog::Accepted);
-    EXPECT_EQ(Find<QTreeWidget>("TreeView1")->currentItem(), Node("Lighthouse", "Keeper"));
+    EXPECT_EQ(Tree()->currentIndex(), Node("Lighthouse", "Keeper"));
     EXPECT_TRUE(Text1().startsWith("Welcome up"));
 }
 

@@ -68,14 +68,14 @@ TEST_F(MainWindowTest, OnlyAPressOnTheBackgroundThatMovesDragsTheWindow) {
 
 TEST_F(MainWindowTest, RightClickOnEmptyTreeSpaceOpensNothingAndDeletesNothing) {
     StartAndOpen();
-    auto* tree = Find<QTreeWidget>("TreeView1");
+    QTreeView* tree = Tree();
     Select("Market", "Baker");
     tree->collapseAll();
     const QPoint empty(tree->viewport()->width() / 2, tree->viewport()->height() - 4);
-    ASSERT_EQ(tree->itemAt(empty), nullptr);
+    ASSERT_FALSE(tree->indexAt(empty).isValid());
     emit tree->customContextMenuRequested(empty);
     EXPECT_FALSE(window->TreeMenu()->isVisible());
-    EXPECT_EQ(tree->currentItem(), Node("Market", "Baker"));
+    EXPECT_EQ(tree->currentIndex(), Node("Market", "Baker"));
 }
 
 TEST_F(MainWindowTest, ClickingTheSelectedNodeLoadsItsTextAgain) {
@@ -83,8 +83,8 @@ TEST_F(MainWindowTest, ClickingTheSelectedNodeLoadsItsTextAgain) {
     Select("Harbour", "Gull");
     QTest::keyClicks(Find("Text1"), "xyz");
     ASSERT_NE(Text1(), "Kree! Kree!");
-    auto* tree = Find<QTreeWidget>("TreeView1");
-    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(Node("Harbour", "Gull")).center());
+    QTreeView* tree = Tree();
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(Node("Harbour", "Gull")).center());
     EXPECT_EQ(Text1(), "Kree! Kree!");
 }
 
@@ -98,7 +98,7 @@ TEST_F(MainWindowTest, AnAccessKeySharedByTwoButtonsClicksTheFirstThatIsEnabled)
     QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier);
     EXPECT_EQ(user.Take(), std::vector<Shown>{kSaved});
     // With saving disabled the same keys open the about window.
-    Find<QTreeWidget>("TreeView1")->setCurrentItem(Find<QTreeWidget>("TreeView1")->topLevelItem(0));
+    Tree()->setCurrentIndex(Tree()->model()->index(0, 0));
     const ModalSeen seen = OpenModal([&] { QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier); });
     EXPECT_EQ(seen.title, "About Quillon");
 }
