@@ -677,7 +677,11 @@ void MainWindow::RefreshTree() {
         treeSignature_ = signature;
     }
     if (rebuilt) {
-        const QStringList expanded = ExpandedSections();
+        // Sections the user opened in a large tree stay open when the same file is read again.
+        const std::string file = session_.OffsetFile().string();
+        const bool keep = file == treeFile_ && treeModel_->TextCount() > kExpandedTexts;
+        const QStringList expanded = keep ? ExpandedSections() : QStringList();
+        treeFile_ = file;
         treeModel_->Reload();
         ExpandSections(expanded);
     }

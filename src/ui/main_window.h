@@ -97,6 +97,7 @@ private:
     bool syncing_ = false;  // the window is writing its controls from the session
     std::size_t treeGeneration_ = 0;  // of the session's tree when the view last took it
     std::size_t treeSignature_ = 0;   // its content then
+    std::string treeFile_;            // the offset file it came from
     QStringList expandedBeforeFilter_;
     bool smoothCorners_ = false;
     bool dragArmed_ = false;  // a press on the background, not moved yet
