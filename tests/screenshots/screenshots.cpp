@@ -98,6 +98,10 @@ TEST_F(Screenshot, MainWindowAndMenus) {
     QTest::keyClicks(Find("Text1"), " Hurry!");
     Select("Lighthouse", "Lamp");
     Select("Lighthouse", "Keeper");
+    // The tree narrowed by its filter; in the text a tag and a bracketed word that is none.
+    QTest::keyClicks(Find("txtTreeFilter"), "er");
+    Find<QPlainTextEdit>("Text1")->moveCursor(QTextCursor::End);
+    QTest::keyClicks(Find("Text1"), " [PLAYR]?");
     Keep(*window, "main-window.png");
     window->TextMenu()->popup(Find("Text1")->mapToGlobal(QPoint(40, 40)));
     Keep(*window->TextMenu(), "text-menu.png");
