@@ -4,6 +4,8 @@ namespace quillon {
 
 void TreeModel::Clear() {
     nodes_.clear();
+    offsets_.clear();
+    offsetSpans_.clear();
     selected_.reset();
     ++generation_;
 }

@@ -2,7 +2,8 @@
 // The offset file as a two-level tree: section nodes with their text nodes.
 // A plain model; the main window's tree view shows it.
 #include <cstddef>
-#include <map>
+#include <unordered_map>
+#include <utility>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,16 +16,25 @@ struct TreeNode {
     std::string text;        // section name or key name
     std::string_view image;  // image list key ("small" or one of the people); static text
     std::optional<std::size_t> parent;  // index of the section node
-    std::string offset;      // a text's offset as the offset file writes it; empty for a section
 };
 
 class TreeModel {
 public:
-    void Add(TreeNode node) {
+    // `offset` is a text's offset as the offset file writes it; none for a section.
+    void Add(TreeNode node, std::string_view offset = {}) {
         nodes_.push_back(std::move(node));
+        offsetSpans_.push_back({offsets_.size(), offset.size()});
+        offsets_.append(offset);
         ++generation_;
     }
-    void Reserve(std::size_t count) { nodes_.reserve(count); }
+    std::string_view OffsetOf(std::size_t index) const {
+        const auto [at, size] = offsetSpans_[index];
+        return std::string_view(offsets_).substr(at, size);
+    }
+    void Reserve(std::size_t count) {
+        nodes_.reserve(count);
+        offsetSpans_.reserve(count);
+    }
     void Clear();
 
     // The image of a section's texts: drawn once per section name, then kept
@@ -49,9 +59,11 @@ public:
 
 private:
     std::vector<TreeNode> nodes_;
+    std::string offsets_;  // the offsets of all texts, one after the other
+    std::vector<std::pair<std::size_t, std::size_t>> offsetSpans_;
     std::optional<std::size_t> selected_;
     std::size_t generation_ = 0;
-    std::map<std::string, std::string_view> sectionImages_;  // not emptied by Clear()
+    std::unordered_map<std::string, std::string_view> sectionImages_;  // not emptied by Clear()
 };
 
 }  // namespace quillon

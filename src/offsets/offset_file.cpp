@@ -43,9 +43,9 @@ std::string Lower(std::string_view s) {
 }
 
 // A value without the quotes around it.
-std::string Unquoted(std::string_view value) {
+std::string_view Unquoted(std::string_view value) {
     if (value.size() >= 2 && value.front() == '"' && value.back() == '"') value = value.substr(1, value.size() - 2);
-    return std::string(value);
+    return value;
 }
 
 // Which node to select after the rebuild: the one that was selected, by its
@@ -166,7 +166,7 @@ void LoadTree(Session& session, const SelectionMemo& memo) {
             const std::string_view image =
                 session.tree.SectionImage(std::string(section.name), [&] { return DrawSectionImage(rng); });
             const std::size_t parent = session.tree.Nodes().size();
-            session.tree.Add({SectionNodeKey(position), std::string(section.name), "small", std::nullopt, {}});
+            session.tree.Add({SectionNodeKey(position), std::string(section.name), "small", std::nullopt});
             if (memo.any && memo.key.empty() && memo.section == section.name && !session.tree.Selected())
                 session.tree.Select(parent);
             keysOfSection.clear();
@@ -179,7 +179,7 @@ void LoadTree(Session& session, const SelectionMemo& memo) {
                     session.Changed();
                     return;
                 }
-                session.tree.Add({TextNodeKey(position, key.name), std::string(key.name), image, parent, Unquoted(key.value)});
+                session.tree.Add({TextNodeKey(position, key.name), std::string(key.name), image, parent}, Unquoted(key.value));
                 if (memo.any && memo.key == key.name && memo.section == section.name && !session.tree.Selected())
                     session.tree.Select(session.tree.Nodes().size() - 1);
             }

@@ -669,10 +669,12 @@ void MainWindow::RefreshTree() {
         treeGeneration_ = tree.Generation();
         // A new reading of the same file keeps the view as it is.
         std::size_t signature = std::hash<std::size_t>{}(tree.Nodes().size());
-        for (const TreeNode& n : tree.Nodes())
+        for (std::size_t i = 0; i < tree.Nodes().size(); ++i) {
+            const TreeNode& n = tree.Nodes()[i];
             signature = (signature * 1000003u) ^ std::hash<std::string_view>{}(n.key) ^
                         (std::hash<std::string_view>{}(n.text) * 31u) ^ (std::hash<std::string_view>{}(n.image) * 7u) ^
-                        (std::hash<std::string_view>{}(n.offset) * 131u);
+                        (std::hash<std::string_view>{}(tree.OffsetOf(i)) * 131u);
+        }
         rebuilt = signature != treeSignature_;
         treeSignature_ = signature;
     }

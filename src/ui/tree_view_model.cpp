@@ -67,7 +67,8 @@ void TreeViewModel::Layout() {
         if (digits.size() > 2 && digits.substr(0, 2) == "0x") digits.remove_prefix(2);
         for (std::size_t i = 0; i < n; ++i) {
             const TreeNode& node = nodes[i];
-            shown[i] = Contains(node.text, filter_) || (!node.offset.empty() && Contains(node.offset, digits)) ||
+            const std::string_view offset = tree_.OffsetOf(i);
+            shown[i] = Contains(node.text, filter_) || (!offset.empty() && Contains(offset, digits)) ||
                        (up_[i] != kTop && shown[up_[i]]);
         }
         for (std::size_t i = n; i-- > 0;)
