@@ -40,6 +40,14 @@ RomBuilder& RomBuilder::Fill(std::size_t offset, std::size_t count, char byte) {
     return *this;
 }
 
+RomBuilder& RomBuilder::Font(std::string_view glyphs, char version, std::uint32_t glyphPointer,
+                             std::uint32_t widthPointer) {
+    std::string widths(512, '\0');
+    for (int b = 0; b < 512; ++b) widths[static_cast<std::size_t>(b)] = static_cast<char>(FontWidth(b));
+    Put(0xBC, std::string(1, version)).Put(0x207300, widths).Pointer(glyphPointer, 0x1FF300).Pointer(widthPointer, 0x207300);
+    return glyphs.empty() ? Fill(0x1FF300, 0x4000, '\0') : Put(0x1FF300, glyphs);
+}
+
 void RomBuilder::Save(const std::filesystem::path& path) const { WriteFile(path, bytes_); }
 
 std::string Bytes(std::string_view hex) {
