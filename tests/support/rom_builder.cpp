@@ -28,10 +28,9 @@ RomBuilder& RomBuilder::Put(std::size_t offset, std::string_view bytes) {
 RomBuilder& RomBuilder::PutHex(std::size_t offset, std::string_view hex) { return Put(offset, Bytes(hex)); }
 
 RomBuilder& RomBuilder::Pointer(std::size_t offset, std::uint32_t target) {
-    std::uint32_t v = 0x08000000u + target;
-    char p[4] = {static_cast<char>(v & 0xFF), static_cast<char>((v >> 8) & 0xFF),
-                 static_cast<char>((v >> 16) & 0xFF), static_cast<char>((v >> 24) & 0xFF)};
-    return Put(offset, std::string_view(p, 4));
+    if (offset + 4 > bytes_.size()) throw std::out_of_range("RomBuilder::Pointer past the end");
+    PutPointer(bytes_, offset, target);
+    return *this;
 }
 
 RomBuilder& RomBuilder::Fill(std::size_t offset, std::size_t count, char byte) {

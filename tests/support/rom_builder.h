@@ -33,6 +33,11 @@ private:
     std::string bytes_;
 };
 
+// The four bytes of a pointer to `target` (0x08000000 + target, little-endian) at `at`.
+inline void PutPointer(std::string& image, std::size_t at, std::uint32_t target) {
+    for (int i = 0; i < 4; ++i) image[at + i] = static_cast<char>((0x08000000u + target) >> (8 * i) & 0xFF);
+}
+
 // The tests' glyph widths: 3 + byte % 5 pixels (the widest, 7, first at 0x04).
 inline int FontWidth(int byte) { return 3 + byte % 256 % 5; }
 
