@@ -202,25 +202,18 @@ TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
     form->DL().maxBytes = 4096;
     const Shown badName = Msg(Icon::Critical, "The update failed.", "Error 52: Bad file name or number");
     const Shown noFolder = Msg(Icon::Critical, "The update failed.", "Error 75: Path/File access error");
-    const struct {
+    struct Case {
         std::string url;
         Shown shown;
         bool fetched;
-    } cases[] = {
-        {server.Url("/files/"), badName, false},
-        {server.Url("/files/."), badName, false},
-        {server.Url("/files/.."), badName, false},
-        {server.Url("/files/..\\..\\evil.exe"), badName, false},
-        {server.Url("/files/new.zip\r\n"), badName, false},
-        {server.Url("/files/ne\x01w.zip"), badName, false},
-        {"ftp://127.0.0.1/new.zip", kFailed, false},
-        {server.Url("/missing/new.zip"), kFailed, true},
-        {server.Url("/cut/new.zip"), kFailed, true},
-        {server.Url("/cut-unsized/new.zip"), kFailed, true},
-        {server.Url("/empty/new.zip"), kFailed, true},
-        {server.Url("/large/new.zip"), kFailed, true},
-        {server.Url("/files/new.zip"), noFolder, false},  // last: the folder becomes a file
     };
+    std::vector<Case> cases;
+    for (const char* name : {"", ".", "..", "..\\..\\evil.exe", "new.zip\r\n", "ne\x01w.zip"})
+        cases.push_back({server.Url("/files/") + name, badName, false});
+    cases.push_back({"ftp://127.0.0.1/new.zip", kFailed, false});
+    for (const char* path : {"/missing", "/cut", "/cut-unsized", "/empty", "/large"})
+        cases.push_back({server.Url(path) + "/new.zip", kFailed, true});
+    cases.push_back({server.Url("/files/new.zip"), noFolder, false});  // last: the folder becomes a file
     for (const auto& c : cases) {
         SCOPED_TRACE(c.url);
         const bool folder = c.shown != noFolder;
