@@ -15,10 +15,10 @@ std::string Quoted(std::string_view arg) {
 
 }  // namespace
 
-CliProgram::CliProgram(std::string_view settings) {
+CliProgram::CliProgram() {
     std::filesystem::create_directory(dir / "ini");
     std::filesystem::copy_file(QUILLON_CLI_PATH, dir / "quillon-cli");
-    if (!settings.empty()) WriteFile(dir / "ini" / "settings.ini", settings);
+    WriteFile(dir / "ini" / "settings.ini", "[Settings]\r\nFreeSpaceOffset=2097152\r\n");
 }
 
 CliRun CliProgram::Run(const std::vector<std::string>& args) const {

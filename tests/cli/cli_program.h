@@ -17,8 +17,7 @@ struct CliRun {
 
 class CliProgram {
 public:
-    // `settings`: the text of ini/settings.ini; empty for no such file.
-    explicit CliProgram(std::string_view settings = "[Settings]\r\nFreeSpaceOffset=2097152\r\n");
+    CliProgram();
     CliRun Run(const std::vector<std::string>& args) const;
     std::filesystem::path Rom() const { return dir / "game.gba"; }
     std::filesystem::path OffsetFile(std::string_view code = "QLNE") const {

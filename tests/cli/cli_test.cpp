@@ -1,4 +1,4 @@
-// quillon-cli's reading commands, its help and its failures.
+// quillon-cli run as a user runs it: its commands, their help and their failures.
 #include "cli/cli_program.h"
 #include "support/translation_game.h"
 #include "support/workspace.h"
@@ -15,144 +15,177 @@ namespace {
 
 class Cli : public ::testing::Test {
 protected:
-    void SetUp() override {
-        RomBuilder rom = StoryRom();
-        rom.Put(0x100010, Bytes(EncodeText("Hello there,\r\nfriend.", false)) + "\xFF");
-        rom.Put(0x100040, Bytes(EncodeText("Say hello", false)) + "\xFF");
-        rom.Save(cli.Rom());
+    // Runs the program; "ROM" stands for the image, a leading "@" for the program folder.
+    CliRun Run(std::vector<std::string> args) const {
+        for (auto& a : args) {
+            if (a == "ROM") a = cli.Rom().string();
+            if (a.starts_with("@")) a = (cli.dir / a.substr(1)).string();
+        }
+        return cli.Run(args);
+    }
+    std::string Hex(std::uint32_t v) const {
+        char b[16];
+        std::snprintf(b, sizeof b, "%X", v);
+        return b;
     }
     CliProgram cli;
 };
 
 struct Case {
     const char* name;
-    std::vector<std::string> args;  // "ROM" stands for the generated image
-    int status;
-    const char* out;  // expected in standard output
+    std::vector<std::string> args;
+    const char* out;  // expected in standard output, or in standard error on failure
 };
 
-TEST_F(Cli, CommandsPrintWhatTheyFound) {
-    const Case cases[] = {
-        {"info", {"info", "ROM"}, 0, "Game code: QLNE\n"},
-        {"info title", {"info", "ROM"}, 0, "Title:     QUILLONTEST"},
-        {"read", {"read", "ROM", "100010"}, 0, "Hello there,\nfriend.\n"},
-        {"read with 0x", {"read", "ROM", "0x100040"}, 0, "Say hello\n"},
-        {"search lists each match", {"search", "ROM", "ello"}, 0, "100011  ello there,\n100045  ello\n"},
+TEST_F(Cli, CommandsPrintWhatTheyFoundAndFailuresOneLine) {
+    StoryRom()
+        .Put(0x100010, Bytes(EncodeText("Hello there,\r\nfriend.", false)) + "\xFF")
+        .Put(0x100040, Bytes(EncodeText("Say hello", false)) + "\xFF")
+        .Save(cli.Rom());
+    WriteFile(cli.dir / "short", "tiny");
+    const Case found[] = {
+        {"info", {"info", "ROM"}, "Game code: QLNE\n"},
+        {"info title", {"info", "ROM"}, "Title:     QUILLONTEST"},
+        {"read", {"read", "ROM", "100010"}, "Hello there,\nfriend.\n"},
+        {"read with 0x", {"read", "ROM", "0x100040"}, "Say hello\n"},
+        {"search lists each match", {"search", "ROM", "ello"}, "100011  ello there,\n100045  ello\n"},
     };
-    for (const auto& c : cases) {
-        std::vector<std::string> args = c.args;
-        for (auto& a : args)
-            if (a == "ROM") a = cli.Rom().string();
-        CliRun run = cli.Run(args);
-        EXPECT_EQ(run.status, c.status) << c.name << ": " << run.err;
+    for (const auto& c : found) {
+        CliRun run = Run(c.args);
+        EXPECT_EQ(run.status, 0) << c.name << ": " << run.err;
         EXPECT_NE(run.out.find(c.out), std::string::npos) << c.name << ": " << run.out;
         EXPECT_EQ(run.err, "") << c.name;
     }
-}
-
-TEST_F(Cli, FailuresGiveOneLineOnStandardErrorAndStatusOne) {
-    const Case cases[] = {
-        {"no command", {}, 0, ""},
-        {"unknown command", {"frobnicate"}, 0, ""},
-        {"missing ROM", {"info", "nothing.gba"}, 0, "not a file"},
-        {"short ROM", {"info", "short"}, 0, "too short"},
-        {"offset not hex", {"read", "ROM", "12G"}, 0, "not a hexadecimal number"},
-        {"offset past the end", {"read", "ROM", "300000"}, 0, "past the end"},
-        {"text not found", {"search", "ROM", "Goodbye"}, 0, "not found"},
+    const Case failures[] = {
+        {"no command", {}, ""},
+        {"unknown command", {"frobnicate"}, ""},
+        {"missing ROM", {"info", "@nothing.gba"}, "not a file"},
+        {"short ROM", {"info", "@short"}, "too short"},
+        {"offset not hex", {"read", "ROM", "12G"}, "not a hexadecimal number"},
+        {"offset past the end", {"read", "ROM", "300000"}, "past the end"},
+        {"text not found", {"search", "ROM", "Goodbye"}, "not found"},
     };
-    WriteFile(cli.dir / "short", "tiny");
-    for (const auto& c : cases) {
-        std::vector<std::string> args = c.args;
-        for (auto& a : args) {
-            if (a == "ROM") a = cli.Rom().string();
-            if (a == "short") a = (cli.dir / "short").string();
-        }
-        CliRun run = cli.Run(args);
+    for (const auto& c : failures) {
+        CliRun run = Run(c.args);
         EXPECT_NE(run.status, 0) << c.name;
         EXPECT_EQ(LineCount(run.err), 1u) << c.name << ": " << run.err;
         EXPECT_NE(run.err.find(c.out), std::string::npos) << c.name << ": " << run.err;
         EXPECT_EQ(run.out, "") << c.name;
     }
-}
-
-TEST_F(Cli, EveryCommandHasItsHelp) {
-    for (const char* command : {"info", "read", "search", "scan", "check", "export", "import"}) {
-        CliRun run = cli.Run({command, "--help"});
+    for (const char* command : {"info", "read", "search", "export", "import", "check", "scan"}) {
+        CliRun run = Run({command, "--help"});
         EXPECT_EQ(run.status, 0) << command;
         EXPECT_NE(run.out.find(command), std::string::npos) << command << ": " << run.out;
         EXPECT_NE(run.out.find("ROM"), std::string::npos) << command;
     }
 }
 
-}  // namespace
-
-namespace {
-
-class CliTranslation : public ::testing::Test {
-protected:
-    void SetUp() override {
-        game = MakeGame(3u << 20, 40, 3);
-        WriteFile(cli.Rom(), game.image);
-        WriteFile(cli.OffsetFile(), game.offsetFile);
-        // The first text grows past its room, the second stays as long.
-        PoCatalog po;
-        po.messages = {{"Section 0/Text 0", "-", "A much longer first text that must move away", {}, false},
-                       {"Section 0/Text 1", "-", TextOfLength(game.texts[1].length, 5), {}, false}};
-        WritePo(cli.dir / "in.po", po);
-    }
-    std::vector<std::string> Import(std::vector<std::string> extra = {}) const {
-        std::vector<std::string> args = {"import", cli.Rom().string(), "--po", (cli.dir / "in.po").string()};
-        args.insert(args.end(), extra.begin(), extra.end());
+TEST_F(Cli, ExportsAndImportsThroughAPoFile) {
+    const GeneratedGame game = MakeGame(3u << 20, 40, 3);
+    WriteFile(cli.Rom(), game.image);
+    WriteFile(cli.OffsetFile(), game.offsetFile);
+    // The first text grows past its room, the second stays as long.
+    PoCatalog po;
+    po.messages = {{"Section 0/Text 0", "-", "A much longer first text that must move away", {}, false},
+                   {"Section 0/Text 1", "-", TextOfLength(game.texts[1].length, 5), {}, false}};
+    WritePo(cli.dir / "in.po", po);
+    const std::vector<std::string> import = {"import", "ROM", "--po", "@in.po"};
+    auto with = [&](std::vector<std::string> args, std::size_t at) {  // the options before or after the command
+        args.insert(args.begin() + static_cast<std::ptrdiff_t>(at), import.begin(), import.end());
         return args;
-    }
-    CliProgram cli;
-    GeneratedGame game;
-};
+    };
 
-TEST_F(CliTranslation, ExportsAndImportsThroughAPoFile) {
-    CliRun exported = cli.Run({"export", cli.Rom().string(), "--po", (cli.dir / "out.po").string()});
+    CliRun exported = Run({"export", "ROM", "--po", "@out.po"});
     EXPECT_EQ(exported.status, 0) << exported.err;
     EXPECT_EQ(ReadPo(cli.dir / "out.po").messages.size(), game.texts.size());
     EXPECT_EQ(exported.err, "40 texts written to " + (cli.dir / "out.po").string() + "\n");
 
-    CliRun dry = cli.Run(Import({"--dry-run"}));
+    CliRun dry = Run(with({"--dry-run"}, 0));
     EXPECT_EQ(dry.status, 0) << dry.err;
     EXPECT_NE(dry.out.find("1 moved to free space (2 pointers rewritten)"), std::string::npos) << dry.out;
     EXPECT_TRUE(ReadFile(cli.Rom()) == game.image);
 
-    CliRun run = cli.Run(Import());
+    // The free space from the option.
+    CliRun run = Run(with({"--free-space-offset", std::to_string(game.freeFrom + 1)}, 2));
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.err, "");  // no progress line off a terminal
     EXPECT_NE(run.out.find("Written: 2 texts saved"), std::string::npos) << run.out;
-    const std::string offsets = ReadFile(cli.OffsetFile());
-    const std::string moved = offsets.substr(offsets.find("Text 0=") + 7, 6);
-    EXPECT_EQ(cli.Run({"read", cli.Rom().string(), moved}).out, "A much longer first text that must move away\n");
-}
+    EXPECT_NE(ReadFile(cli.OffsetFile()).find("Text 0=" + Hex(game.freeFrom + 1)), std::string::npos);
+    EXPECT_EQ(Run({"read", "ROM", Hex(game.freeFrom + 1)}).out, "A much longer first text that must move away\n");
 
-TEST_F(CliTranslation, FreeSpaceComesFromSettingsOrTheOption) {
-    CliProgram bare("");
-    WriteFile(bare.Rom(), game.image);
-    WriteFile(bare.OffsetFile(), game.offsetFile);
-    std::filesystem::copy_file(cli.dir / "in.po", bare.dir / "in.po");
-    const std::vector<std::string> import = {"import", bare.Rom().string(), "--po", (bare.dir / "in.po").string()};
-
-    CliRun refused = bare.Run(import);
-    EXPECT_NE(refused.status, 0);
-    EXPECT_NE(refused.err.find("'settings.ini' could not be found"), std::string::npos) << refused.err;
-
-    std::vector<std::string> overridden = import;
-    overridden.insert(overridden.begin(), {"--free-space-offset", "3145720"});  // 8 bytes before the end
-    CliRun full = bare.Run(overridden);
+    // Again on the original files, with 8 bytes before the end as the free space: too few.
+    WriteFile(cli.Rom(), game.image);
+    WriteFile(cli.OffsetFile(), game.offsetFile);
+    CliRun full = Run(with({"--free-space-offset", "3145720"}, 2));
     EXPECT_NE(full.out.find("no free space is left"), std::string::npos) << full.out << full.err;
 
-    overridden[1] = std::to_string(game.freeFrom + 1);
-    CliRun fits = bare.Run(overridden);
-    EXPECT_EQ(fits.status, 0) << fits.err;
-    EXPECT_NE(ReadFile(bare.OffsetFile()).find("Text 0=" + [&] {
-        char b[16];
-        std::snprintf(b, sizeof b, "%X", game.freeFrom + 1);
-        return std::string(b);
-    }()), std::string::npos);
+    // Without settings.ini and without the option there is no free space to use.
+    std::filesystem::remove(cli.dir / "ini" / "settings.ini");
+    CliRun refused = Run(import);
+    EXPECT_NE(refused.status, 0);
+    EXPECT_NE(refused.err.find("'settings.ini' could not be found"), std::string::npos) << refused.err;
+}
+
+TEST_F(Cli, CheckListsTheTextsOverTheBoxOfKnownOrNamedFonts) {
+    for (const char* code : {"BPRE", "QLNE"}) {
+        StoryRom(code)
+            .Font()
+            .Put(0x100000, Bytes("C2DDFF"))                                   // "Hi"
+            .Put(0x100010, Bytes("C2DDFE") + std::string(31, '\xC7') + "\xFF")  // "Hi", then 31 x "M": 217 px
+            .Save(cli.Rom());
+        WriteFile(cli.OffsetFile(code), "[Town]\r\nMom=100000\r\nSign=100010\r\n");
+        const std::string listed = "Town/Sign  100010  line 2  217 / 208 px  " + std::string(31, 'M') +
+                                   "\n1 of 2 texts have a line over the message box.\n";
+        CliRun run = Run({"check", "ROM"});
+        if (code == std::string("BPRE")) {
+            EXPECT_EQ(run.status, 0) << run.err;
+            EXPECT_EQ(run.out, listed);
+            WriteFile(cli.dir / "other.ini", "[Names]\r\nTwo=100000\r\n");
+            EXPECT_EQ(Run({"check", "ROM", "--ini", "@other.ini"}).out, "0 of 1 texts have a line over the message box.\n");
+            continue;
+        }
+        EXPECT_EQ(run.status, 1);
+        EXPECT_NE(run.err.find("no fit check: the font of game QLNE version 0 is not known"), std::string::npos) << run.err;
+        run = Run({"check", "ROM", "--glyphs", "1FF300", "--widths", "0x207300"});
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(run.out, listed);
+    }
+}
+
+TEST_F(Cli, ScanPrintsTheTextsOrAddsTheNewOnesToTheOffsetFile) {
+    StoryRom()
+        .Put(0x180000, "\xFF" + Bytes("C2D9E0E0E300E8DCD9E6D9AD") + "\xFF" + Bytes("C1E3E3D800D8D5EDAB") + "\xFF")
+        .Pointer(0x190000, 0x180001)
+        .PutHex(0x190006, "67").Pointer(0x190007, 0x18000E)
+        .Save(cli.Rom());
+    CliRun run = Run({"scan", "ROM"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("180001  "), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("1 pointer   Hello there.\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("\n2 texts found.\n"), std::string::npos) << run.out;
+
+    WriteFile(cli.dir / "game.ini", "[Town]\r\nMom=180001\r\n");
+    run = Run({"scan", "ROM", "--ini", "@game.ini"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(ReadFile(cli.dir / "game.ini"), "[Town]\r\nMom=180001\r\n[Texts 180000-18FFFF]\r\nGood day!=18000E\r\n");
+    EXPECT_EQ(run.out.rfind("2 texts found, 1 listed already; 1 added in 1 sections to ", 0), 0u) << run.out;
+}
+
+// A patch made here turns the original into the edited ROM; applied to
+// another ROM it is refused with one line and writes nothing.
+TEST_F(Cli, PatchCreateThenApplyGivesTheEditedRom) {
+    RomBuilder(0x40000, '\x01').Code("QLNE").Save(cli.dir / "a.gba");
+    RomBuilder(0x40000, '\x01').Code("QLNE").Put(0x1234, "new text").Save(cli.dir / "b.gba");
+    RomBuilder(0x40000, '\x02').Code("QLNE").Save(cli.dir / "c.gba");
+    EXPECT_EQ(Run({"patch", "create", "@a.gba", "@b.gba", "@p.bps"}).status, 0);
+    CliRun run = Run({"patch", "apply", "@a.gba", "@p.bps", "@out.gba"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(ReadFile(cli.dir / "out.gba") == ReadFile(cli.dir / "b.gba"));
+
+    run = Run({"patch", "apply", "@c.gba", "@p.bps", "@x.gba"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.err.find("made for another image"), std::string::npos) << run.err;
+    EXPECT_FALSE(std::filesystem::exists(cli.dir / "x.gba"));
 }
 
 }  // namespace

@@ -72,12 +72,8 @@ TEST(EncodeText, EdgeCases) {
 }
 
 TEST(IsHex, DigitsOfEitherCaseOnly) {
-    EXPECT_FALSE(IsHex(""));
-    EXPECT_TRUE(IsHex("0"));
-    EXPECT_TRUE(IsHex("09afAF"));
-    EXPECT_FALSE(IsHex("0g"));
-    EXPECT_FALSE(IsHex(" 1"));
-    EXPECT_FALSE(IsHex("é"));
+    for (const char* hex : {"0", "09afAF"}) EXPECT_TRUE(IsHex(hex)) << hex;
+    for (const char* other : {"", "0g", " 1", "é"}) EXPECT_FALSE(IsHex(other)) << other;
 }
 
 }  // namespace

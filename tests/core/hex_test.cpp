@@ -6,17 +6,11 @@
 
 using namespace quillon;
 
-TEST(HexToLong, ReadsHexOfEitherCaseAsSigned32Bits) {
-    EXPECT_EQ(HexToLong(""), 0);
-    EXPECT_EQ(HexToLong("ff"), 255);
-    EXPECT_EQ(HexToLong("FF"), 255);
-    EXPECT_EQ(HexToLong("71a2B4"), 0x71A2B4);
-    EXPECT_EQ(HexToLong("7FFFFFFF"), 0x7FFFFFFF);
-    EXPECT_EQ(HexToLong("80000000"), INT32_MIN);
-    EXPECT_EQ(HexToLong("FFFFFFFF"), -1);
-}
-
-TEST(HexToLong, RefusesTextThatIsNotHex) {
+TEST(HexToLong, ReadsHexOfEitherCaseAsSigned32BitsAndRefusesTheRest) {
+    const std::pair<const char*, std::int32_t> cases[] = {
+        {"", 0}, {"ff", 255}, {"FF", 255}, {"71a2B4", 0x71A2B4}, {"7FFFFFFF", 0x7FFFFFFF}, {"80000000", INT32_MIN},
+        {"FFFFFFFF", -1}};
+    for (auto [hex, value] : cases) EXPECT_EQ(HexToLong(hex), value) << hex;
     for (const char* bad : {" ", "G", "1 2", "0x10", "123456789", "-1", "&H10"})
         EXPECT_THROW(HexToLong(bad), TypeMismatch) << bad;
 }
@@ -50,17 +44,12 @@ TEST(HexToBytes, TakesPairsAndAnOddLastDigitAlone) {
     EXPECT_THROW(HexToBytes("12G4"), TypeMismatch);
 }
 
+// Offsets of up to six digits are padded to six, never shifted.
 TEST(PointerHex, RearrangesSixDigitsAndAppends08) {
-    EXPECT_EQ(PointerHex("71A2B4"), "B4A27108");
-    EXPECT_EQ(PointerHex("123456"), "56341208");
-    EXPECT_EQ(PointerHex("100000"), "00001008");
-    EXPECT_EQ(PointerHex("abcdef"), "EFCDAB08");
-    // Shorter offsets are padded to six digits, never shifted.
-    EXPECT_EQ(PointerHex("F4240"), "40420F08");
-    EXPECT_EQ(PointerHex("1"), "01000008");
-}
-
-TEST(PointerHex, RefusesOffsetsItCannotPoint) {
+    const std::pair<const char*, const char*> cases[] = {{"71A2B4", "B4A27108"}, {"123456", "56341208"},
+                                                         {"100000", "00001008"}, {"abcdef", "EFCDAB08"},
+                                                         {"F4240", "40420F08"},  {"1", "01000008"}};
+    for (auto [offset, pointer] : cases) EXPECT_EQ(PointerHex(offset), pointer) << offset;
     for (const char* bad : {"", "1000000", "FFFFFFF", "12345G", " 12345", "0x1234"})
         EXPECT_THROW(PointerHex(bad), TypeMismatch) << bad;
 }

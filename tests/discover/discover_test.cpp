@@ -1,6 +1,7 @@
 #include "app/progress.h"
 #include "discover/discover.h"
 #include "discover/text_shape.h"
+#include "support/progress_recorder.h"
 #include "support/rom_builder.h"
 #include "support/temp_dir.h"
 
@@ -81,14 +82,6 @@ TEST(TextShape, TellsTextFromChanceBytes) {
     }
 }
 
-struct StopAt : Progress {
-    int calls = 0, stopAt, ends = 0;
-    explicit StopAt(int n) : stopAt(n) {}
-    void Begin(std::string_view, std::uint64_t) override {}
-    bool Step(std::uint64_t) override { return ++calls < stopAt; }
-    void End() override { ++ends; }
-};
-
 TEST(DiscoverTexts, TakesReferencedTextsAndLeavesDecoys) {
     test::RomBuilder rom(0x10000, '\x77');  // bytes without entry
     rom.Put(0x1000, "\xFF" + kHello + "\xFF" + kGood + "\xFF");  // texts at 0x1001 and 0x100E
@@ -108,9 +101,10 @@ TEST(DiscoverTexts, TakesReferencedTextsAndLeavesDecoys) {
     EXPECT_EQ(found[1].offset, 0x100Eu);
     EXPECT_EQ(found[1].pointers.at(0).kind, PlaceKind::ScriptOperand);
 
-    StopAt stop(1);
+    test::ProgressRecorder stop;
+    stop.stopAtStep = 1;
     EXPECT_THROW(DiscoverTexts(rom.bytes(), &stop), Cancelled);
-    EXPECT_EQ(stop.ends, 1);
+    EXPECT_EQ(stop.open, 0);
 }
 
 TEST(Preview, OneLineCutAtWholeCharacters) {

@@ -3,6 +3,7 @@
 #include "discover/offset_merge.h"
 #include "offsets/add_offset_form.h"
 #include "offsets/ini_document.h"
+#include "support/progress_recorder.h"
 #include "support/workspace.h"
 
 #include <gtest/gtest.h>
@@ -115,11 +116,8 @@ TEST(FindTextsInRom, NoOrCancelWritesNothing) {
     w.user.No();
     NoProgress quiet;
     EXPECT_FALSE(FindTextsInRom(w.session, quiet));
-    struct Stop : Progress {
-        void Begin(std::string_view, std::uint64_t) override {}
-        bool Step(std::uint64_t) override { return false; }
-        void End() override {}
-    } stop;
+    test::ProgressRecorder stop;
+    stop.stopAtStep = 1;
     EXPECT_FALSE(FindTextsInRom(w.session, stop));
     EXPECT_EQ(w.user.Take().size(), 1u);  // the question; the cancelled scan asks nothing
     EXPECT_EQ(test::ReadFile(w.OffsetFile()), "[Town]\r\nMom=100000\r\n");

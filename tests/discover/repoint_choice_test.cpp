@@ -8,8 +8,6 @@
 namespace quillon::test {
 namespace {
 
-constexpr std::size_t kText = 0x100000;
-
 TEST(RepointChoice, SuspectPlacesAreKeptUnlessTheUserSaysAll) {
     const std::string old = Bytes("00001008"), moved = Bytes("01002008");
     const std::string question =
@@ -22,16 +20,8 @@ TEST(RepointChoice, SuspectPlacesAreKeptUnlessTheUserSaysAll) {
     } cases[] = {{Choice::First, old, true}, {Choice::Second, moved, true}, {Choice::Cancel, old, false}};
     for (const Case& c : cases) {
         Workspace w;
-        StoryRom()
-            .Put(kText, Bytes("C2D9E0E0E3FF"))       // "Hello"
-            .Pointer(0x50000, kText)                 // a table slot
-            .PutHex(0x60000, "67").Pointer(0x60001, kText)  // a message command
-            .Pointer(0x70003, kText)                 // between instructions
-            .Save(w.Rom());
-        w.WriteOffsetFile("[Town]\r\nMom=100000\r\n");
-        w.Open();
-        w.Select("Town", "Mom");
-        w.user.Take();
+        // The bytes before the pointer at 0x70003 look like instructions, not a script command.
+        w.OpenAt(HelloRom().PutHex(0x70001, "0101"), "[Town]\r\nMom=100000\r\n", "Town", "Mom");
         w.session.controls.text1.SetText("Hello there!");
         w.user.Yes().Then(c.answer);
         SaveText(w.session);

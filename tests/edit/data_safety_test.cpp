@@ -27,19 +27,8 @@ struct Snapshot {
 // that must move.
 std::unique_ptr<Workspace> Prepared() {
     auto w = std::make_unique<Workspace>();
-    StoryRom()
-        .Put(0x100000, Bytes("C2D9E0E0E3FF"))
-        .Pointer(0x50000, 0x100000)
-        .Pointer(0x60001, 0x100000)
-        .Pointer(0x70003, 0x100000)
-        .PutHex(0x60000, "67")  // script operands: no place looks like code
-        .PutHex(0x70001, "0F00")
-        .Save(w->Rom());
-    w->WriteOffsetFile("[Town]\r\nMom=100000\r\n");
-    w->Open();
-    w->Select("Town", "Mom");
+    w->OpenAt(HelloRom(), "[Town]\r\nMom=100000\r\n", "Town", "Mom");
     w->session.controls.text1.SetText("Hello there!");
-    w->user.Take();
     return w;
 }
 
@@ -220,14 +209,10 @@ TEST(DataSafety, OffsetsWhereNoTextCanBeWrittenCannotBeSaved) {
     };
     for (auto [line, reason] : cases) {
         Workspace w;
-        StoryRom().Save(w.Rom());
-        w.WriteOffsetFile(std::string("[Town]\r\n") + line);
-        w.Open();
-        w.Select("Town", "Mom");
+        w.OpenAt(StoryRom(), std::string("[Town]\r\n") + line, "Town", "Mom");
         EXPECT_FALSE(w.session.controls.saveEnabled) << line;
         EXPECT_NE(w.session.controls.saveRefusal.find(reason), std::string::npos) << line;
         w.session.controls.text1.SetText("x");
-        w.user.Take();
         w.user.Yes();
         SaveText(w.session);
         EXPECT_EQ(w.RomBytes(), StoryRom().bytes()) << line;
@@ -237,13 +222,9 @@ TEST(DataSafety, OffsetsWhereNoTextCanBeWrittenCannotBeSaved) {
 
 TEST(DataSafety, BytesTheEditorCannotReproduceAreNamedAndSavingAsksFirst) {
     Workspace w;
-    StoryRom().Put(0x100000, Bytes("C2FEFEC3FF")).Save(w.Rom());
-    w.WriteOffsetFile("[Town]\r\nMom=100000\r\n");
-    w.Open();
-    w.Select("Town", "Mom");
+    w.OpenAt(StoryRom().Put(0x100000, Bytes("C2FEFEC3FF")), "[Town]\r\nMom=100000\r\n", "Town", "Mom");
     const std::string note = w.session.controls.roundTripNote;
     EXPECT_NE(note.find("from byte 2 on, the ROM holds FE FE C3"), std::string::npos) << note;
-    w.user.Take();
     w.user.No();
     SaveText(w.session);
     auto shown = w.user.Take();

@@ -2,6 +2,7 @@
 // every refusal before the first write.
 #include "edit/save_text.h"
 #include "edit/text_view.h"
+#include "edit/write_plan.h"
 #include "offsets/add_offset_form.h"
 #include "support/save_messages.h"
 #include "support/workspace.h"
@@ -20,30 +21,31 @@ namespace {
 const Shown kShorter = Ask("The text you entered is shorter than the old one.\r\n\r\nDo you want to continue?",
                            "Do you really want to do that?");
 const Shown kEnoughSpace = Msg(Icon::Information, "There's enough space after the Text.\r\nThe Text won't be re-pointed.");
-
+const std::string kOffsets = "[Town]\r\nMom=100000\r\nSign=100100\r\n";
 constexpr std::size_t kText = 0x100000;
-const std::string kHello = Bytes("C2D9E0E0E3");  // "Hello"
 
-// "Hello" at 0x100000 with pointers to it at an aligned and two unaligned places.
+// HelloRom with "Men" at 0x100100.
+RomBuilder Rom(std::string_view code = "QLNE") { return HelloRom(code).Put(0x100100, Bytes("C7D9E2FF")); }
+
+struct Written {
+    std::size_t at;
+    std::string hex;
+};
+
 class Save : public ::testing::Test {
 protected:
-    void Build(const RomBuilder& rom, std::string_view settings = "FreeSpaceOffset=2097152") {
+    void Build(const RomBuilder& rom, std::string_view settings = "FreeSpaceOffset=2097152",
+               std::string_view offsets = kOffsets, std::string_view key = "Mom") {
         w = std::make_unique<Workspace>(settings);
-        rom.Save(w->Rom());
-        w->WriteOffsetFile("[Town]\r\nMom=100000\r\nSign=100100\r\n", rom.bytes().substr(0xAC, 4));
-        w->Open();
-        w->Select("Town", "Mom");
-        w->user.Take();
+        w->OpenAt(rom, offsets, "Town", key);
     }
-    static RomBuilder Rom(std::string_view code = "QLNE") {
-        RomBuilder rom = StoryRom(code);
-        // The unaligned pointers are script operands (67, 0F 00), so no place looks like code.
-        rom.Put(kText, kHello + "\xFF").Pointer(0x50000, kText).Pointer(0x60001, kText).Pointer(0x70003, kText);
-        rom.PutHex(0x60000, "67").PutHex(0x70001, "0F00");
-        rom.Put(0x100100, Bytes("C7D9E2FF"));  // "Men"
-        return rom;
+    // Types `text`, answers the questions with `answers` and saves.
+    std::vector<Shown> SaveAs(std::string text, std::vector<bool> answers) {
+        w->session.controls.text1.SetText(std::move(text));
+        for (bool a : answers) w->user.Then(a);
+        SaveText(w->session);
+        return w->user.Take();
     }
-    void Edit(std::string text) { w->session.controls.text1.SetText(std::move(text)); }
     std::string At(std::size_t offset, std::size_t count) const { return w->RomBytes().substr(offset, count); }
 
     std::unique_ptr<Workspace> w;
@@ -51,142 +53,83 @@ protected:
 
 }  // namespace
 
-TEST_F(Save, EqualLengthIsWrittenInPlaceWithoutQuestions) {
-    Build(Rom());
-    EXPECT_EQ(w->session.controls.text1.Text(), "Hello");
-    EXPECT_EQ(w->session.oldTextLength, 5);
-    Edit("Jello");
-    SaveText(w->session);
-    EXPECT_EQ(w->user.Take(), std::vector<Shown>{kSaved});
-    EXPECT_EQ(At(kText, 6), Bytes("C4D9E0E0E3FF"));
-    EXPECT_TRUE(w->session.controls.saveEnabled);
-}
-
-TEST_F(Save, ShorterTextClearsTheRestOfTheOldOne) {
-    Build(Rom());
-    Edit("Hel");
-    w->user.Yes();
-    SaveText(w->session);
-    EXPECT_EQ(w->user.Take(), (std::vector<Shown>{kShorter, kSaved}));
-    EXPECT_EQ(At(kText, 7), Bytes("C2D9E0FFFFFF01"));
-    EXPECT_EQ(w->session.controls.text1.Text(), "Hel");  // read back after the save
-    EXPECT_EQ(w->session.oldTextLength, 3);
-
-    const std::string before = w->RomBytes();
-    Edit("H");
-    w->user.No();
-    SaveText(w->session);
-    EXPECT_EQ(w->user.Take(), std::vector<Shown>{kShorter});
-    EXPECT_EQ(w->RomBytes(), before);
-    EXPECT_EQ(w->session.controls.text1.Text(), "H");
-}
-
-TEST_F(Save, GrowthIntoFreeBytesStaysInPlace) {
-    Build(Rom().Fill(kText + 6, 4, '\xFF'));
-    Edit("Hello!!!");
-    w->user.Yes();
-    SaveText(w->session);
-    EXPECT_EQ(w->user.Take(), (std::vector<Shown>{kLonger, kEnoughSpace, kSaved}));
-    EXPECT_EQ(At(kText, 11), Bytes("C2D9E0E0E3ABABABFFFF01"));
-    EXPECT_EQ(ReadFile(w->OffsetFile()), "[Town]\r\nMom=100000\r\nSign=100100\r\n");
-}
-
-TEST_F(Save, GrowthWithoutRoomRepointsEveryPointer) {
-    Build(Rom().Fill(kText + 6, 3, '\xFF'));
-    Edit("Hello!!!");
-    w->user.Yes();
-    SaveText(w->session);
-    EXPECT_EQ(w->user.Take(), (std::vector<Shown>{kLonger, kSaved}));
-    // The free run starts at 0x200000; one free byte stays in front of the text.
-    const std::string moved = Bytes("01002008");
-    EXPECT_EQ(At(0x50000, 4), moved);
-    EXPECT_EQ(At(0x60001, 4), moved);
-    EXPECT_EQ(At(0x70003, 4), moved);
-    EXPECT_EQ(At(kText, 7), Bytes("FFFFFFFFFFFFFF"));
-    EXPECT_EQ(At(0x200000, 11), Bytes("FFC2D9E0E0E3ABABABFFFF"));
-    EXPECT_EQ(ReadFile(w->OffsetFile()), "[Town]\r\nMom=200001\r\nSign=100100\r\n");
-    EXPECT_EQ(w->session.controls.offsetCaption, "200001");
-    EXPECT_EQ(w->session.oldTextLength, 8);
-    EXPECT_FALSE(FileExists(w->Rom().string() + ".save-journal"));
-}
-
-TEST_F(Save, GamesWhoseCodeBeginsBPEUseZeroAsFreeSpace) {
-    RomBuilder rom = Rom("BPEE");
-    rom.Fill(0x200000, 0x100000, '\0').Fill(kText + 6, 3, '\0');
-    Build(rom);
-    // Three zero bytes behind the terminator are not enough for a growth of three.
-    Edit("Hello!!!");
-    w->user.Yes();
-    SaveText(w->session);
-    EXPECT_EQ(w->user.Take(), (std::vector<Shown>{kLonger, kSaved}));
-    EXPECT_EQ(At(kText, 6), std::string(6, '\0'));
-    EXPECT_EQ(At(0x200000, 11), Bytes("00C2D9E0E0E3ABABABFF00"));
-    EXPECT_EQ(ReadFile(w->OffsetFile("BPEE")), "[Town]\r\nMom=200001\r\nSign=100100\r\n");
+TEST_F(Save, EachLengthIsWrittenWhereItFits) {
+    const std::string moved = "01002008";
+    struct Case {
+        const char* name;
+        RomBuilder rom;
+        std::string text;
+        std::vector<bool> answers;
+        std::vector<Shown> shown;
+        std::vector<Written> bytes;
+        std::string mom;  // the offset file's Mom line and the offset shown
+        std::string code = "QLNE";
+    };
+    const Case cases[] = {
+        {"equal", Rom(), "Jello", {}, {kSaved}, {{kText, "C4D9E0E0E3FF"}}, "100000"},
+        {"shorter", Rom(), "Hel", {true}, {kShorter, kSaved}, {{kText, "C2D9E0FFFFFF01"}}, "100000"},
+        {"shorter, no", Rom(), "H", {false}, {kShorter}, {{kText, "C2D9E0E0E3FF01"}}, "100000"},
+        {"grown into free bytes", Rom().Fill(kText + 6, 4, '\xFF'), "Hello!!!", {true},
+         {kLonger, kEnoughSpace, kSaved}, {{kText, "C2D9E0E0E3ABABABFFFF01"}}, "100000"},
+        // The free run starts at 0x200000; one free byte stays in front of the text.
+        {"repointed", Rom().Fill(kText + 6, 3, '\xFF'), "Hello!!!", {true}, {kLonger, kSaved},
+         {{0x50000, moved}, {0x60001, moved}, {0x70003, moved}, {kText, "FFFFFFFFFFFFFF"},
+          {0x200000, "FFC2D9E0E0E3ABABABFFFF"}}, "200001"},
+        // BPE games use zeros as free space: three behind the text are not enough for three more.
+        {"zeros as free space", Rom("BPEE").Fill(0x200000, 0x100000, '\0').Fill(kText + 6, 3, '\0'), "Hello!!!",
+         {true}, {kLonger, kSaved}, {{kText, "000000000000"}, {0x200000, "00C2D9E0E0E3ABABABFF00"}}, "200001", "BPEE"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Build(c.rom);
+        EXPECT_EQ(SaveAs(c.text, c.answers), c.shown);
+        for (const auto& [at, hex] : c.bytes) EXPECT_EQ(At(at, hex.size() / 2), Bytes(hex)) << std::hex << at;
+        EXPECT_EQ(ReadFile(w->OffsetFile(c.code)), "[Town]\r\nMom=" + c.mom + "\r\nSign=100100\r\n");
+        EXPECT_EQ(w->session.controls.text1.Text(), c.text);  // read back after a save
+        EXPECT_EQ(w->session.controls.offsetCaption, c.mom);
+        EXPECT_EQ(static_cast<std::size_t>(w->session.oldTextLength), c.answers == std::vector<bool>{false} ? 5 : c.text.size());
+        EXPECT_TRUE(w->session.controls.saveEnabled);
+        EXPECT_FALSE(FileExists(JournalPath(w->Rom())));
+    }
 }
 
 TEST_F(Save, RefusalsComeBeforeTheFirstWrite) {
     struct Case {
         const char* name;
         RomBuilder rom;
-        std::string settings;
-        Shown message;
+        std::string settings, message;
+        std::string offsets = kOffsets, key = "Mom", text = "Hello!!!";
     };
-    const Shown badSetting = Msg(Icon::Critical,
-                                 "The setting 'FreeSpaceOffset' in 'settings.ini' is missing or not a number.\r\n"
-                                 "Nothing was written.");
-    std::vector<Case> cases;
-    cases.push_back({"no pointer", Rom().Fill(0x50000, 4, '\x01').Fill(0x60001, 4, '\x01').Fill(0x70003, 4, '\x01'),
-                     "FreeSpaceOffset=2097152",
-                     Msg(Icon::Critical, "The text pointer wasn't found!\r\nThe text can't be edited!")});
-    cases.push_back({"no free space", Rom().Fill(0x200000, 0x100000, '\x01'), "FreeSpaceOffset=2097152",
-                     Msg(Icon::Critical, "No free space was found!")});
-    cases.push_back({"no setting", Rom(), "", badSetting});
-    cases.push_back({"bad setting", Rom(), "FreeSpaceOffset=lots", badSetting});
-    cases.push_back({"free space below 0x100000", Rom().Fill(0x80000, 16, '\xFF'), "FreeSpaceOffset=0",
-                     Msg(Icon::Critical, "The free space found at offset 80001 can't be pointed to: pointers can "
-                                         "only be built for offsets from 100000 to FFFFFF (Hex).\r\nNothing was "
-                                         "written.")});
-    for (auto& c : cases) {
-        Build(c.rom, c.settings);
-        const std::string before = w->RomBytes();
-        Edit("Hello!!!");
-        w->user.Yes();
-        SaveText(w->session);
-        EXPECT_EQ(w->user.Take(), (std::vector<Shown>{kLonger, c.message})) << c.name;
-        EXPECT_EQ(w->RomBytes(), before) << c.name;
-        EXPECT_EQ(ReadFile(w->OffsetFile()), "[Town]\r\nMom=100000\r\nSign=100100\r\n") << c.name;
-        EXPECT_TRUE(w->session.controls.saveEnabled) << c.name;
+    const std::string badSetting =
+        "The setting 'FreeSpaceOffset' in 'settings.ini' is missing or not a number.\r\nNothing was written.";
+    const std::string range = " can't be pointed to: pointers can only be built for offsets from 100000 to FFFFFF "
+                              "(Hex).\r\nNothing was written.";
+    const Case cases[] = {
+        {"no pointer", Rom().Fill(0x50000, 4, '\x01').Fill(0x60001, 4, '\x01').Fill(0x70003, 4, '\x01'),
+         "FreeSpaceOffset=2097152", "The text pointer wasn't found!\r\nThe text can't be edited!"},
+        {"no free space", Rom().Fill(0x200000, 0x100000, '\x01'), "FreeSpaceOffset=2097152",
+         "No free space was found!"},
+        {"no setting", Rom(), "", badSetting},
+        {"bad setting", Rom(), "FreeSpaceOffset=lots", badSetting},
+        {"free space below 0x100000", Rom().Fill(0x80000, 16, '\xFF'), "FreeSpaceOffset=0",
+         "The free space found at offset 80001" + range},
+        {"text below 0x100000", Rom().Put(0x0F0000, Bytes("C2D9E0E0E3FF")).Pointer(0x50010, 0x0F0000),
+         "FreeSpaceOffset=2097152",
+         "The text at offset F0000 can't be re-pointed: pointers can only be built for offsets from 100000 to "
+         "FFFFFF (Hex).\r\nNothing was written.",
+         "[Town]\r\nLow=F0000\r\n", "Low"},
+        {"grown by 32768", Rom(), "FreeSpaceOffset=2097152",
+         "The text grew by 32768 bytes; a text can grow by at most 32767 bytes at once.\r\nNothing was written.",
+         kOffsets, "Mom", std::string(32773, 'a')},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Build(c.rom, c.settings, c.offsets, c.key);
+        EXPECT_EQ(SaveAs(c.text, {true}), (std::vector<Shown>{kLonger, Msg(Icon::Critical, c.message)}));
+        EXPECT_EQ(w->RomBytes(), c.rom.bytes());
+        EXPECT_EQ(ReadFile(w->OffsetFile()), c.offsets);
+        EXPECT_TRUE(w->session.controls.saveEnabled);
     }
-}
-
-TEST_F(Save, TextsBelowThePointerRangeAreNotRepointed) {
-    RomBuilder rom = Rom();
-    rom.Put(0x0F0000, kHello + "\xFF").Pointer(0x50010, 0x0F0000);
-    Build(rom);
-    w->WriteOffsetFile("[Town]\r\nLow=F0000\r\n");
-    w->Open();
-    w->Select("Town", "Low");
-    w->user.Take();
-    const std::string before = w->RomBytes();
-    Edit("Hello!!!");
-    w->user.Yes();
-    SaveText(w->session);
-    EXPECT_EQ(w->user.Take().back(),
-              Msg(Icon::Critical, "The text at offset F0000 can't be re-pointed: pointers can only be built for "
-                                  "offsets from 100000 to FFFFFF (Hex).\r\nNothing was written."));
-    EXPECT_EQ(w->RomBytes(), before);
-}
-
-TEST_F(Save, GrowthBeyond32767BytesIsRefused) {
-    Build(Rom());
-    const std::string before = w->RomBytes();
-    Edit(std::string(32773, 'a'));
-    w->user.Yes();
-    SaveText(w->session);
-    EXPECT_EQ(w->user.Take().back(),
-              Msg(Icon::Critical, "The text grew by 32768 bytes; a text can grow by at most 32767 bytes at "
-                                  "once.\r\nNothing was written."));
-    EXPECT_EQ(w->RomBytes(), before);
 }
 
 TEST_F(Save, ATextOpenedByOffsetNeverRewritesAnUnrelatedEntry) {
@@ -196,13 +139,10 @@ TEST_F(Save, ATextOpenedByOffsetNeverRewritesAnUnrelatedEntry) {
     ViewOffset(w->session);
     ASSERT_EQ(w->session.controls.text1.Text(), "Men");
     EXPECT_EQ(w->session.controls.offsetCaption, "100100");
-    Edit("Menu!!");
     w->user.Take();
-    w->user.Yes();
-    SaveText(w->session);
-    EXPECT_EQ(w->user.Take(), (std::vector<Shown>{kLonger, kSaved}));
+    EXPECT_EQ(SaveAs("Menu!!", {true}), (std::vector<Shown>{kLonger, kSaved}));
     EXPECT_EQ(At(0x50020, 4), Bytes("01002008"));
     EXPECT_EQ(At(0x50000, 4), Bytes("00001008"));  // Mom's pointer is untouched
-    EXPECT_EQ(ReadFile(w->OffsetFile()), "[Town]\r\nMom=100000\r\nSign=100100\r\n");
+    EXPECT_EQ(ReadFile(w->OffsetFile()), kOffsets);
     EXPECT_EQ(w->session.controls.text1.Text(), "Menu!!");
 }

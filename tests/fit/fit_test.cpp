@@ -22,10 +22,8 @@ namespace {
 constexpr std::uint32_t kGlyphs = 0x1FF300;  // where FireRed 1.0 keeps them
 constexpr std::uint32_t kWidths = 0x207300;
 
-// The test's font: width of byte b is 3 + b % 5 (the widest, 7, first at 0x04);
-// every glyph a random 16x16 picture of the values 0..3.
-int TestWidth(int b) { return 3 + b % 5; }
-
+// The test's font: widths of FontWidth(); every glyph a random 16x16 picture
+// of the values 0..3.
 using Pixels = std::array<std::array<int, 16>, 16>;
 
 const std::vector<Pixels>& TestPictures() {
@@ -66,19 +64,10 @@ std::string TestSheet() {
     return sheet;
 }
 
-std::string TestWidthTable() {
-    std::string w(512, '\0');
-    for (int b = 0; b < 512; ++b) w[static_cast<std::size_t>(b)] = static_cast<char>(TestWidth(b % 256));
-    return w;
-}
-
 RomBuilder FontRom(std::string_view code = "BPRE", char version = 0, std::uint32_t glyphPointer = 0x66EC,
                    std::uint32_t widthPointer = 0x66F4) {
-    RomBuilder rom(3u << 20, '\xFF');
-    rom.Title("FITTEST").Code(code).Maker("01").Put(0xBC, std::string(1, version));
-    rom.Put(kGlyphs, TestSheet()).Put(kWidths, TestWidthTable());
-    rom.Pointer(glyphPointer, kGlyphs).Pointer(widthPointer, kWidths);
-    return rom;
+    return RomBuilder(3u << 20, '\xFF').Title("FITTEST").Code(code).Maker("01").Font(TestSheet(), version,
+                                                                                    glyphPointer, widthPointer);
 }
 
 Font TestFont() {
@@ -91,52 +80,43 @@ Font TestFont() {
 
 // --- finding the font ------------------------------------------------------
 
-TEST(FitFont, FoundThroughThePointersOfEachKnownGame) {
-    struct Case { const char* code; char version; std::uint32_t g, w; };
-    for (const Case& c : {Case{"BPRE", 0, 0x66EC, 0x66F4}, Case{"BPGE", 0, 0x66EC, 0x66F4},
-                          Case{"BPRE", 1, 0x6700, 0x6708}, Case{"BPGE", 1, 0x6700, 0x6708},
-                          Case{"BPEE", 0, 0x67D0, 0x67D8}, Case{"QDME", 0, 0x66EC, 0x66F4}}) {
-        const FontResult r = LocateFont(FontRom(c.code, c.version, c.g, c.w).bytes());
-        ASSERT_TRUE(r.font) << c.code << " " << int(c.version) << ": " << r.why;
-        EXPECT_EQ(r.font->place, (FontPlace{kGlyphs, kWidths}));
-        EXPECT_EQ(r.font->Width(0xBB), TestWidth(0xBB));
-        EXPECT_EQ(r.font->widest, 7);
+TEST(FitFont, FoundThroughThePointersOfKnownGamesOrNamedOffsetsOnly) {
+    struct Case {
+        const char* name;
+        RomBuilder rom;
+        std::optional<FontPlace> named;
+        std::string why;  // empty: found
+    };
+    const Case cases[] = {
+        {"FireRed 1.0", FontRom("BPRE", 0, 0x66EC, 0x66F4), {}, ""},
+        {"LeafGreen 1.0", FontRom("BPGE", 0, 0x66EC, 0x66F4), {}, ""},
+        {"FireRed 1.1", FontRom("BPRE", 1, 0x6700, 0x6708), {}, ""},
+        {"LeafGreen 1.1", FontRom("BPGE", 1, 0x6700, 0x6708), {}, ""},
+        {"Emerald", FontRom("BPEE", 0, 0x67D0, 0x67D8), {}, ""},
+        {"demo", FontRom("QDME", 0, 0x66EC, 0x66F4), {}, ""},
+        {"named", FontRom("AXVE"), FontPlace{kGlyphs, kWidths}, ""},
+        {"unknown game", FontRom("AXVE"), {},
+         "no fit check: the font of game AXVE version 0 is not known; name the offsets of its glyph pictures and "
+         "glyph widths to check it."},
+        {"unknown version", FontRom("BPEE", 1), {}, "the font of game BPEE version 1 is not known"},
+        {"glyphs past the end", FontRom().Pointer(0x66EC, 0x2FFFF0), {},
+         "no fit check: the glyph pictures at 0x2FFFF0 reach past the end of the image."},
+        {"widths pointer outside", FontRom().PutHex(0x66F4, "00000000"), {},
+         "no fit check: the pointer to the glyph widths at 0x66F4 (0x0) does not point into the image."},
+        {"no header", RomBuilder(0x40, '\0'), {}, "too short to hold a cartridge header"},
+    };
+    for (const Case& c : cases) {
+        const FontResult r = LocateFont(c.rom.bytes(), c.named);
+        if (!c.why.empty()) {
+            EXPECT_FALSE(r.font) << c.name;
+            EXPECT_NE(r.why.find(c.why), std::string::npos) << c.name << ": " << r.why;
+            continue;
+        }
+        ASSERT_TRUE(r.font) << c.name << ": " << r.why;
+        EXPECT_EQ(r.font->place, (FontPlace{kGlyphs, kWidths})) << c.name;
+        EXPECT_EQ(r.font->Width(0xBB), FontWidth(0xBB)) << c.name;
+        EXPECT_EQ(r.font->widest, 7) << c.name;
     }
-}
-
-TEST(FitFont, UnknownGameHasNoCheckUnlessTheOffsetsAreNamed) {
-    const RomBuilder rom = FontRom("AXVE");
-    const FontResult none = LocateFont(rom.bytes());
-    EXPECT_FALSE(none.font);
-    EXPECT_EQ(none.why,
-              "no fit check: the font of game AXVE version 0 is not known; name the offsets of its glyph "
-              "pictures and glyph widths to check it.");
-    // An unknown version of a known game is not guessed either.
-    EXPECT_FALSE(LocateFont(FontRom("BPEE", 1).bytes()).font);
-
-    const FontResult named = LocateFont(rom.bytes(), FontPlace{kGlyphs, kWidths});
-    ASSERT_TRUE(named.font);
-    EXPECT_EQ(named.font->Width(0xC2), TestWidth(0xC2));
-}
-
-TEST(FitFont, PointersOutsideTheImageGiveNoCheck) {
-    RomBuilder rom = FontRom();
-    rom.Pointer(0x66EC, 0x2FFFF0);  // glyphs reach past the end of a 3 MiB image
-    EXPECT_EQ(LocateFont(rom.bytes()).why,
-              "no fit check: the glyph pictures at 0x2FFFF0 reach past the end of the image.");
-    rom.PutHex(0x66F4, "00000000");
-    EXPECT_EQ(LocateFont(rom.bytes()).why,
-              "no fit check: the pointer to the glyph widths at 0x66F4 (0x0) does not point into the image.");
-    EXPECT_FALSE(LocateFont(std::string(0x40, '\0')).font);
-}
-
-TEST(FitFont, LoadFontReadsTheSameFromAFile) {
-    TempDir dir;
-    FontRom().Save(dir / "rom.gba");
-    const FontResult r = LoadFont(dir / "rom.gba");
-    ASSERT_TRUE(r.font) << r.why;
-    EXPECT_EQ(r.font->glyphs, TestFont().glyphs);
-    EXPECT_EQ(r.font->widths, TestFont().widths);
 }
 
 TEST(FitFont, PixelsFollowTheFormat) {
@@ -154,34 +134,38 @@ TEST(FitFont, PixelsFollowTheFormat) {
 
 // --- measuring -------------------------------------------------------------
 
-TEST(FitMeasure, WidthsAreTheSumOfTheGlyphWidths) {
+TEST(FitMeasure, WidthsAreTheSumOfTheGlyphsCodesTakeNoRoomAndNamesTheirLongest) {
     const Font font = TestFont();
-    // "Hello" = C2 D9 E0 E0 E3: 3+194%5=7, 3+217%5=5, 7, 7, 3+227%5=5.
-    const Measure m = MeasureText("Hello", false, font);
-    ASSERT_EQ(m.lines.size(), 1u);
-    EXPECT_EQ(m.lines[0].width, 7 + 5 + 7 + 7 + 5);
-    EXPECT_FALSE(m.lines[0].over);
-    // "Hi, you!": H C2 7, i DD 4, "," B8 7, space 00 3, y ED 5, o E3 5, u E9 6, ! AB 4.
-    EXPECT_EQ(MeasureText("Hi, you!", false, font).lines[0].width, 7 + 4 + 7 + 3 + 5 + 5 + 6 + 4);
-}
-
-TEST(FitMeasure, CodesTakeNoRoomAndNamesTheirLongest) {
-    const Font font = TestFont();
-    // [RED] and [BLACK] are FC 01 xx: nothing; "Hi" is 7 + 4.
-    EXPECT_EQ(MeasureText("[RED]Hi[BLACK]", false, font).lines[0].width, 11);
-    // FC 04 has three parameters, FC 09 none: only "A" (BB: 5) counts.
-    EXPECT_EQ(MeasureText("\\c[&H04][&H01][&H02][&H03]\\c[&H09]A", false, font).lines[0].width, 5);
-    // FC 0C draws the next byte as a glyph: 0xFA is 3 + 250%5 = 3.
-    EXPECT_EQ(MeasureBytes(Bytes("FC0CFA"), font).lines[0].width, 3);
-    // [PLAYER] and [RIVAL] at 7 times the widest glyph (7), with "Hi" before.
-    EXPECT_EQ(MeasureText("Hi[PLAYER]", false, font).lines[0].width, 11 + 49);
-    EXPECT_EQ(MeasureText("[RIVAL]", false, font).lines[0].width, 49);
-    // A sample name: "ASH" = BB 5 + CD 3 + C2 7; [RIVAL] keeps its longest.
-    const MeasureOptions ash{SampleName("ASH")};
-    EXPECT_EQ(MeasureText("[PLAYER]", false, font, ash).lines[0].width, 15);
-    EXPECT_EQ(MeasureText("[RIVAL]", false, font, ash).lines[0].width, 49);
-    // The end byte stops the text.
-    EXPECT_EQ(MeasureBytes(Bytes("BBFFBBBB"), font).lines[0].width, 5);
+    struct Case {
+        std::string text;  // editor text, or bytes when `bytes`
+        bool bytes;
+        int width;
+        std::optional<std::string> name = {};
+    };
+    const Case cases[] = {
+        // "Hello" = C2 D9 E0 E0 E3: 3+194%5=7, 3+217%5=5, 7, 7, 3+227%5=5.
+        {"Hello", false, 7 + 5 + 7 + 7 + 5},
+        // H C2 7, i DD 4, "," B8 7, space 00 3, y ED 5, o E3 5, u E9 6, ! AB 4.
+        {"Hi, you!", false, 7 + 4 + 7 + 3 + 5 + 5 + 6 + 4},
+        {"[RED]Hi[BLACK]", false, 11},  // FC 01 xx: nothing
+        // FC 04 has three parameters, FC 09 none: only "A" (BB: 5) counts.
+        {"\\c[&H04][&H01][&H02][&H03]\\c[&H09]A", false, 5},
+        {Bytes("FC0CFA"), true, 3},  // FC 0C draws the next byte as a glyph: 0xFA is 3 + 250%5
+        // [PLAYER] and [RIVAL] at 7 times the widest glyph (7).
+        {"Hi[PLAYER]", false, 11 + 49},
+        {"[RIVAL]", false, 49},
+        // A sample name: "ASH" = BB 5 + CD 3 + C2 7; [RIVAL] keeps its longest.
+        {"[PLAYER]", false, 15, "ASH"},
+        {"[RIVAL]", false, 49, "ASH"},
+        {Bytes("BBFFBBBB"), true, 5},  // the end byte stops the text
+    };
+    for (const Case& c : cases) {
+        const MeasureOptions o{c.name ? SampleName(*c.name) : std::nullopt};
+        const Measure m = c.bytes ? MeasureBytes(c.text, font, o) : MeasureText(c.text, false, font, o);
+        ASSERT_EQ(m.lines.size(), 1u) << c.text;
+        EXPECT_EQ(m.lines[0].width, c.width) << c.text;
+        EXPECT_FALSE(m.lines[0].over) << c.text;
+    }
 }
 
 TEST(FitMeasure, LinesOverTheBox) {
@@ -255,14 +239,14 @@ std::vector<std::uint32_t> Reference(const std::vector<std::vector<int>>& rowsOf
         for (int b : rowsOfBytes[r]) {
             const Pixels& p = TestPictures()[static_cast<std::size_t>(b)];
             for (int gy = 0; gy < 14; ++gy)
-                for (int gx = 0; gx < TestWidth(b); ++gx) {
+                for (int gx = 0; gx < FontWidth(b); ++gx) {
                     const int v = p[static_cast<std::size_t>(gy)][static_cast<std::size_t>(gx)];
                     const int px = x + gx, py = 1 + 16 * static_cast<int>(r) + gy;
                     if (px >= width) continue;
                     if (v == 1) logical[static_cast<std::size_t>(py * width + px)] = c.letter;
                     if (v == 2) logical[static_cast<std::size_t>(py * width + px)] = c.shadow;
                 }
-            x += TestWidth(b);
+            x += FontWidth(b);
         }
     }
     std::vector<std::uint32_t> out(static_cast<std::size_t>(width * zoom) * static_cast<std::size_t>(32 * zoom));

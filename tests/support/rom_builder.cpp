@@ -28,16 +28,23 @@ RomBuilder& RomBuilder::Put(std::size_t offset, std::string_view bytes) {
 RomBuilder& RomBuilder::PutHex(std::size_t offset, std::string_view hex) { return Put(offset, Bytes(hex)); }
 
 RomBuilder& RomBuilder::Pointer(std::size_t offset, std::uint32_t target) {
-    std::uint32_t v = 0x08000000u + target;
-    char p[4] = {static_cast<char>(v & 0xFF), static_cast<char>((v >> 8) & 0xFF),
-                 static_cast<char>((v >> 16) & 0xFF), static_cast<char>((v >> 24) & 0xFF)};
-    return Put(offset, std::string_view(p, 4));
+    if (offset + 4 > bytes_.size()) throw std::out_of_range("RomBuilder::Pointer past the end");
+    PutPointer(bytes_, offset, target);
+    return *this;
 }
 
 RomBuilder& RomBuilder::Fill(std::size_t offset, std::size_t count, char byte) {
     if (offset + count > bytes_.size()) throw std::out_of_range("RomBuilder::Fill past the end");
     bytes_.replace(offset, count, count, byte);
     return *this;
+}
+
+RomBuilder& RomBuilder::Font(std::string_view glyphs, char version, std::uint32_t glyphPointer,
+                             std::uint32_t widthPointer) {
+    std::string widths(512, '\0');
+    for (int b = 0; b < 512; ++b) widths[static_cast<std::size_t>(b)] = static_cast<char>(FontWidth(b));
+    Put(0xBC, std::string(1, version)).Put(0x207300, widths).Pointer(glyphPointer, 0x1FF300).Pointer(widthPointer, 0x207300);
+    return glyphs.empty() ? Fill(0x1FF300, 0x4000, '\0') : Put(0x1FF300, glyphs);
 }
 
 void RomBuilder::Save(const std::filesystem::path& path) const { WriteFile(path, bytes_); }

@@ -20,6 +20,11 @@ public:
     // The four pointer bytes of `target` (0x08000000 + target, little-endian) at `offset`.
     RomBuilder& Pointer(std::size_t offset, std::uint32_t target);
     RomBuilder& Fill(std::size_t offset, std::size_t count, char byte);
+    // A font where the game BPRE version 0 keeps it: `glyphs` (zeros when
+    // empty) at 0x1FF300, widths of FontWidth() at 0x207300, the version
+    // byte, and the two pointers to them at the given places.
+    RomBuilder& Font(std::string_view glyphs = {}, char version = 0, std::uint32_t glyphPointer = 0x66EC,
+                     std::uint32_t widthPointer = 0x66F4);
 
     const std::string& bytes() const { return bytes_; }
     void Save(const std::filesystem::path& path) const;
@@ -27,6 +32,14 @@ public:
 private:
     std::string bytes_;
 };
+
+// The four bytes of a pointer to `target` (0x08000000 + target, little-endian) at `at`.
+inline void PutPointer(std::string& image, std::size_t at, std::uint32_t target) {
+    for (int i = 0; i < 4; ++i) image[at + i] = static_cast<char>((0x08000000u + target) >> (8 * i) & 0xFF);
+}
+
+// The tests' glyph widths: 3 + byte % 5 pixels (the widest, 7, first at 0x04).
+inline int FontWidth(int byte) { return 3 + byte % 256 % 5; }
 
 // Hex text to bytes, for test data ("C2DD" gives two bytes).
 std::string Bytes(std::string_view hex);

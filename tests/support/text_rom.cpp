@@ -1,5 +1,10 @@
 #include "support/text_rom.h"
 
+#include "support/rom_builder.h"
+
+#include <quillon/codec.h>
+#include <quillon/rom.h>
+
 #include <algorithm>
 #include <array>
 #include <functional>
@@ -14,29 +19,8 @@ using Rng = std::mt19937;
 std::uint32_t Below(Rng& rng, std::uint32_t n) { return static_cast<std::uint32_t>(rng() % n); }
 bool Chance(Rng& rng, double p) { return std::uniform_real_distribution<double>(0, 1)(rng) < p; }
 
-// Bytes of the European table for the characters the generator writes.
-char Byte(char c) {
-    if (c >= 'A' && c <= 'Z') return static_cast<char>(0xBB + (c - 'A'));
-    if (c >= 'a' && c <= 'z') return static_cast<char>(0xD5 + (c - 'a'));
-    if (c >= '0' && c <= '9') return static_cast<char>(0xA1 + (c - '0'));
-    switch (c) {
-        case ' ': return '\x00';
-        case '.': return '\xAD';
-        case ',': return '\xB8';
-        case '!': return '\xAB';
-        case '?': return '\xAC';
-        case '-': return '\xAE';
-        case '\'': return '\xB4';
-        case ':': return '\xF0';
-        default: throw std::invalid_argument("no byte for this character");
-    }
-}
-
-std::string Encode(std::string_view ascii) {
-    std::string out;
-    for (char c : ascii) out += Byte(c);
-    return out;
-}
+// The generator writes letters, digits, blanks and punctuation only.
+std::string Encode(std::string_view ascii) { return HexToBytes(EncodeText(ascii, false)); }
 
 std::string Word(Rng& rng) {
     static constexpr std::string_view kOnsets[] = {"b", "c", "d", "f", "g", "h", "k", "l", "m", "n", "p", "r",
@@ -132,39 +116,30 @@ void Instruction(Rng& rng, std::string& out) {
     }
 }
 
-void PutPointer(std::string& image, std::size_t place, std::uint32_t target) {
-    image[place] = static_cast<char>(target & 0xFF);
-    image[place + 1] = static_cast<char>((target >> 8) & 0xFF);
-    image[place + 2] = static_cast<char>((target >> 16) & 0xFF);
-    image[place + 3] = '\x08';
-}
-
 // One region of the image: its bytes, and the pointers to fill in once every
 // region has its place (to a text, or to a random place of some decoy).
 struct Fixup {
-    std::size_t at;      // inside the region
-    long text;           // index of the text, or -1 for a decoy
+    std::size_t at;  // inside the region
+    long text;       // index of the text, or -1 for a decoy
     Planted kind;
 };
 struct Region {
-    enum Kind { Texts, Table, Scripts, Code, Random, Free };
+    enum Kind { Texts, Pointers, Code, Filler } kind;
     explicit Region(Kind k) : kind(k) {}
-    Kind kind;
     std::string bytes;
     std::vector<Fixup> fixups;
-    std::vector<std::size_t> textStarts;  // Texts: where each text begins
-    std::vector<std::size_t> textIds;
+    std::vector<std::pair<std::size_t, std::size_t>> texts;   // Texts: where each text begins, and its index
     std::vector<std::pair<std::size_t, std::size_t>> bodies;  // Code: instruction ranges
     std::size_t at = 0;
+    void Slot(long text, Planted kind) {
+        fixups.push_back({bytes.size(), text, kind});
+        bytes += std::string(4, '\0');
+    }
 };
 
 }  // namespace
 
-std::string GenerateTextBytes(Rng& rng) {
-    const std::uint32_t kind = Below(rng, 100);
-    if (kind < 75) return Dialogue(rng);
-    return Label(rng);
-}
+std::string GenerateTextBytes(Rng& rng) { return Below(rng, 100) < 75 ? Dialogue(rng) : Label(rng); }
 
 TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
     Rng rng(seed);
@@ -183,8 +158,7 @@ TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
     for (std::size_t i = 0; i < textCount;) {
         Region r(Region::Texts);
         for (std::size_t n = 30 + Below(rng, 271); n > 0 && i < textCount; --n, ++i) {
-            r.textStarts.push_back(r.bytes.size());
-            r.textIds.push_back(i);
+            r.texts.push_back({r.bytes.size(), i});
             r.bytes += texts[i] + '\xFF';
         }
         const char pad = Chance(rng, 0.5) ? '\x00' : '\xFF';
@@ -208,41 +182,29 @@ TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
 
     // Pointer tables; a tenth of them point at data that is no text.
     for (std::size_t i = 0; i < tableRefs.size();) {
-        Region r(Region::Table);
+        Region r(Region::Pointers);
         const bool decoy = Chance(rng, 0.1);
-        for (std::size_t n = 10 + Below(rng, 190); n > 0 && (decoy || i < tableRefs.size()); --n) {
-            r.fixups.push_back({r.bytes.size(), decoy ? -1 : tableRefs[i++], Planted::Table});
-            r.bytes += std::string(4, '\0');
-        }
+        for (std::size_t n = 10 + Below(rng, 190); n > 0 && (decoy || i < tableRefs.size()); --n)
+            r.Slot(decoy ? -1 : tableRefs[i++], Planted::Table);
         regions.push_back(std::move(r));
     }
 
     // Event scripts: byte-packed commands, so their pointers fall anywhere.
     for (std::size_t i = 0; i < scriptRefs.size();) {
-        Region r(Region::Scripts);
+        Region r(Region::Pointers);
         for (std::size_t n = 5 + Below(rng, 36); n > 0 && i < scriptRefs.size(); --n) {
             std::string& s = r.bytes;
-            if (Chance(rng, 0.5)) s += "\x6A";                       // lock
-            if (Chance(rng, 0.5)) s += "\x5A";                       // face the player
+            if (Chance(rng, 0.5)) s += "\x6A";  // lock
+            if (Chance(rng, 0.5)) s += "\x5A";  // face the player
+            // Message (with a box kind after it), and commands that take a text.
             const std::uint32_t command = Below(rng, 100);
-            if (command < 50) {
-                s += "\x0F" + std::string(1, static_cast<char>(Below(rng, 4)));
-            } else if (command < 65) {
-                s += "\x67";
-            } else if (command < 75) {
-                s += "\x9B";
-            } else if (command < 85) {
-                s += "\x85" + std::string(1, static_cast<char>(Below(rng, 3)));
-            } else if (command < 90) {
-                s += "\x78";
-            } else {
-                s += "\xBD";
-            }
-            r.fixups.push_back({s.size(), scriptRefs[i++], Planted::Script});
-            s += std::string(4, '\0');
-            if (command < 50) s += "\x09" + std::string(1, static_cast<char>(2 + Below(rng, 5)));  // message box kind
-            if (Chance(rng, 0.3)) s += "\x6C";                       // release
-            s += "\x02";                                             // end
+            if (command < 50) s += "\x0F" + std::string(1, static_cast<char>(Below(rng, 4)));
+            else if (command >= 75 && command < 85) s += "\x85" + std::string(1, static_cast<char>(Below(rng, 3)));
+            else s += command < 65 ? "\x67" : command < 75 ? "\x9B" : command < 90 ? "\x78" : "\xBD";
+            r.Slot(scriptRefs[i++], Planted::Script);
+            if (command < 50) s += "\x09" + std::string(1, static_cast<char>(2 + Below(rng, 5)));
+            if (Chance(rng, 0.3)) s += "\x6C";  // release
+            s += "\x02";                        // end
         }
         regions.push_back(std::move(r));
     }
@@ -260,22 +222,15 @@ TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
             for (std::uint32_t k = 0, words = 1 + Below(rng, 6); k < words; ++k) {
                 const std::uint32_t what = Below(rng, 100);
                 if (what < 35 && i < poolRefs.size()) {
-                    r.fixups.push_back({r.bytes.size(), poolRefs[i++], Planted::Pool});
-                    r.bytes += std::string(4, '\0');
+                    r.Slot(poolRefs[i++], Planted::Pool);
                 } else if (what < 55) {
-                    r.fixups.push_back({r.bytes.size(), -1, Planted::Pool});
-                    r.bytes += std::string(4, '\0');
+                    r.Slot(-1, Planted::Pool);
                 } else {  // a constant or a work-memory address
                     const std::uint32_t v = Chance(rng, 0.5) ? Below(rng, 0x10000) : 0x02000000u + Below(rng, 0x40000);
                     for (int b = 0; b < 4; ++b) r.bytes += static_cast<char>(v >> (8 * b) & 0xFF);
                 }
             }
-            if (f + 1 == functions) {
-                for (; i < poolRefs.size(); ++i) {
-                    r.fixups.push_back({r.bytes.size(), poolRefs[i], Planted::Pool});
-                    r.bytes += std::string(4, '\0');
-                }
-            }
+            for (; f + 1 == functions && i < poolRefs.size(); ++i) r.Slot(poolRefs[i], Planted::Pool);
         }
         regions.push_back(std::move(r));
     }
@@ -288,7 +243,7 @@ TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
     if (used + freeTail > size) throw std::length_error("the image is too small for its contents");
     for (std::size_t left = size - freeTail - used; left > 64;) {
         const bool ffRun = Chance(rng, 0.15);
-        Region r(ffRun ? Region::Free : Region::Random);
+        Region r(Region::Filler);
         const std::size_t n = std::min<std::size_t>(left, ffRun ? 16 + Below(rng, 4096) : 4096 + Below(rng, 200000)) & ~std::size_t{3};
         if (n == 0) break;
         r.bytes.resize(n);
@@ -310,10 +265,8 @@ TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
         at = (at + 3) & ~std::size_t{3};  // every region starts 4-byte aligned
         r.at = at;
         rom.image.replace(at, r.bytes.size(), r.bytes);
-        for (std::size_t k = 0; k < r.textIds.size(); ++k)
-            textOffset[r.textIds[k]] = static_cast<std::uint32_t>(at + r.textStarts[k]);
-        if (r.kind == Region::Random || r.kind == Region::Free || r.kind == Region::Code)
-            decoyAreas.push_back({at, r.bytes.size()});
+        for (const auto& [start, id] : r.texts) textOffset[id] = static_cast<std::uint32_t>(at + start);
+        if (r.kind == Region::Filler || r.kind == Region::Code) decoyAreas.push_back({at, r.bytes.size()});
         at += r.bytes.size();
     }
     for (std::size_t i = 0; i < textCount; ++i)

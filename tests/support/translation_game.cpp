@@ -1,5 +1,7 @@
 #include "support/translation_game.h"
 
+#include "support/rom_builder.h"
+
 #include <quillon/codec.h>
 #include <quillon/rom.h>
 
@@ -8,11 +10,6 @@
 
 namespace quillon::test {
 namespace {
-
-void PutPointer(std::string& image, std::size_t at, std::uint32_t target) {
-    const std::uint32_t v = 0x08000000u + target;
-    for (int i = 0; i < 4; ++i) image[at + i] = static_cast<char>((v >> (8 * i)) & 0xFF);
-}
 
 std::string HexText(std::uint32_t value) {
     char buf[16];

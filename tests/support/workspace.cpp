@@ -34,10 +34,26 @@ void Workspace::Select(std::string_view section, std::string_view key) {
     ADD_FAILURE() << "no node " << section << "/" << key;
 }
 
+void Workspace::OpenAt(const RomBuilder& rom, std::string_view offsetFile, std::string_view section,
+                       std::string_view key) {
+    rom.Save(Rom());
+    WriteOffsetFile(offsetFile, rom.bytes().substr(0xAC, 4));
+    Open();
+    Select(section, key);
+    user.Take();
+}
+
 RomBuilder StoryRom(std::string_view code) {
     RomBuilder rom(3u << 20, '\x01');
     rom.Title("QUILLONTEST").Code(code).Maker("01");
     rom.Fill(0x200000, 0x100000, '\xFF');
+    return rom;
+}
+
+RomBuilder HelloRom(std::string_view code) {
+    RomBuilder rom = StoryRom(code);
+    rom.Put(0x100000, Bytes("C2D9E0E0E3FF")).Pointer(0x50000, 0x100000);
+    rom.PutHex(0x60000, "67").Pointer(0x60001, 0x100000).PutHex(0x70001, "0F00").Pointer(0x70003, 0x100000);
     return rom;
 }
 

@@ -26,6 +26,9 @@ public:
     void Open();
     // Selects the text node of `key` in `section`; fails the test when absent.
     void Select(std::string_view section, std::string_view key);
+    // Saves `rom`, writes the offset file, opens the ROM, selects `key` of
+    // `section` and forgets what was shown on the way.
+    void OpenAt(const RomBuilder& rom, std::string_view offsetFile, std::string_view section, std::string_view key);
     std::string RomBytes() const { return ReadFile(Rom()); }
 
     TempDir dir;
@@ -36,5 +39,8 @@ public:
 // A 3 MiB image with the code QLNE: texts at 0x100000.., free space (0xFF)
 // from 0x200000, the rest filled with 0x01.
 RomBuilder StoryRom(std::string_view code = "QLNE");
+// StoryRom with "Hello" at 0x100000 and its pointer at 0x50000 (a table slot),
+// 0x60001 (after a message command) and 0x70003 (after a script command).
+RomBuilder HelloRom(std::string_view code = "QLNE");
 
 }  // namespace quillon::test

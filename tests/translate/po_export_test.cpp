@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using namespace quillon;
 using namespace quillon::test;
 
@@ -42,42 +44,32 @@ protected:
     ExportSummary summary;
 };
 
-TEST_F(Export, OneMessagePerEntryWithWhatATranslatorNeeds) {
+// One message per entry with what a translator needs; entries whose text
+// cannot be read are listed with the reason.
+TEST_F(Export, OneMessagePerEntryAndTheReasonsForTheOthers) {
     const PoCatalog po = Run();
-    ASSERT_EQ(po.messages.size(), 2u);
-    struct Expected {
-        const char* context;
-        const char* id;
-        const char* comments;
+    const std::vector<PoMessage> expected = {
+        {"Town/Mom", "Hello\nthere [PLAYER]", "",
+         {"Offset: 100000\nBytes: 14\nRoom before a repoint: 2 bytes\nPointers: 2\n"}, false},
+        {"Town/Caf\xC3\xA9", "Bye", "", {"Offset: 100020\nBytes: 3\nRoom before a repoint: 0 bytes\nPointers: 0\n"}, false},
     };
-    const Expected expected[] = {
-        {"Town/Mom", "Hello\nthere [PLAYER]", "Offset: 100000\nBytes: 14\nRoom before a repoint: 2 bytes\nPointers: 2"},
-        {"Town/Caf\xC3\xA9", "Bye", "Offset: 100020\nBytes: 3\nRoom before a repoint: 0 bytes\nPointers: 0"},
-    };
-    for (std::size_t i = 0; i < 2; ++i) {
-        EXPECT_EQ(po.messages[i].context, expected[i].context);
-        EXPECT_EQ(po.messages[i].id, expected[i].id);
-        EXPECT_EQ(po.messages[i].str, "");
-        EXPECT_EQ(po.messages[i].comments, std::string(expected[i].comments) + "\n") << i;
+    ASSERT_EQ(po.messages.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(std::tie(po.messages[i].context, po.messages[i].id, po.messages[i].str, po.messages[i].comments),
+                  std::tie(expected[i].context, expected[i].id, expected[i].str, expected[i].comments));
     }
     EXPECT_EQ(HeaderField(po, kGameCodeField), "QLNE");
     EXPECT_EQ(HeaderField(po, kGameTitleField), "QUILLONTEST");
     EXPECT_EQ(progress.open, 0);
-}
-
-TEST_F(Export, EntriesWhoseTextCannotBeReadAreListedWithTheReason) {
-    Run();
-    const std::vector<std::pair<std::string, std::string>> expected = {
+    const std::vector<std::pair<std::string, std::string>> skipped = {
         {"Bad/Header", "its offset 10 lies in the cartridge header"},
         {"Bad/Past", "its offset 400000 lies past the end of the ROM"},
         {"Bad/Nonsense", "its offset 'XYZ' is not a hexadecimal number"},
         {"Bad/Empty", "its text is empty"},
     };
-    ASSERT_EQ(summary.skipped.size(), expected.size());
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_EQ(summary.skipped[i].context, expected[i].first);
-        EXPECT_EQ(summary.skipped[i].reason, expected[i].second);
-    }
+    ASSERT_EQ(summary.skipped.size(), skipped.size());
+    for (std::size_t i = 0; i < skipped.size(); ++i)
+        EXPECT_EQ(std::tie(summary.skipped[i].context, summary.skipped[i].reason), std::tie(skipped[i].first, skipped[i].second));
 }
 
 TEST_F(Export, OneSectionAndTheCurrentTextsAsTranslations) {

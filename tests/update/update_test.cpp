@@ -187,36 +187,11 @@ TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
     EXPECT_NE(server.Requests().back().head.find("cache-control: no-cache"), std::string::npos);
 }
 
-TEST_F(Download, HostileFileNamesAreRefusedBeforeAnythingIsFetched) {
-    for (std::string tail : {"/files/", "/files/.", "/files/..", "/files/..\\..\\evil.exe", "/files/new.zip\r\n",
-                             "/files/ne\x01w.zip"}) {
-        DownloadAndWait(server.Url(tail));
-        EXPECT_EQ(form->lblUpdateMsg, "Update failed.") << tail;
-        EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Critical, "The update failed.",
-                                                      "Error 52: Bad file name or number")})
-            << tail;
-        ExpectReady();
-    }
-    EXPECT_TRUE(server.Requests().empty());
-    EXPECT_EQ(FolderNames(dir.path()), std::set<std::string>{"updates"});
-    EXPECT_TRUE(fs::is_empty(dir / "updates"));
-}
-
-// A regular file where the updates folder belongs: the download gives up
-// after its restarts with error 75 and touches nothing.
-TEST_F(Download, AnUnusableUpdatesFolderEndsTheDownload) {
-    fs::remove(dir / "updates");
-    WriteFile(dir / "updates", "not a folder");
-    DownloadAndWait(server.Url("/files/new.zip"));
-    EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Critical, "The update failed.",
-                                                  "Error 75: Path/File access error")});
-    EXPECT_TRUE(server.Requests().empty());
-    EXPECT_EQ(ReadFile(dir / "updates"), "not a folder");
-}
-
-// A failed, cut-off or empty transfer is reported once, as failed, and
-// leaves an older file of the same name alone.
-TEST_F(Download, FailedCutOffAndEmptyTransfersWriteNothing) {
+// Hostile file names are refused before anything is fetched; a regular file
+// where the updates folder belongs ends the download after its restarts;
+// a failed, cut-off or empty transfer is reported once, as failed. None of
+// them touches an older file of the same name.
+TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
     HttpReply cut = Body(Pattern(8192));
     cut.cutAfter = 4096;
     server.Serve("/cut/new.zip", cut);
@@ -225,17 +200,42 @@ TEST_F(Download, FailedCutOffAndEmptyTransfersWriteNothing) {
     server.Serve("/empty/new.zip", Body(""));
     server.Serve("/large/new.zip", Body(Pattern(8192)));
     form->DL().maxBytes = 4096;
-    WriteFile(dir / "updates" / "new.zip", "an older update");
-    for (std::string url : {server.Url("/missing/new.zip"), server.Url("/cut/new.zip"),
-                            server.Url("/cut-unsized/new.zip"), server.Url("/empty/new.zip"),
-                            server.Url("/large/new.zip"), std::string("ftp://127.0.0.1/new.zip")}) {
-        DownloadAndWait(url);
-        EXPECT_EQ(user.Take(), std::vector<Shown>{kFailed}) << url;
-        EXPECT_EQ(form->lblUpdateMsg, "Update failed.") << url;
-        EXPECT_EQ(ReadFile(dir / "updates" / "new.zip"), "an older update") << url;
+    const Shown badName = Msg(Icon::Critical, "The update failed.", "Error 52: Bad file name or number");
+    const Shown noFolder = Msg(Icon::Critical, "The update failed.", "Error 75: Path/File access error");
+    struct Case {
+        std::string url;
+        Shown shown;
+        bool fetched;
+    };
+    std::vector<Case> cases;
+    for (const char* name : {"", ".", "..", "..\\..\\evil.exe", "new.zip\r\n", "ne\x01w.zip"})
+        cases.push_back({server.Url("/files/") + name, badName, false});
+    cases.push_back({"ftp://127.0.0.1/new.zip", kFailed, false});
+    for (const char* path : {"/missing", "/cut", "/cut-unsized", "/empty", "/large"})
+        cases.push_back({server.Url(path) + "/new.zip", kFailed, true});
+    cases.push_back({server.Url("/files/new.zip"), noFolder, false});  // last: the folder becomes a file
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.url);
+        const bool folder = c.shown != noFolder;
+        if (!folder) {
+            fs::remove_all(dir / "updates");
+            WriteFile(dir / "updates", "not a folder");
+        } else {
+            WriteFile(dir / "updates" / "new.zip", "an older update");
+        }
+        const std::size_t before = server.Requests().size();
+        DownloadAndWait(c.url);
+        EXPECT_EQ(user.Take(), std::vector<Shown>{c.shown});
+        EXPECT_EQ(form->lblUpdateMsg, "Update failed.");
+        EXPECT_EQ(server.Requests().size() > before, c.fetched);
+        EXPECT_EQ(ReadFile(folder ? dir / "updates" / "new.zip" : dir / "updates"),
+                  folder ? "an older update" : "not a folder");
+        if (folder) {
+            EXPECT_EQ(FolderNames(dir / "updates"), std::set<std::string>{"new.zip"});
+        }
         ExpectReady();
     }
-    EXPECT_EQ(FolderNames(dir / "updates"), std::set<std::string>{"new.zip"});
+    EXPECT_EQ(FolderNames(dir.path()), std::set<std::string>{"updates"});
 }
 
 TEST_F(Download, CancelAbandonsARunningTransfer) {
