@@ -11,26 +11,12 @@
 #include <quillon/core.h>
 
 #include "ratio.h"
+#include "silent_prompter.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <map>
 #include <filesystem>
-
-namespace {
-
-// Tree building asks nothing; a message would mean a broken file.
-struct QuietUser : quillon::Prompter {
-    int messages = 0;
-    void Message(quillon::Icon, std::string_view, std::string_view) override { ++messages; }
-    bool AskYesNo(std::string_view, std::string_view) override { return false; }
-    std::optional<std::string> Input(std::string_view, std::string_view, std::string_view) override { return {}; }
-    std::optional<std::filesystem::path> OpenFile(std::string_view, std::string_view) override { return {}; }
-    std::optional<std::filesystem::path> SaveFile(std::string_view, std::string_view) override { return {}; }
-    void ShowAddOffset(quillon::AddOffsetForm&) override {}
-};
-
-}  // namespace
 
 int main() {
     using namespace quillon;
@@ -72,7 +58,7 @@ int main() {
     const auto found = discover::DiscoverTexts(rom.image);
     const discover::Merge merge = discover::MergeFoundTexts("", found);
     std::filesystem::create_directories(folder / "ini");
-    QuietUser user;
+    bench::SilentPrompter user;
     Session session(folder, user);
     session.romPath = path;
     session.controls.gameCode = "QDSE";

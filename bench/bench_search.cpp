@@ -7,26 +7,13 @@
 #include <quillon/core.h>
 
 #include "ratio.h"
+#include "silent_prompter.h"
 
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <string>
-
-namespace {
-
-// The search window reports only in its status line; nothing may ask the user.
-struct SilentPrompter : quillon::Prompter {
-    void Message(quillon::Icon, std::string_view, std::string_view) override {}
-    bool AskYesNo(std::string_view, std::string_view) override { return false; }
-    std::optional<std::string> Input(std::string_view, std::string_view, std::string_view) override { return {}; }
-    std::optional<std::filesystem::path> OpenFile(std::string_view, std::string_view) override { return {}; }
-    std::optional<std::filesystem::path> SaveFile(std::string_view, std::string_view) override { return {}; }
-    void ShowAddOffset(quillon::AddOffsetForm&) override {}
-};
-
-}  // namespace
 
 int main() {
     using namespace quillon;
@@ -48,7 +35,7 @@ int main() {
         out.write(image.data(), static_cast<std::streamsize>(image.size()));
     }
 
-    SilentPrompter prompter;
+    bench::SilentPrompter prompter;
     Session session(folder, prompter);
     session.romPath = path;
     SearchForm form(session);

@@ -274,33 +274,32 @@ void KeepJournal(const WritePlan& plan, const fs::path& journal) {
     io::RemoveFile(journal);
 }
 
-HistoryEntry UndoLastSave(const fs::path& rom) {
+namespace {
+
+// Undoes the newest applied entry, or redoes the oldest undone one.
+HistoryEntry Step(const fs::path& rom, bool undo) {
     Scan scan = UsableScan(rom);
-    auto it = std::find_if(scan.entries.rbegin(), scan.entries.rend(), [](const auto& e) { return !e.undone; });
-    if (it == scan.entries.rend()) throw PlanRefused("There is no save to undo.");
-    HistoryEntry entry = *it;
+    auto applied = [](const HistoryEntry& e) { return !e.undone; };
+    auto undone = [](const HistoryEntry& e) { return e.undone; };
+    auto newestApplied = std::find_if(scan.entries.rbegin(), scan.entries.rend(), applied);
+    auto oldestUndone = std::find_if(scan.entries.begin(), scan.entries.end(), undone);
+    if (undo ? newestApplied == scan.entries.rend() : oldestUndone == scan.entries.end())
+        throw PlanRefused(undo ? "There is no save to undo." : "There is no undone save to redo.");
+    HistoryEntry entry = undo ? *newestApplied : *oldestUndone;
     const WritePlan saved = ReadEntry(entry, rom);
-    Replay(Reversed(saved, rom, "Undo Last Save"), entry, EntryPath(HistoryFolder(rom), entry.number, entry.when, true),
-           "undone");
+    Replay(undo ? Reversed(saved, rom, "Undo Last Save") : Forward(saved, rom, "Redo"), entry,
+           EntryPath(HistoryFolder(rom), entry.number, entry.when, undo), undo ? "undone" : "redone");
     entry.command = saved.command;
     entry.subject = saved.subject;
-    entry.undone = true;
+    entry.undone = undo;
     return entry;
 }
 
-HistoryEntry RedoSave(const fs::path& rom) {
-    Scan scan = UsableScan(rom);
-    auto it = std::find_if(scan.entries.begin(), scan.entries.end(), [](const auto& e) { return e.undone; });
-    if (it == scan.entries.end()) throw PlanRefused("There is no undone save to redo.");
-    HistoryEntry entry = *it;
-    const WritePlan saved = ReadEntry(entry, rom);
-    Replay(Forward(saved, rom, "Redo"), entry, EntryPath(HistoryFolder(rom), entry.number, entry.when, false),
-           "redone");
-    entry.command = saved.command;
-    entry.subject = saved.subject;
-    entry.undone = false;
-    return entry;
-}
+}  // namespace
+
+HistoryEntry UndoLastSave(const fs::path& rom) { return Step(rom, true); }
+
+HistoryEntry RedoSave(const fs::path& rom) { return Step(rom, false); }
 
 void GoBackTo(const fs::path& rom, std::uint64_t number) {
     for (;;) {
