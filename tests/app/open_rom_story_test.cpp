@@ -25,27 +25,27 @@ std::vector<std::string> Keys(const TreeModel& tree) {
 
 }  // namespace
 
-TEST(StartUp, ShowsTheBackupWarningOnceAndRemembersIt) {
-    Workspace w;
-    WriteFile(w.dir / "ini" / "settings.ini", "[Settings]\r\nWarningShown=False\r\nFreeSpaceOffset=0\r\n");
-    EXPECT_TRUE(StartUp(w.session));
-    EXPECT_EQ(w.user.Take(), std::vector<Shown>{Msg(Icon::Warning, kWarning)});
-    EXPECT_EQ(ReadFile(w.dir / "ini" / "settings.ini"),
-              "[Settings]\r\nWarningShown=True\r\nFreeSpaceOffset=0\r\n");
-    EXPECT_TRUE(StartUp(w.session));
-    EXPECT_TRUE(w.user.Take().empty());
-}
-
-TEST(StartUp, ReadsWarningShownAsABooleanWord) {
-    const std::pair<const char*, bool> cases[] = {
+// WarningShown is read as a boolean word; a warning shown is remembered as
+// True unless the settings file is write-protected.
+TEST(StartUp, ShowsTheBackupWarningUntilItIsRememberedAsShown) {
+    const struct {
+        const char* value;
+        bool shownBefore, locked = false;
+    } cases[] = {
         {"true", true}, {"TRUE", true}, {"1", true}, {"-1", true}, {"0", false},
-        {"False", false}, {"", false}, {"yes", false}, {"2x", false},
+        {"False", false}, {"", false}, {"yes", false}, {"2x", false}, {"False", false, true},
     };
-    for (auto [value, shownBefore] : cases) {
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.value);
         Workspace w;
-        WriteFile(w.dir / "ini" / "settings.ini", std::string("[Settings]\r\nWarningShown=") + value + "\r\n");
+        const auto settings = w.dir / "ini" / "settings.ini";
+        WriteFile(settings, std::string("[Settings]\r\nWarningShown=") + c.value + "\r\nFreeSpaceOffset=0\r\n");
+        if (c.locked) MakeReadOnly(settings);
         EXPECT_TRUE(StartUp(w.session));
-        EXPECT_EQ(w.user.Take().empty(), shownBefore) << value;
+        EXPECT_TRUE(StartUp(w.session));
+        EXPECT_EQ(w.user.Take(), std::vector<Shown>(c.shownBefore ? 0 : c.locked ? 2 : 1, Msg(Icon::Warning, kWarning)));
+        if (!c.shownBefore && !c.locked)
+            EXPECT_EQ(ReadFile(settings), "[Settings]\r\nWarningShown=True\r\nFreeSpaceOffset=0\r\n");
     }
 }
 
@@ -57,15 +57,6 @@ TEST(StartUp, MissingSettingsStopsTheProgramAfterCreatingTheIniFolder) {
     EXPECT_EQ(w.user.Take(), std::vector<Shown>{Msg(Icon::Critical,
                                                     "Settings file 'settings.ini' could not be found.\r\n"
                                                     "Please re-download Quillon from the Official Website.")});
-}
-
-TEST(StartUp, UnwritableSettingsShowTheWarningAgainNextTime) {
-    Workspace w;
-    WriteFile(w.dir / "ini" / "settings.ini", "[Settings]\r\nWarningShown=False\r\n");
-    MakeReadOnly(w.dir / "ini" / "settings.ini");
-    EXPECT_TRUE(StartUp(w.session));
-    EXPECT_TRUE(StartUp(w.session));
-    EXPECT_EQ(w.user.Take().size(), 2u);
 }
 
 TEST(OpenRom, BuildsTheTreeFromAnExistingOffsetFile) {
@@ -88,6 +79,10 @@ TEST(OpenRom, BuildsTheTreeFromAnExistingOffsetFile) {
     EXPECT_EQ(w.user.Take(), std::vector<Shown>({{Shown::OpenFile, "Open a Pokémon ROM...",
                                                   "GameBoy Advance ROMs (*.gba;*.agb;*.bin)|*.agb;*.gba;*.bin|"
                                                   "All files (*.*)|*.*"}}));
+    w.user.Cancelled();  // a cancelled dialog keeps the open ROM
+    OpenRom(w.session);
+    EXPECT_EQ(w.session.tree.Nodes().size(), 5u);
+    EXPECT_TRUE(w.session.controls.searchEnabled);
 }
 
 TEST(OpenRom, CreatesABlankOffsetFileOnYes) {
@@ -154,15 +149,4 @@ TEST(OpenRom, UnreadableRomOrHeaderWithoutCodeIsRefused) {
               Msg(Icon::Warning, "This file has no game code in its header.\r\nThe ROM can't be edited."));
     auto files = std::distance(std::filesystem::directory_iterator(w.dir / "ini"), {});
     EXPECT_EQ(files, 1);  // only settings.ini: no offset file for a header without a code
-}
-
-TEST(OpenRom, CancelKeepsTheOpenRom) {
-    Workspace w;
-    StoryRom().Save(w.Rom());
-    w.WriteOffsetFile("[Town]\r\nMom=100000\r\n");
-    w.Open();
-    w.user.Cancelled();
-    OpenRom(w.session);
-    EXPECT_EQ(w.session.tree.Nodes().size(), 2u);
-    EXPECT_TRUE(w.session.controls.searchEnabled);
 }
