@@ -174,6 +174,24 @@ TEST_F(IniFile, DeleteKeyAndDeleteSection) {
     EXPECT_FALSE(fs::exists(dir / "absent.ini"));
 }
 
+// Section headers count only at line starts; names end with a zero each.
+TEST_F(IniFile, SectionHeadersAreFoundOnlyAtLineStarts) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"[A]\r\n[B]", {"A\0B\0", 4}},
+        {"\xEF\xBB\xBF[A]\n", {"A\0", 2}},                       // byte order mark passed over
+        {" \t[ A b ]  \r\n", {"A b\0", 4}},                        // blanks before '[' and inside
+        {"[A]b]\n[C] ; note\n", {"A]b\0C\0", 6}},                  // up to the line's last ']'
+        {"[A\nx=[B]\n'[C]\nx [D]\n[[E]] [F\n", {"[E]\0", 4}},      // no ']', or not first on the line
+        {"\r\r[A]\n", {"A\0", 2}},                                 // CR counts as a blank
+        {"a\r[A]\n", ""},                                           // a lone CR ends no line
+        {"[A]\n\n[A]\n", {"A\0A\0", 4}},
+    };
+    for (const auto& [text, sections] : cases) {
+        WriteFile(file, text);
+        EXPECT_EQ(ini.Sections(), sections) << text;
+    }
+}
+
 TEST_F(IniFile, ListsAndEnumerations) {
     WriteFile(file, "'head\r\n[a]\r\n[]\r\n[Keys]\r\na=1\r\n=2\r\nb=3\r\n ; c=4\r\nc=5\r\n[Empty]\r\n");
     EXPECT_EQ(ini.Sections(), std::string("a\0\0Keys\0Empty\0", 14));
