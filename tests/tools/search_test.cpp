@@ -71,10 +71,21 @@ TEST_F(Search, NothingFoundClearsTheMatchAndDisablesResume) {
     }
 }
 
-TEST_F(Search, ResumeGoesOnBehindTheCurrentTextAcrossReadBlocks) {
+// Resume goes on behind the current text, across read blocks, and never
+// reports the same match again: not for an empty text at the match (Text4
+// "0"), a one-byte text, or a match in the last byte of a text shown from its
+// beginning.
+TEST_F(Search, ResumeGoesOnBehindTheCurrentTextAndNeverRepeatsAMatch) {
     Put(0x100000, "Hi Hi");  // the second Hi lies before the text's last byte: skipped
     Put(0x150000, "Hi");
     Put(0x280000, "xHi");
+    for (std::size_t at : {0x100100, 0x100200}) rom.Put(at, "\xFF" + Bytes(EncodeText("Ab", false)) + "\xFF");
+    Put(0x100300, "Q");
+    Put(0x100400, "Q");
+    rom.Put(0x1004FF, "\xFF");
+    Put(0x100500, "abcZ");
+    rom.Put(0x1005FF, "\xFF");
+    Put(0x100600, "Z");
     Save();
     Find("Hi");
     EXPECT_EQ(form.text2, "1048576");
@@ -86,19 +97,7 @@ TEST_F(Search, ResumeGoesOnBehindTheCurrentTextAcrossReadBlocks) {
     form.ResumeSearch();
     EXPECT_EQ(form.status, "Result: Text could not be found!");
     EXPECT_FALSE(form.command2Enabled);
-}
 
-TEST_F(Search, ResumeNeverReportsTheSameMatchAgain) {
-    // An empty text at the match (Text4 "0"), a one-byte text, and a match in
-    // the last byte of a text shown from its beginning.
-    for (std::size_t at : {0x100100, 0x100200}) rom.Put(at, "\xFF" + Bytes(EncodeText("Ab", false)) + "\xFF");
-    Put(0x100300, "Q");
-    Put(0x100400, "Q");
-    rom.Put(0x1004FF, "\xFF");
-    Put(0x100500, "abcZ");
-    rom.Put(0x1005FF, "\xFF");
-    Put(0x100600, "Z");
-    Save();
     Find("[&HFF]Ab");
     EXPECT_EQ(form.text4, "0");
     form.ResumeSearch();
