@@ -36,6 +36,15 @@ protected:
 }  // namespace
 
 TEST_F(Entries, AddingWritesTheOffsetInHexAndSelectsTheNewEntry) {
+    AddOffsetForm form(w.session);  // the sections to choose from; a preset offset is locked
+    EXPECT_EQ(form.Sections(), (std::vector<std::string>{"Town", "Lab"}));
+    form.ChooseSection(1);
+    EXPECT_EQ(form.sectionName, "Lab");
+    EXPECT_TRUE(form.offsetEnabled && form.cancelEnabled);
+    AddOffsetForm preset(w.session, std::string("4096"));
+    EXPECT_EQ(preset.offsetDecimal, "4096");
+    EXPECT_TRUE(!preset.offsetEnabled && preset.cancelEnabled);  // only the "O&ffset" command disables Cancel
+    EXPECT_FALSE(AddOffsetForm(w.session, std::string("4096"), false).cancelEnabled);
     bool closed = false;
     AddThroughWindow("Town", "Dad", "1000000", &closed);
     EXPECT_TRUE(closed);
@@ -50,19 +59,6 @@ TEST_F(Entries, AddingWritesTheOffsetInHexAndSelectsTheNewEntry) {
     EXPECT_EQ(w.session.tree.Nodes().size(), 6u);
     AddThroughWindow("Route 1", "Boy", "16");
     EXPECT_EQ(w.session.tree.Nodes().back().key, "P0003Boy");
-}
-
-TEST_F(Entries, TheWindowListsTheSectionsAndCopiesTheChosenOne) {
-    AddOffsetForm form(w.session);
-    EXPECT_EQ(form.Sections(), (std::vector<std::string>{"Town", "Lab"}));
-    form.ChooseSection(1);
-    EXPECT_EQ(form.sectionName, "Lab");
-    EXPECT_TRUE(form.offsetEnabled && form.cancelEnabled);
-    AddOffsetForm preset(w.session, std::string("4096"));
-    EXPECT_EQ(preset.offsetDecimal, "4096");
-    EXPECT_FALSE(preset.offsetEnabled);
-    EXPECT_TRUE(preset.cancelEnabled);  // only the "O&ffset" command disables Cancel
-    EXPECT_FALSE(AddOffsetForm(w.session, std::string("4096"), false).cancelEnabled);
 }
 
 TEST_F(Entries, EmptyBoxesDoNothingAndBadInputIsRefusedWithTheWindowOpen) {
@@ -117,15 +113,15 @@ TEST_F(Entries, DeletingATextOrASectionRebuildsTheTree) {
     EXPECT_EQ(w.session.tree.Nodes()[0].text, "Lab");
     EXPECT_EQ(AddOffsetForm(w.session).Sections(), std::vector<std::string>{"Lab"});
     EXPECT_TRUE(w.user.Take().empty());
-}
 
-TEST_F(Entries, DeletingFromAWriteProtectedFileReportsItAndKeepsTheTree) {
+    // A write-protected file: reported, and the tree stays.
     MakeReadOnly(w.OffsetFile());
-    w.Select("Town", "Mom");
+    w.Select("Lab", "Oak");
     DeleteOffset(w.session);
     EXPECT_EQ(w.user.Take().back(), Msg(Icon::Critical, "Error: Could not delete the Entry!"));
     w.session.tree.Select(0);
     DeleteOffset(w.session);
     EXPECT_EQ(w.user.Take().back(), Msg(Icon::Critical, "Error: Could not delete the Section!"));
-    EXPECT_EQ(w.session.tree.Nodes().size(), 5u);
+    EXPECT_EQ(w.session.tree.Nodes().size(), 2u);
+    EXPECT_EQ(ReadFile(w.OffsetFile()), "[Lab]\r\nOak=100020\r\n");
 }
