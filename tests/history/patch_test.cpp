@@ -25,9 +25,9 @@ std::uint32_t BitCrc(std::string_view s) {
 }
 
 std::uint32_t Le32(std::string_view s, std::size_t at) {
-    return static_cast<std::uint32_t>(static_cast<unsigned char>(s[at]) | static_cast<unsigned char>(s[at + 1]) << 8 |
-                                      static_cast<unsigned char>(s[at + 2]) << 16 |
-                                      static_cast<std::uint32_t>(static_cast<unsigned char>(s[at + 3])) << 24);
+    std::uint32_t v = 0;
+    for (int k = 3; k >= 0; --k) v = v << 8 | static_cast<unsigned char>(s[at + k]);
+    return v;
 }
 
 // Returns the target, or fails the test.
