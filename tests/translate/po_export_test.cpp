@@ -30,12 +30,7 @@ protected:
             "[Bad]\r\nHeader=10\r\nPast=400000\r\nNonsense=XYZ\r\nEmpty=100030\r\n");
     }
     PoCatalog Run(std::optional<std::string> section = {}, bool fill = false) {
-        ExportRequest request;
-        request.section = std::move(section);
-        request.fillTranslations = fill;
-        request.rom = w.Rom();
-        request.offsetFile = w.OffsetFile();
-        request.po = w.dir / "out.po";
+        const ExportRequest request{w.Rom(), w.OffsetFile(), w.dir / "out.po", std::move(section), fill};
         summary = ExportPo(request, progress);
         return ReadPo(request.po);
     }
