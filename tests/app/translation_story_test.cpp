@@ -16,14 +16,11 @@ using namespace quillon::test;
 TEST(TranslationStory, ExportNamesTheBoxAndImportWritesOnlyAfterOk) {
     Workspace w;
     std::string widths(512, '\0');
-    for (std::size_t b = 0; b < 512; ++b) widths[b] = static_cast<char>(3 + b % 256 % 5);
-    StoryRom("BPRE").Put(0xBC, std::string(1, '\0')).Put(0x207300, widths).Pointer(0x66EC, 0x1FF300)
-        .Pointer(0x66F4, 0x207300).Put(0x100000, HexToBytes(EncodeText("Hello", false)) + "\xFF")
-        .Pointer(0x50000, 0x100000).Save(w.Rom());
-    w.WriteOffsetFile("[Town]\r\nSign=100000\r\n", "BPRE");
-    w.Open();
-    w.Select("Town", "Sign");
-    w.user.Take();
+    for (std::size_t b = 0; b < 512; ++b) widths[b] = static_cast<char>(FontWidth(static_cast<int>(b)));
+    w.OpenAt(StoryRom("BPRE").Put(0xBC, std::string(1, '\0')).Put(0x207300, widths).Pointer(0x66EC, 0x1FF300)
+                 .Pointer(0x66F4, 0x207300).Put(0x100000, HexToBytes(EncodeText("Hello", false)) + "\xFF")
+                 .Pointer(0x50000, 0x100000),
+             "[Town]\r\nSign=100000\r\n", "Town", "Sign");
     const std::filesystem::path po = w.dir / "town.po";
     NoProgress none;
     w.user.Then(po);

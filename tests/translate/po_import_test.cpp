@@ -28,12 +28,9 @@ struct Stage {
     std::filesystem::path offsets = dir / "QLNE.ini";
     std::filesystem::path po = dir / "texts.po";
 
-    ImportPlan Plan(std::int32_t freeSpaceOffset, Progress& progress) const {
-        return PlanImport({rom, offsets, po, freeSpaceOffset}, progress);
-    }
-    ImportPlan Plan(std::int32_t freeSpaceOffset = 0x200000) const {
+    ImportPlan Plan(std::int32_t freeSpaceOffset = 0x200000, Progress* progress = nullptr) const {
         NoProgress none;
-        return Plan(freeSpaceOffset, none);
+        return PlanImport({rom, offsets, po, freeSpaceOffset}, progress ? *progress : none);
     }
     void WriteTranslations(const std::vector<PoMessage>& messages) const {
         PoCatalog catalog;
@@ -237,13 +234,13 @@ TEST_F(ImportKinds, ACutAtAnyWriteLeavesTheFilesAsBeforeOrAsAfter) {
 
 TEST_F(ImportKinds, PlanningReportsProgressStopsOnRequestAndChecksTheGame) {
     ProgressRecorder progress;
-    s.Plan(0x200000, progress);
+    s.Plan(0x200000, &progress);
     EXPECT_EQ(progress.open, 0);
     EXPECT_GE(progress.stages.size(), 3u);
 
     ProgressRecorder stopping;
     stopping.stopAtStep = 2;
-    EXPECT_THROW(s.Plan(0x200000, stopping), Cancelled);
+    EXPECT_THROW(s.Plan(0x200000, &stopping), Cancelled);
     EXPECT_EQ(stopping.open, 0);
 
     PoCatalog other;
