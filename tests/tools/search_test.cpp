@@ -32,7 +32,8 @@ protected:
 
 }  // namespace
 
-TEST_F(Search, ShowsTheMatchAndMovesToTheBeginningOfItsTextOnRequest) {
+TEST_F(Search, ShowsTheMatchMovesToTheBeginningOfItsTextOnRequestOrClearsIt) {
+    rom.Put(0, Bytes(EncodeText("Zqx", false)));
     rom.Put(0x10000F, "\xFF");
     Put(0x100010, "Hello there");
     Put(0x180000, "Lonely");  // no terminator within reach before it
@@ -53,14 +54,6 @@ TEST_F(Search, ShowsTheMatchAndMovesToTheBeginningOfItsTextOnRequest) {
     EXPECT_EQ(form.text2, "1048592");
     Find("Lonely");
     EXPECT_EQ(form.text2, std::to_string(0x180000));
-}
-
-TEST_F(Search, NothingFoundClearsTheMatchAndDisablesResume) {
-    rom.Put(0, Bytes(EncodeText("Zqx", false)));
-    Put(0x100000, "Hello");
-    Save();
-    Find("Hello");
-    ASSERT_TRUE(form.command2Enabled);
     for (std::string_view text : {"Nowhere", "Zqx" /* only at offset 0 */, ""}) {
         form.text2 = form.text3 = "stale";
         Find(text);
