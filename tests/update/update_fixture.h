@@ -28,11 +28,8 @@ protected:
         ASSERT_TRUE(WaitUntil([&] { return !form->Checking() && !form->busy; }));
     }
     void ExpectReady() const {
-        EXPECT_TRUE(form->cmdCheckVisible);
-        EXPECT_TRUE(form->cmdCheckEnabled);
-        EXPECT_FALSE(form->cmdDownloadVisible);
-        EXPECT_TRUE(form->cmdDownloadEnabled);
-        EXPECT_FALSE(form->busy);
+        EXPECT_TRUE(form->cmdCheckVisible && form->cmdCheckEnabled && form->cmdDownloadEnabled);
+        EXPECT_FALSE(form->cmdDownloadVisible || form->busy);
     }
 
     TempDir dir;
