@@ -104,20 +104,17 @@ TEST_F(Script, GamesOfCodeBpeUseZeroBytesAsFreeSpace) {
     ExpectRefused(Form("123456"), "No free space found.");  // the only run is taken
 }
 
-TEST_F(Script, EmptyBoxesDoNothingAndOnlyTheChosenBoxCounts) {
-    Workspace bare("");  // not even a FreeSpaceOffset
-    AddScriptForm form(bare.session);
-    form.AddScript();
-    form.ChooseOption(1);
-    EXPECT_TRUE(form.frame3Enabled && form.txtText.enabled && !form.frame2Enabled && !form.txtOffsetEnabled);
-    form.txtOffset = "123456";
-    form.AddScript();
-    EXPECT_TRUE(bare.user.shown.empty());
-    EXPECT_FALSE(form.Closed());
-}
-
-TEST_F(Script, BadOffsetsSettingsAndRomsAreRefusedBeforeAnyWrite) {
+TEST_F(Script, EmptyBoxesDoNothingAndBadOffsetsSettingsAndRomsAreRefusedBeforeAnyWrite) {
     Save(StoryRom());
+    Settings("");  // empty boxes do nothing, not even read the settings; only the chosen box counts
+    Form("").AddScript();
+    auto textChosen = Form("123456");
+    textChosen.ChooseOption(1);
+    EXPECT_TRUE(textChosen.frame3Enabled && textChosen.txtText.enabled && !textChosen.frame2Enabled && !textChosen.txtOffsetEnabled);
+    textChosen.AddScript();
+    EXPECT_TRUE(w.user.shown.empty());
+    EXPECT_FALSE(textChosen.Closed());
+    Settings("FreeSpaceOffset=2097152\r\n");
     for (std::string bad : {"12G456", "FFFFF", "1000000", " 123456"})
         ExpectRefused(Form(bad), "The text offset '" + bad +
                                      "' is not a hexadecimal offset from 100000 to FFFFFF.\r\nNothing was written.");
