@@ -73,6 +73,15 @@ TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAdds) {
     QTreeView* tree = Tree();
     const QModelIndex baker = Node("Market", "Baker");
     ASSERT_TRUE(baker.isValid());
+    // On empty space below the nodes: no menu, and the selection stays.
+    Select("Harbour", "Gull");
+    tree->collapseAll();
+    const QPoint empty(tree->viewport()->width() / 2, tree->viewport()->height() - 4);
+    ASSERT_FALSE(tree->indexAt(empty).isValid());
+    emit tree->customContextMenuRequested(empty);
+    EXPECT_FALSE(window->TreeMenu()->isVisible());
+    EXPECT_EQ(tree->currentIndex(), Node("Harbour", "Gull"));
+    tree->expandAll();
     emit tree->customContextMenuRequested(tree->visualRect(baker).center());
     EXPECT_EQ(tree->currentIndex(), baker);
     EXPECT_TRUE(Text1().startsWith("Fresh rolls!"));
@@ -160,60 +169,56 @@ TEST_F(MainWindowTest, ExitAndTheCloseHotspotCloseEveryWindowWithoutAQuestion) {
     EXPECT_TRUE(user.Take().empty());
 }
 
-TEST_F(MainWindowTest, AboutHelpAndLiveUpdateOpenModallyOverIt) {
+// A left click opens its window modally over the main window; a right click
+// on a hotspot opens, closes or minimizes nothing.
+TEST_F(MainWindowTest, AboutHelpAndLiveUpdateOpenModallyOverItOnALeftClickOnly) {
     window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    auto right = [&](const char* name) { return [this, name] { QTest::mouseClick(Find(name), Qt::RightButton); }; };
     const std::pair<std::function<void()>, QString> cases[] = {
         {[&] { Click("XPButton4"); }, "About Quillon"},
         {[&] { Click("Image2"); }, "Menu explanation"},
         {[&] { Trigger(window->ToolsMenu(), "mnuUpdate"); }, "Tarnwick-Soft | Live-Update"},
+        {right("Image4"), ""}, {right("Image1"), ""}, {right("Image2"), ""},
     };
     for (const auto& [open, title] : cases) {
         const ModalSeen seen = OpenModal(open);
         EXPECT_EQ(seen.title, title);
+        EXPECT_TRUE(window->isVisible() && !window->isMinimized()) << title.toStdString();
+        if (title.isEmpty()) continue;
         EXPECT_EQ(seen.parent, window.get()) << title.toStdString();
         EXPECT_TRUE(seen.modal) << title.toStdString();
     }
-}
-
-TEST_F(MainWindowTest, TheSearchWindowsButtonsReachTheSearch) {
-    StartAndOpen();
-    ui::SearchDialog search(*session, clipboard, window.get());
-    auto* text = Child<QPlainTextEdit>(search, "Text1");
-    EXPECT_FALSE(Child(search, "Command2")->isEnabled());
-    QTest::keyClicks(text, "lamp");
-    ClickChild(search, "Command1");
-    const QString offset = Child<QLineEdit>(search, "Text2")->text();
-    ASSERT_FALSE(offset.isEmpty());
-    EXPECT_TRUE(Child<QStatusBar>(search, "StatusBar1")->currentMessage().startsWith(
-        "Result: Text found at Offset " + offset + " (Decimal)!"));
-    EXPECT_TRUE(Child<QPlainTextEdit>(search, "Text3")->toPlainText().contains("lamp"));
-    EXPECT_TRUE(Child(search, "Command2")->isEnabled());
-    // The Japanese table previews only and blocks searching.
-    ClickChild(search, "Option1_1");
-    for (const char* name : {"Command1", "Command2", "Command4"})
-        EXPECT_FALSE(Child(search, name)->isEnabled()) << name;
+    EXPECT_TRUE(user.Take().empty());
 }
 
 TEST_F(MainWindowTest, SearchMatchesCaseByChoiceNamesTheEntryOfAMatchAndJumpsToIt) {
     StartAndOpen();
     ui::SearchDialog search(*session, clipboard, window.get());
+    auto status = [&] { return Child<QStatusBar>(search, "StatusBar1")->currentMessage(); };
     auto* matchCase = Child<QCheckBox>(search, "chkMatchCase");
     EXPECT_TRUE(matchCase->isChecked());
+    EXPECT_FALSE(Child(search, "Command2")->isEnabled());
     QTest::keyClicks(Child(search, "Text1"), "THE LAMP HAS");
     ClickChild(search, "Command1");
-    EXPECT_EQ(Child<QStatusBar>(search, "StatusBar1")->currentMessage(), "Result: Text could not be found!");
+    EXPECT_EQ(status(), "Result: Text could not be found!");
     EXPECT_TRUE(Child(search, "cmdJump")->isHidden());
 
     matchCase->setChecked(false);
     ClickChild(search, "Command1");
     const QString offset = Child<QLineEdit>(search, "Text2")->text();
-    EXPECT_EQ(Child<QStatusBar>(search, "StatusBar1")->currentMessage(),
-              "Result: Text found at Offset " + offset + " (Decimal)! in Lighthouse / Keeper");
+    EXPECT_EQ(status(), "Result: Text found at Offset " + offset + " (Decimal)! in Lighthouse / Keeper");
+    EXPECT_TRUE(Child<QPlainTextEdit>(search, "Text3")->toPlainText().contains("lamp has"));
+    EXPECT_TRUE(Child(search, "Command2")->isEnabled());
     ASSERT_FALSE(Child(search, "cmdJump")->isHidden());
     ClickChild(search, "cmdJump");
     EXPECT_EQ(search.result(), QDialog::Accepted);
     EXPECT_EQ(Tree()->currentIndex(), Node("Lighthouse", "Keeper"));
     EXPECT_TRUE(Text1().startsWith("Welcome up"));
+    // The Japanese table previews only and blocks searching.
+    ClickChild(search, "Option1_1");
+    for (const char* name : {"Command1", "Command2", "Command4"})
+        EXPECT_FALSE(Child(search, name)->isEnabled()) << name;
 }
 
 TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
