@@ -1,12 +1,9 @@
 // The editor knows the tags: it colours them, underlines in red what is no
 // tag or has no byte and explains it, asks before saving such a text, and
-// never types a tab; Enter adds in the add-offset window.
+// never types a tab.
 #include "main_window_fixture.h"
-#include "offsets/add_offset_form.h"
-#include "ui/add_offset_dialog.h"
 
 #include <QHelpEvent>
-#include <QLineEdit>
 #include <QTextBlock>
 #include <QTextLayout>
 #include <QToolTip>
@@ -57,19 +54,6 @@ TEST_F(MainWindowTest, TheEditorMarksTagsAndWhatWouldBeSavedWrongAndAsksBeforeSa
     QTest::keyClick(text1, Qt::Key_Tab);
     EXPECT_FALSE(Text1().contains(QLatin1Char('\t')));
     EXPECT_FALSE(text1->hasFocus());
-}
-
-TEST_F(MainWindowTest, EnterAddsInTheAddOffsetWindow) {
-    StartAndOpen();
-    AddOffsetForm form(*session);
-    ui::AddOffsetDialog dialog(form);
-    dialog.show();
-    Child<QLineEdit>(dialog, "Text1")->setText(QStringLiteral("Harbour"));
-    Child<QLineEdit>(dialog, "Text2")->setText(QStringLiteral("Again"));
-    Child<QLineEdit>(dialog, "Text3")->setText(QStringLiteral("1048576"));
-    QTest::keyClick(Child(dialog, "Text3"), Qt::Key_Return);
-    EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    EXPECT_TRUE(form.Added());
 }
 
 }  // namespace

@@ -68,7 +68,7 @@ TEST_F(MainWindowTest, StartsWithNothingToEditAndOpensTheDemoRomWithOrWithoutIts
     EXPECT_FALSE(Find("Command2")->isEnabled());
 }
 
-TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAdds) {
+TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAddsOnEnter) {
     StartAndOpen();
     QTreeView* tree = Tree();
     const QModelIndex baker = Node("Market", "Baker");
@@ -100,7 +100,7 @@ TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAdds) {
         EXPECT_EQ(Child<QLineEdit>(dialog, "Text1")->text(), "Lighthouse");
         Child<QLineEdit>(dialog, "Text2")->setText(QStringLiteral("Second look"));
         Child<QLineEdit>(dialog, "Text3")->setText(QStringLiteral("1048576"));  // 0x100000, the ferryman's text
-        ClickChild(dialog, "Command1");
+        QTest::keyClick(Child(dialog, "Text3"), Qt::Key_Return);  // Enter adds, as "&Add to INI" does
         EXPECT_EQ(dialog.result(), QDialog::Accepted);
     }));
     Trigger(window->TreeMenu(), "mnuAddOffset");
