@@ -2,8 +2,6 @@
 // pointer count of the Information frame and the references window.
 #include "main_window_fixture.h"
 
-#include <QApplication>
-#include <QTimer>
 #include <QTreeWidget>
 
 using namespace quillon;
@@ -19,10 +17,7 @@ TEST_F(MainWindowTest, PointerCountAndReferencesWindowCopyingAnOffset) {
 
     QStringList kinds;
     QString copied, label;
-    QObject guard;
-    QTimer::singleShot(0, &guard, [&] {
-        QWidget* modal = QApplication::activeModalWidget();
-        ASSERT_NE(modal, nullptr);
+    OnModals({[&](QWidget* modal) {
         label = Caption(*modal, "lblReferences");
         auto* list = Child<QTreeWidget>(*modal, "lstReferences");
         for (int i = 0; i < list->topLevelItemCount(); ++i) kinds << list->topLevelItem(i)->text(1);
@@ -31,7 +26,7 @@ TEST_F(MainWindowTest, PointerCountAndReferencesWindowCopyingAnOffset) {
             copied = last->text(0);
         }
         modal->close();
-    });
+    }});
     Trigger(window->TextMenu(), "mnuReferences");
     EXPECT_EQ(QStringLiteral("Pointers: %1").arg(kinds.size()), caption);
     EXPECT_TRUE(label.startsWith(QStringLiteral("%1 places hold the pointer to offset 10018A").arg(kinds.size())));

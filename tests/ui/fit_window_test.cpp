@@ -5,7 +5,6 @@
 
 #include <QComboBox>
 #include <QLineEdit>
-#include <QTimer>
 #include <QTreeWidget>
 
 using namespace quillon;
@@ -80,15 +79,13 @@ TEST_F(FitWindowTest, PreviewDrawsBoxByBoxAndFollowsTheEditor) {
 
 TEST_F(FitWindowTest, CheckAllListsTheWideTextsAndADoubleClickOpensOne) {
     QStringList keys;
-    QTimer::singleShot(0, [&] {
-        QWidget* dialog = QApplication::activeModalWidget();
-        ASSERT_NE(dialog, nullptr);
+    OnModals({[&](QWidget* dialog) {
         auto* list = Child<QTreeWidget>(*dialog, "lstCheckAll");
         for (int i = 0; i < list->topLevelItemCount(); ++i)
             keys << list->topLevelItem(i)->text(0) + "/" + list->topLevelItem(i)->text(1) + " " +
                         list->topLevelItem(i)->text(4);
         emit list->itemDoubleClicked(list->topLevelItem(2), 0);
-    });
+    }});
     Trigger(window->ToolsMenu(), "mnuCheckAll");
     EXPECT_EQ(keys, (QStringList{"Lighthouse/Lit 255 / 208 px", "Lighthouse/Cat 215 / 208 px",
                                  "Market/Baker 221 / 208 px"}));

@@ -169,9 +169,7 @@ TEST_F(MainWindowTest, TheAddOffsetWindowBelongsToItsOpenerAndCancelIsOffOnlyAft
     };
 
     Seen offset, search, script;
-    QWidget* searchWindow = nullptr;
-    QWidget* addOffsetWindow = nullptr;
-    QWidget* messageOwner = nullptr;
+    QWidget *searchWindow = nullptr, *addOffsetWindow = nullptr, *messageOwner = nullptr;
     router.Then(std::string("1048576"));
     OnModals({see(offset)});
     Click("Command5");
