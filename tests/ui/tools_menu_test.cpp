@@ -1,5 +1,5 @@
-// Text discovery and references in the windows: the Tools menu item, the
-// pointer count of the Information frame and the references window.
+// The Tools menu's discovery, reference and translation items, and the
+// pointer count of the Information frame.
 #include "main_window_fixture.h"
 
 #include <QTreeWidget>
@@ -41,7 +41,6 @@ TEST_F(MainWindowTest, FindTextsInRomScansAndReportsWhatTheOffsetFileListsAlread
     EXPECT_FALSE(find->isEnabled());
     StartAndOpen();
     EXPECT_TRUE(find->isEnabled());
-    user.Take();
     user.No();  // if new texts are offered, add none
     Trigger(window->ToolsMenu(), "mnuFindTexts");
     const auto shown = user.Take();
@@ -50,6 +49,20 @@ TEST_F(MainWindowTest, FindTextsInRomScansAndReportsWhatTheOffsetFileListsAlread
     EXPECT_EQ(shown[0].title, "Find Texts in ROM");
     EXPECT_EQ(window->findChild<QWidget*>(QStringLiteral("frmProgress")), nullptr);  // closed at the end
     user.answers.clear();
+}
+
+TEST_F(MainWindowTest, ExportAllTextsAndImportTranslationAskForTheirFilesAndReport) {
+    StartAndOpen();
+    const std::filesystem::path po = dir / "demo.po";
+    user.Then(po).Then(po);  // the import finds nothing translated: nothing to confirm
+    Trigger(window->ToolsMenu(), "mnuExportAll");
+    Trigger(window->ToolsMenu(), "mnuImportTranslation");
+    const auto shown = user.Take();
+    ASSERT_EQ(shown.size(), 4u);
+    EXPECT_EQ(shown[0], (Shown{Shown::SaveFile, "Export All Texts", "PO files (*.po)|*.po|All files (*.*)|*.*"}));
+    EXPECT_NE(shown[1].text.find(" texts written to demo.po."), std::string::npos) << shown[1].text;
+    EXPECT_EQ(shown[2], (Shown{Shown::OpenFile, "Import Translation", "PO files (*.po)|*.po|All files (*.*)|*.*"}));
+    EXPECT_NE(shown[3].text.find("Nothing was written: no text changed."), std::string::npos) << shown[3].text;
 }
 
 }  // namespace
