@@ -20,10 +20,6 @@ protected:
     }
     void Type(const QString& text) { Find<QPlainTextEdit>("Text1")->setPlainText(text); }
     QList<QTextEdit::ExtraSelection> Marks() { return Find<QPlainTextEdit>("Text1")->extraSelections(); }
-    ui::PreviewDialog* OpenPreview() {
-        Trigger(window->TextMenu(), "mnuPreview");
-        return window->findChild<ui::PreviewDialog*>(QStringLiteral("frmPreview"));
-    }
 };
 
 TEST_F(FitWindowTest, ALineOverTheBoxIsMarkedWithItsWidthWhileTyping) {
@@ -49,7 +45,8 @@ TEST_F(FitWindowTest, ALineOverTheBoxIsMarkedWithItsWidthWhileTyping) {
 TEST_F(FitWindowTest, PreviewDrawsBoxByBoxAndFollowsTheEditor) {
     Select("Harbour", "Ferryman");  // two boxes: two lines, then one
     EXPECT_EQ(Child<QAction>(*window->TextMenu(), "mnuPreview")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_G));
-    ui::PreviewDialog* preview = OpenPreview();
+    Trigger(window->TextMenu(), "mnuPreview");
+    auto* preview = window->findChild<ui::PreviewDialog*>(QStringLiteral("frmPreview"));
     ASSERT_NE(preview, nullptr);
     EXPECT_TRUE(preview->isVisible());
     EXPECT_FALSE(preview->isModal());
