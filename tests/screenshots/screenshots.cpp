@@ -111,7 +111,7 @@ TEST_F(Screenshot, MainWindowAndMenus) {
     window->ToolsMenu()->hide();
 }
 
-TEST_F(Screenshot, ToolWindowsAndTheButtonGallery) {
+TEST_F(Screenshot, ToolWindowsTheButtonGalleryPreviewAndHistory) {
     ui::SearchDialog search(*session, clipboard, window.get());
     QTest::keyClicks(Child(search, "Text1"), "lamp");
     ClickChild(search, "Command1");
@@ -138,11 +138,8 @@ TEST_F(Screenshot, ToolWindowsAndTheButtonGallery) {
         Keep(*w, name);
         w->hide();
     }
-}
-
-// A line over the message box marked while typing, and the same text drawn
-// with the demo ROM's own font.
-TEST_F(Screenshot, FitMarksAndPreview) {
+    // A line over the message box marked while typing, and the same text drawn
+    // with the demo ROM's own font.
     Select("Lighthouse", "Lit");
     Keep(*window, "fit-main-window.png");
     Trigger(window->TextMenu(), "mnuPreview");
@@ -150,9 +147,8 @@ TEST_F(Screenshot, FitMarksAndPreview) {
     ASSERT_NE(preview, nullptr);
     Keep(*preview, "preview-window.png");
     preview->hide();
-}
-
-TEST_F(Screenshot, HistoryWindow) {
+    // Three saves, the last one undone.
+    Select("Lighthouse", "Keeper");
     for (const char* text : {"Hoy there.", "Ahoy there!", "Ahoy, friend!"}) {
         session->controls.text1.SetText(text);
         user.answers.assign(2, FakePrompter::Answer(true));

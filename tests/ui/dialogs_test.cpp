@@ -16,7 +16,9 @@ TEST(MenuExplanationWindow, PicturesExplainTheirItemOrOpenTheColourWindowOverIt)
     FakePrompter user;
     ui::MenuExplanationDialog help(user);
     help.show();
+    QTest::mouseClick(Child(help, "Image2"), Qt::RightButton);  // the right button explains nothing
     for (const char* picture : {"Image2", "Image9", "Image1"}) ClickChild(help, picture);  // Image1 does nothing
+    EXPECT_TRUE(OpenModal([&] { QTest::mouseClick(Child(help, "Image8"), Qt::RightButton); }).title.isEmpty());
     EXPECT_EQ(user.Take(), (std::vector<Shown>{Msg(Icon::Information, std::string(*MenuExplanation(2))),
                                                Msg(Icon::Information, std::string(*MenuExplanation(9)))}));
     const ModalSeen colours = OpenModal([&] { ClickChild(help, "Image8"); });

@@ -1,7 +1,12 @@
-// Nothing typed is lost: an edit left unsaved by loading another entry or by
-// leaving the program comes back as a draft of its entry.
+// Nothing typed or saved is lost: an edit left unsaved by loading another
+// entry or by leaving the program comes back as a draft of its entry; undo and
+// redo from the keyboard reload the text, and the History window lists the
+// saves newest first and goes back before the chosen one.
 #include "main_window_fixture.h"
 #include "edit/drafts.h"
+#include "ui/history_dialog.h"
+
+#include <QTreeWidget>
 
 using namespace quillon;
 using namespace quillon::test;
@@ -40,6 +45,40 @@ TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftThatTheEntryOffersBack) {
     emit Find<QLabel>("lblDraft")->linkActivated(QStringLiteral("discard"));
     EXPECT_EQ(Text1(), "Kree! Kree!");
     EXPECT_TRUE(session->drafts.empty());
+}
+
+TEST_F(MainWindowTest, UndoAndRedoKeysReloadTheTextAndTheHistoryWindowGoesBack) {
+    StartAndOpen();
+    Select("Harbour", "Ferryman");
+    const QString original = Text1();
+    const std::string rom = ReadFile(Rom());
+    auto* text1 = Find<QPlainTextEdit>("Text1");
+    text1->moveCursor(QTextCursor::End);
+    QTest::keyClicks(text1, " Again.");
+    user.Yes();
+    Click("Command2");
+    const QString saved = Text1();
+    ASSERT_TRUE(ReadFile(Rom()) != rom);
+    user.Take();
+
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    QTest::keyClick(text1, Qt::Key_Z, Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_TRUE(ReadFile(Rom()) == rom);
+    EXPECT_EQ(Text1(), original);
+    QTest::keyClick(text1, Qt::Key_Y, Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(Text1(), saved);
+    EXPECT_EQ(user.Take().size(), 2u);  // "Undone: ..." and "Redone: ..."
+
+    ui::HistoryDialog history(*session, window.get());
+    auto* list = Child<QTreeWidget>(history, "lstHistory");
+    ASSERT_EQ(list->topLevelItemCount(), 1);
+    EXPECT_EQ(list->topLevelItem(0)->text(2), "Save Text");
+    list->setCurrentItem(list->topLevelItem(0));
+    ClickChild(history, "cmdGoBack");
+    EXPECT_TRUE(ReadFile(Rom()) == rom);
+    EXPECT_EQ(list->topLevelItem(0)->text(5), "undone");
 }
 
 }  // namespace

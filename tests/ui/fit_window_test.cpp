@@ -5,7 +5,6 @@
 
 #include <QComboBox>
 #include <QLineEdit>
-#include <QTimer>
 #include <QTreeWidget>
 
 using namespace quillon;
@@ -21,10 +20,6 @@ protected:
     }
     void Type(const QString& text) { Find<QPlainTextEdit>("Text1")->setPlainText(text); }
     QList<QTextEdit::ExtraSelection> Marks() { return Find<QPlainTextEdit>("Text1")->extraSelections(); }
-    ui::PreviewDialog* OpenPreview() {
-        Trigger(window->TextMenu(), "mnuPreview");
-        return window->findChild<ui::PreviewDialog*>(QStringLiteral("frmPreview"));
-    }
 };
 
 TEST_F(FitWindowTest, ALineOverTheBoxIsMarkedWithItsWidthWhileTyping) {
@@ -50,7 +45,8 @@ TEST_F(FitWindowTest, ALineOverTheBoxIsMarkedWithItsWidthWhileTyping) {
 TEST_F(FitWindowTest, PreviewDrawsBoxByBoxAndFollowsTheEditor) {
     Select("Harbour", "Ferryman");  // two boxes: two lines, then one
     EXPECT_EQ(Child<QAction>(*window->TextMenu(), "mnuPreview")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_G));
-    ui::PreviewDialog* preview = OpenPreview();
+    Trigger(window->TextMenu(), "mnuPreview");
+    auto* preview = window->findChild<ui::PreviewDialog*>(QStringLiteral("frmPreview"));
     ASSERT_NE(preview, nullptr);
     EXPECT_TRUE(preview->isVisible());
     EXPECT_FALSE(preview->isModal());
@@ -80,15 +76,13 @@ TEST_F(FitWindowTest, PreviewDrawsBoxByBoxAndFollowsTheEditor) {
 
 TEST_F(FitWindowTest, CheckAllListsTheWideTextsAndADoubleClickOpensOne) {
     QStringList keys;
-    QTimer::singleShot(0, [&] {
-        QWidget* dialog = QApplication::activeModalWidget();
-        ASSERT_NE(dialog, nullptr);
+    OnModals({[&](QWidget* dialog) {
         auto* list = Child<QTreeWidget>(*dialog, "lstCheckAll");
         for (int i = 0; i < list->topLevelItemCount(); ++i)
             keys << list->topLevelItem(i)->text(0) + "/" + list->topLevelItem(i)->text(1) + " " +
                         list->topLevelItem(i)->text(4);
         emit list->itemDoubleClicked(list->topLevelItem(2), 0);
-    });
+    }});
     Trigger(window->ToolsMenu(), "mnuCheckAll");
     EXPECT_EQ(keys, (QStringList{"Lighthouse/Lit 255 / 208 px", "Lighthouse/Cat 215 / 208 px",
                                  "Market/Baker 221 / 208 px"}));

@@ -9,13 +9,6 @@
 
 namespace quillon::test {
 
-std::string Bytes(const std::string& hex) {
-    std::string out;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
-        out.push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-    return out;
-}
-
 ModalSeen OpenModal(const std::function<void()>& open) {
     ModalSeen seen;
     QObject guard;  // drops the timer when no modal window ran it
@@ -66,20 +59,18 @@ void MainWindowTest::StartAndOpen() {
     user.Take();
 }
 
-QModelIndex MainWindowTest::Section(const QString& section) {
-    const QAbstractItemModel* model = Tree()->model();
-    for (int row = 0; row < model->rowCount(); ++row)
-        if (model->index(row, 0).data().toString() == section) return model->index(row, 0);
-    return {};
+// The first row named `name` among the children of `parent`.
+static QModelIndex Row(const QAbstractItemModel* model, const QModelIndex& parent, const QString& name) {
+    const QModelIndexList found = model->match(model->index(0, 0, parent), Qt::DisplayRole, name, 1, Qt::MatchExactly);
+    return found.isEmpty() ? QModelIndex() : found.first();
 }
 
+QModelIndex MainWindowTest::Section(const QString& section) { return Row(Tree()->model(), {}, section); }
+
 QModelIndex MainWindowTest::Node(const QString& section, const QString& key) {
-    const QModelIndex parent = Section(section);
-    const QAbstractItemModel* model = Tree()->model();
-    for (int row = 0; row < model->rowCount(parent); ++row)
-        if (model->index(row, 0, parent).data().toString() == key) return model->index(row, 0, parent);
-    ADD_FAILURE() << "no node " << key.toStdString();
-    return {};
+    const QModelIndex node = Row(Tree()->model(), Section(section), key);
+    if (!node.isValid()) ADD_FAILURE() << "no node " << key.toStdString();
+    return node;
 }
 
 void MainWindowTest::Select(const QString& section, const QString& key) { Tree()->setCurrentIndex(Node(section, key)); }

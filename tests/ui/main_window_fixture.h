@@ -34,7 +34,7 @@ public:
 };
 
 // Bytes of a hex text.
-std::string Bytes(const std::string& hex);
+inline std::string Bytes(const std::string& hex) { return QByteArray::fromHex(QByteArray::fromStdString(hex)).toStdString(); }
 
 // The child of `parent` named `name`; a failure when there is none.
 template <class W = QWidget>

@@ -1,7 +1,8 @@
 // The main window driven like a user would: start-up states, opening the
 // demonstration ROM, the tree menu, editing and saving texts, its tool windows
-// and leaving the program. The logic below the window has its own story
-// tests; these check that the widgets reach it and mirror its state.
+// and leaving the program; the editor's marks on tags and on what would be
+// saved wrong. The logic below the window has its own story tests; these
+// check that the widgets reach it and mirror its state.
 #include "main_window_fixture.h"
 #include "offsets/add_offset_form.h"
 #include "offsets/startup.h"
@@ -17,8 +18,12 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QStatusBar>
+#include <QTextBlock>
+#include <QTextLayout>
+#include <QToolTip>
 
 using namespace quillon;
 using namespace quillon::test;
@@ -68,11 +73,20 @@ TEST_F(MainWindowTest, StartsWithNothingToEditAndOpensTheDemoRomWithOrWithoutIts
     EXPECT_FALSE(Find("Command2")->isEnabled());
 }
 
-TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAdds) {
+TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAddsOnEnter) {
     StartAndOpen();
     QTreeView* tree = Tree();
     const QModelIndex baker = Node("Market", "Baker");
     ASSERT_TRUE(baker.isValid());
+    // On empty space below the nodes: no menu, and the selection stays.
+    Select("Harbour", "Gull");
+    tree->collapseAll();
+    const QPoint empty(tree->viewport()->width() / 2, tree->viewport()->height() - 4);
+    ASSERT_FALSE(tree->indexAt(empty).isValid());
+    emit tree->customContextMenuRequested(empty);
+    EXPECT_FALSE(window->TreeMenu()->isVisible());
+    EXPECT_EQ(tree->currentIndex(), Node("Harbour", "Gull"));
+    tree->expandAll();
     emit tree->customContextMenuRequested(tree->visualRect(baker).center());
     EXPECT_EQ(tree->currentIndex(), baker);
     EXPECT_TRUE(Text1().startsWith("Fresh rolls!"));
@@ -91,7 +105,7 @@ TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAdds) {
         EXPECT_EQ(Child<QLineEdit>(dialog, "Text1")->text(), "Lighthouse");
         Child<QLineEdit>(dialog, "Text2")->setText(QStringLiteral("Second look"));
         Child<QLineEdit>(dialog, "Text3")->setText(QStringLiteral("1048576"));  // 0x100000, the ferryman's text
-        ClickChild(dialog, "Command1");
+        QTest::keyClick(Child(dialog, "Text3"), Qt::Key_Return);  // Enter adds, as "&Add to INI" does
         EXPECT_EQ(dialog.result(), QDialog::Accepted);
     }));
     Trigger(window->TreeMenu(), "mnuAddOffset");
@@ -160,60 +174,56 @@ TEST_F(MainWindowTest, ExitAndTheCloseHotspotCloseEveryWindowWithoutAQuestion) {
     EXPECT_TRUE(user.Take().empty());
 }
 
-TEST_F(MainWindowTest, AboutHelpAndLiveUpdateOpenModallyOverIt) {
+// A left click opens its window modally over the main window; a right click
+// on a hotspot opens, closes or minimizes nothing.
+TEST_F(MainWindowTest, AboutHelpAndLiveUpdateOpenModallyOverItOnALeftClickOnly) {
     window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    auto right = [&](const char* name) { return [this, name] { QTest::mouseClick(Find(name), Qt::RightButton); }; };
     const std::pair<std::function<void()>, QString> cases[] = {
         {[&] { Click("XPButton4"); }, "About Quillon"},
         {[&] { Click("Image2"); }, "Menu explanation"},
         {[&] { Trigger(window->ToolsMenu(), "mnuUpdate"); }, "Tarnwick-Soft | Live-Update"},
+        {right("Image4"), ""}, {right("Image1"), ""}, {right("Image2"), ""},
     };
     for (const auto& [open, title] : cases) {
         const ModalSeen seen = OpenModal(open);
         EXPECT_EQ(seen.title, title);
+        EXPECT_TRUE(window->isVisible() && !window->isMinimized()) << title.toStdString();
+        if (title.isEmpty()) continue;
         EXPECT_EQ(seen.parent, window.get()) << title.toStdString();
         EXPECT_TRUE(seen.modal) << title.toStdString();
     }
-}
-
-TEST_F(MainWindowTest, TheSearchWindowsButtonsReachTheSearch) {
-    StartAndOpen();
-    ui::SearchDialog search(*session, clipboard, window.get());
-    auto* text = Child<QPlainTextEdit>(search, "Text1");
-    EXPECT_FALSE(Child(search, "Command2")->isEnabled());
-    QTest::keyClicks(text, "lamp");
-    ClickChild(search, "Command1");
-    const QString offset = Child<QLineEdit>(search, "Text2")->text();
-    ASSERT_FALSE(offset.isEmpty());
-    EXPECT_TRUE(Child<QStatusBar>(search, "StatusBar1")->currentMessage().startsWith(
-        "Result: Text found at Offset " + offset + " (Decimal)!"));
-    EXPECT_TRUE(Child<QPlainTextEdit>(search, "Text3")->toPlainText().contains("lamp"));
-    EXPECT_TRUE(Child(search, "Command2")->isEnabled());
-    // The Japanese table previews only and blocks searching.
-    ClickChild(search, "Option1_1");
-    for (const char* name : {"Command1", "Command2", "Command4"})
-        EXPECT_FALSE(Child(search, name)->isEnabled()) << name;
+    EXPECT_TRUE(user.Take().empty());
 }
 
 TEST_F(MainWindowTest, SearchMatchesCaseByChoiceNamesTheEntryOfAMatchAndJumpsToIt) {
     StartAndOpen();
     ui::SearchDialog search(*session, clipboard, window.get());
+    auto status = [&] { return Child<QStatusBar>(search, "StatusBar1")->currentMessage(); };
     auto* matchCase = Child<QCheckBox>(search, "chkMatchCase");
     EXPECT_TRUE(matchCase->isChecked());
+    EXPECT_FALSE(Child(search, "Command2")->isEnabled());
     QTest::keyClicks(Child(search, "Text1"), "THE LAMP HAS");
     ClickChild(search, "Command1");
-    EXPECT_EQ(Child<QStatusBar>(search, "StatusBar1")->currentMessage(), "Result: Text could not be found!");
+    EXPECT_EQ(status(), "Result: Text could not be found!");
     EXPECT_TRUE(Child(search, "cmdJump")->isHidden());
 
     matchCase->setChecked(false);
     ClickChild(search, "Command1");
     const QString offset = Child<QLineEdit>(search, "Text2")->text();
-    EXPECT_EQ(Child<QStatusBar>(search, "StatusBar1")->currentMessage(),
-              "Result: Text found at Offset " + offset + " (Decimal)! in Lighthouse / Keeper");
+    EXPECT_EQ(status(), "Result: Text found at Offset " + offset + " (Decimal)! in Lighthouse / Keeper");
+    EXPECT_TRUE(Child<QPlainTextEdit>(search, "Text3")->toPlainText().contains("lamp has"));
+    EXPECT_TRUE(Child(search, "Command2")->isEnabled());
     ASSERT_FALSE(Child(search, "cmdJump")->isHidden());
     ClickChild(search, "cmdJump");
     EXPECT_EQ(search.result(), QDialog::Accepted);
     EXPECT_EQ(Tree()->currentIndex(), Node("Lighthouse", "Keeper"));
     EXPECT_TRUE(Text1().startsWith("Welcome up"));
+    // The Japanese table previews only and blocks searching.
+    ClickChild(search, "Option1_1");
+    for (const char* name : {"Command1", "Command2", "Command4"})
+        EXPECT_FALSE(Child(search, name)->isEnabled()) << name;
 }
 
 TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
@@ -243,6 +253,49 @@ TEST_F(MainWindowTest, ExportAddsTxtToANameWithoutExtensionOnly) {
         EXPECT_EQ(ReadFile(dir / written), "Kree! Kree!") << name;
     }
     EXPECT_FALSE(std::filesystem::exists(dir / "gull"));
+}
+
+// The format drawn on the characters from `from`, `length` long, of the first line.
+QTextCharFormat FormatOf(QPlainTextEdit* editor, int from, int length) {
+    for (const QTextLayout::FormatRange& r : editor->document()->firstBlock().layout()->formats())
+        if (r.start == from && r.length == length) return r.format;
+    return {};
+}
+
+TEST_F(MainWindowTest, TheEditorMarksTagsAndWhatWouldBeSavedWrongAndAsksBeforeSavingIt) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    auto* text1 = Find<QPlainTextEdit>("Text1");
+    text1->setPlainText(QStringLiteral("[PLAYER] [PLAYR] [&HZZ] \u20AC"));
+    EXPECT_EQ(FormatOf(text1, 0, 8).underlineStyle(), QTextCharFormat::NoUnderline);
+    EXPECT_TRUE(FormatOf(text1, 0, 8).hasProperty(QTextFormat::ForegroundBrush));
+    for (auto [from, length] : {std::pair{9, 7}, {17, 6}, {24, 1}}) {
+        EXPECT_EQ(FormatOf(text1, from, length).underlineStyle(), QTextCharFormat::SpellCheckUnderline) << from;
+        EXPECT_EQ(FormatOf(text1, from, length).underlineColor(), QColor(Qt::red)) << from;
+    }
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    QTextCursor at(text1->document());
+    at.setPosition(11);
+    const QPoint over = text1->cursorRect(at).center();
+    QHelpEvent help(QEvent::ToolTip, over, text1->viewport()->mapToGlobal(over));
+    QApplication::sendEvent(text1->viewport(), &help);
+    EXPECT_EQ(QToolTip::text(), "[PLAYR] is not a tag: it is saved as its characters.");
+
+    const std::string before = ReadFile(Rom());
+    user.No();
+    Click("Command2");
+    const auto shown = user.Take();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].kind, Shown::Question);
+    for (const char* named : {"\"[PLAYR]\"", "\"[&HZZ]\"", "\"\u20AC\""})
+        EXPECT_NE(shown[0].text.find(named), std::string::npos) << named;
+    EXPECT_EQ(ReadFile(Rom()), before);
+
+    text1->setFocus();
+    QTest::keyClick(text1, Qt::Key_Tab);
+    EXPECT_FALSE(Text1().contains(QLatin1Char('\t')));
+    EXPECT_FALSE(text1->hasFocus());
 }
 
 TEST(TwipsToPixels, FifteenTwipsPerPixelAt96DpiRoundedHalfToEven) {

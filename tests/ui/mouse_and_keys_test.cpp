@@ -66,18 +66,6 @@ TEST_F(MainWindowTest, OnlyAPressOnTheBackgroundThatMovesDragsTheWindow) {
     EXPECT_TRUE(window->isVisible());  // the hotspot was left before the release
 }
 
-TEST_F(MainWindowTest, RightClickOnEmptyTreeSpaceOpensNothingAndDeletesNothing) {
-    StartAndOpen();
-    QTreeView* tree = Tree();
-    Select("Market", "Baker");
-    tree->collapseAll();
-    const QPoint empty(tree->viewport()->width() / 2, tree->viewport()->height() - 4);
-    ASSERT_FALSE(tree->indexAt(empty).isValid());
-    emit tree->customContextMenuRequested(empty);
-    EXPECT_FALSE(window->TreeMenu()->isVisible());
-    EXPECT_EQ(tree->currentIndex(), Node("Market", "Baker"));
-}
-
 TEST_F(MainWindowTest, ClickingTheSelectedNodeLoadsItsTextAgain) {
     StartAndOpen();
     Select("Harbour", "Gull");
@@ -101,23 +89,6 @@ TEST_F(MainWindowTest, AnAccessKeySharedByTwoButtonsClicksTheFirstThatIsEnabled)
     Tree()->setCurrentIndex(Tree()->model()->index(0, 0));
     const ModalSeen seen = OpenModal([&] { QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier); });
     EXPECT_EQ(seen.title, "About Quillon");
-}
-
-TEST_F(MainWindowTest, HotspotsAndPicturesIgnoreTheRightButton) {
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
-    for (const char* hotspot : {"Image4", "Image1", "Image2"}) {
-        const ModalSeen seen = OpenModal([&] { QTest::mouseClick(Find(hotspot), Qt::RightButton); });
-        EXPECT_TRUE(seen.title.isEmpty()) << hotspot;
-        EXPECT_TRUE(window->isVisible() && !window->isMinimized()) << hotspot;
-    }
-    ui::MenuExplanationDialog help(user);
-    help.show();
-    for (const char* picture : {"Image2", "Image8"}) {
-        const ModalSeen seen = OpenModal([&] { QTest::mouseClick(Child(help, picture), Qt::RightButton); });
-        EXPECT_TRUE(seen.title.isEmpty()) << picture;
-    }
-    EXPECT_TRUE(user.Take().empty());
 }
 
 TEST_F(MainWindowTest, OffsetIsAPlainButtonAndTheToolWindowsHaveFixedFrames) {
@@ -198,9 +169,7 @@ TEST_F(MainWindowTest, TheAddOffsetWindowBelongsToItsOpenerAndCancelIsOffOnlyAft
     };
 
     Seen offset, search, script;
-    QWidget* searchWindow = nullptr;
-    QWidget* addOffsetWindow = nullptr;
-    QWidget* messageOwner = nullptr;
+    QWidget *searchWindow = nullptr, *addOffsetWindow = nullptr, *messageOwner = nullptr;
     router.Then(std::string("1048576"));
     OnModals({see(offset)});
     Click("Command5");

@@ -1,9 +1,7 @@
-// Text discovery and references in the windows: the Tools menu item, the
-// pointer count of the Information frame and the references window.
+// The Tools menu's discovery, reference and translation items, and the
+// pointer count of the Information frame.
 #include "main_window_fixture.h"
 
-#include <QApplication>
-#include <QTimer>
 #include <QTreeWidget>
 
 using namespace quillon;
@@ -19,10 +17,7 @@ TEST_F(MainWindowTest, PointerCountAndReferencesWindowCopyingAnOffset) {
 
     QStringList kinds;
     QString copied, label;
-    QObject guard;
-    QTimer::singleShot(0, &guard, [&] {
-        QWidget* modal = QApplication::activeModalWidget();
-        ASSERT_NE(modal, nullptr);
+    OnModals({[&](QWidget* modal) {
         label = Caption(*modal, "lblReferences");
         auto* list = Child<QTreeWidget>(*modal, "lstReferences");
         for (int i = 0; i < list->topLevelItemCount(); ++i) kinds << list->topLevelItem(i)->text(1);
@@ -31,7 +26,7 @@ TEST_F(MainWindowTest, PointerCountAndReferencesWindowCopyingAnOffset) {
             copied = last->text(0);
         }
         modal->close();
-    });
+    }});
     Trigger(window->TextMenu(), "mnuReferences");
     EXPECT_EQ(QStringLiteral("Pointers: %1").arg(kinds.size()), caption);
     EXPECT_TRUE(label.startsWith(QStringLiteral("%1 places hold the pointer to offset 10018A").arg(kinds.size())));
@@ -46,7 +41,6 @@ TEST_F(MainWindowTest, FindTextsInRomScansAndReportsWhatTheOffsetFileListsAlread
     EXPECT_FALSE(find->isEnabled());
     StartAndOpen();
     EXPECT_TRUE(find->isEnabled());
-    user.Take();
     user.No();  // if new texts are offered, add none
     Trigger(window->ToolsMenu(), "mnuFindTexts");
     const auto shown = user.Take();
@@ -55,6 +49,20 @@ TEST_F(MainWindowTest, FindTextsInRomScansAndReportsWhatTheOffsetFileListsAlread
     EXPECT_EQ(shown[0].title, "Find Texts in ROM");
     EXPECT_EQ(window->findChild<QWidget*>(QStringLiteral("frmProgress")), nullptr);  // closed at the end
     user.answers.clear();
+}
+
+TEST_F(MainWindowTest, ExportAllTextsAndImportTranslationAskForTheirFilesAndReport) {
+    StartAndOpen();
+    const std::filesystem::path po = dir / "demo.po";
+    user.Then(po).Then(po);  // the import finds nothing translated: nothing to confirm
+    Trigger(window->ToolsMenu(), "mnuExportAll");
+    Trigger(window->ToolsMenu(), "mnuImportTranslation");
+    const auto shown = user.Take();
+    ASSERT_EQ(shown.size(), 4u);
+    EXPECT_EQ(shown[0], (Shown{Shown::SaveFile, "Export All Texts", "PO files (*.po)|*.po|All files (*.*)|*.*"}));
+    EXPECT_NE(shown[1].text.find(" texts written to demo.po."), std::string::npos) << shown[1].text;
+    EXPECT_EQ(shown[2], (Shown{Shown::OpenFile, "Import Translation", "PO files (*.po)|*.po|All files (*.*)|*.*"}));
+    EXPECT_NE(shown[3].text.find("Nothing was written: no text changed."), std::string::npos) << shown[3].text;
 }
 
 }  // namespace
