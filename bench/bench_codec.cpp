@@ -3,19 +3,13 @@
 #include <quillon/codec.h>
 
 #include "ratio.h"
+#include "sample_text.h"
 
 #include <cstdio>
 #include <string>
 
 namespace {
 
-// One paragraph of game text: letters, spaces, line breaks, quotes, accented
-// letters, named tags and a hex tag.
-constexpr const char* kParagraph =
-    "[PLAYER] received a POTION!\r\n"
-    "Put it in the BAG's \"ITEMS\" pocket.\r\n"
-    "[RED]Señor Dupré[BLACK] says: Ça va, [RIVAL]?\r\n"
-    "Meet me at the [POKéBLOCK] stand·[&H3F][...]\r\n\r\n";
 
 std::string HexToBytes(const std::string& hex) {
     auto digit = [](char c) { return c <= '9' ? c - '0' : c - 'A' + 10; };
@@ -28,7 +22,7 @@ std::string HexToBytes(const std::string& hex) {
 
 // Exactly `size` ROM bytes of repeated paragraphs.
 std::string TextBytes(std::size_t size) {
-    const std::string paragraph = HexToBytes(quillon::EncodeText(kParagraph, false));
+    const std::string paragraph = HexToBytes(quillon::EncodeText(quillon::bench::kParagraph, false));
     std::string bytes;
     while (bytes.size() < size) {
         bytes += paragraph;

@@ -10,6 +10,7 @@
 #include <quillon/rom.h>
 
 #include "ratio.h"
+#include "sample_text.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -18,11 +19,6 @@
 
 namespace {
 
-constexpr const char* kParagraph =
-    "[PLAYER] received a POTION!\r\n"
-    "Put it in the BAG's \"ITEMS\" pocket.\r\n"
-    "[RED]Señor Dupré[BLACK] says: Ça va, [RIVAL]?\r\n"
-    "Meet me at the [POKéBLOCK] stand·[&H3F][...]\r\n\r\n";
 
 constexpr std::size_t kImageSize = 16u << 20;
 constexpr std::uint32_t kGlyphs = 0x1FF300;
@@ -43,7 +39,7 @@ std::string Image(std::string& ini) {
     for (std::size_t i = 0; i < 256 * 64; ++i) rom[kGlyphs + i] = static_cast<char>(i * 37);
     PutPointer(rom, 0x66EC, kGlyphs);
     PutPointer(rom, 0x66F4, kWidths);
-    const std::string paragraph = quillon::HexToBytes(quillon::EncodeText(kParagraph, false));
+    const std::string paragraph = quillon::HexToBytes(quillon::EncodeText(quillon::bench::kParagraph, false));
     std::size_t at = 0x300000;
     ini = "'bench\r\n";
     char line[64];
@@ -68,7 +64,7 @@ int main() {
 
     // Measuring one long text, as the editor does on every keystroke.
     std::string bytes;
-    const std::string paragraph = HexToBytes(EncodeText(kParagraph, false));
+    const std::string paragraph = HexToBytes(EncodeText(quillon::bench::kParagraph, false));
     while (bytes.size() < 10000) bytes += paragraph;
     bytes.resize(10000);
     const std::string text = DecodeText(bytes, false);
