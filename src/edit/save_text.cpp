@@ -43,24 +43,28 @@ void Refuse(Session& session, const std::string& why) {
 
 bool Pointable(std::int32_t offset) { return offset >= kLowestPointable && offset <= kHighestPointable; }
 
-// The offset file after the move: the selected entry gets the new offset, but
+// Adds the offset file to the plan: the selected entry gets the new offset, but
 // only when it is the text being moved (a text opened by its offset need not
 // be the selected entry, and an unrelated entry must not change).
-std::optional<std::string> MovedOffsetFile(Session& session, std::int32_t oldOffset, std::string_view newOffsetText) {
+void MoveOffsetEntry(Session& session, WritePlan& plan, std::int32_t oldOffset, std::string_view newOffsetText) {
     const TreeNode* node = session.tree.SelectedNode();
-    if (!node || IsSectionNodeKey(node->key)) return std::nullopt;
+    if (!node || IsSectionNodeKey(node->key)) return;
     const std::string section = session.tree.SelectedParentText();
     const std::string key = KeyNameOf(node->key);
     session.ini.SetPath(session.OffsetFile());
     session.ini.SetSection(section);
     session.ini.SetKey(key);
     try {
-        if (HexToLong(session.ini.Value()) != oldOffset) return std::nullopt;
+        if (HexToLong(session.ini.Value()) != oldOffset) return;
     } catch (const TypeMismatch&) {
-        return std::nullopt;
+        return;
     }
     ini::IniDocument doc(io::ReadAll(session.OffsetFile()));
-    return doc.WithValue(section, key, newOffsetText);
+    if (auto after = doc.WithValue(section, key, newOffsetText)) {
+        plan.offsetFile = session.OffsetFile();
+        plan.offsetBefore = doc.Text();
+        plan.offsetAfter = std::move(*after);
+    }
 }
 
 enum class Step { Done, Stop };
@@ -155,11 +159,7 @@ Step Repoint(Session& session, std::int32_t newLength) {
     blocks.push_back({static_cast<std::uint64_t>(newOffset),
                       HexToBytes(EncodeText(c.text1.Text(), c.specialDialog) + "FF")});
     WritePlan plan = PlanFor(session, std::move(blocks));
-    if (auto offsets = MovedOffsetFile(session, oldOffset, newOffsetText)) {
-        plan.offsetFile = session.OffsetFile();
-        plan.offsetBefore = io::ReadAll(session.OffsetFile());
-        plan.offsetAfter = std::move(*offsets);
-    }
+    MoveOffsetEntry(session, plan, oldOffset, newOffsetText);
     return Write(session, plan) ? (c.offsetCaption = newOffsetText, Step::Done) : Step::Stop;
 }
 

@@ -300,15 +300,20 @@ Recovery RecoverPending(const std::filesystem::path& rom) {
                          std::to_string(plan->romSize) + " bytes.";
         return refused;
     }
-    bool allBefore = true;
+    // Only the ranges that hold the new bytes are written back.
+    WritePlan back = *plan;
+    back.romWrites.clear();
     std::vector<std::string> differing;
     {
         io::InputFile in(rom);
         for (const auto& w : plan->romWrites) {
             std::string now(w.before.size(), '\0');
             now.resize(in.Read(w.offset, now.data(), now.size()));
-            if (now != w.before && now != w.after) differing.push_back(OffsetText(w.offset));
-            if (now != w.before) allBefore = false;
+            if (now == w.before) continue;
+            if (now == w.after)
+                back.romWrites.push_back(w);
+            else
+                differing.push_back(OffsetText(w.offset));
         }
     }
     if (!differing.empty()) {
@@ -317,24 +322,16 @@ Recovery RecoverPending(const std::filesystem::path& rom) {
         refused.reason = "The ROM holds neither the old nor the new bytes of that save at offset " + list + ".";
         return refused;
     }
-    if (plan->offsetFile) {
-        auto now = ReadIfExists(*plan->offsetFile);
-        if (now != plan->offsetBefore && now != std::optional<std::string>(plan->offsetAfter)) {
-            refused.reason = "The offset file '" + plan->offsetFile->string() +
-                             "' was changed since that save and matches neither its old nor its new contents.";
-            return refused;
-        }
-        if (now != plan->offsetBefore) allBefore = false;
+    const auto offsetsNow = plan->offsetFile ? ReadIfExists(*plan->offsetFile) : std::nullopt;
+    if (plan->offsetFile && offsetsNow != plan->offsetBefore && offsetsNow != plan->offsetAfter) {
+        refused.reason = "The offset file '" + plan->offsetFile->string() +
+                         "' was changed since that save and matches neither its old nor its new contents.";
+        return refused;
     }
-    if (allBefore) {
+    if (back.romWrites.empty() && offsetsNow == plan->offsetBefore) {
         io::RemoveFile(journal);
         return {RecoveryOutcome::Discarded, {}};
     }
-    // Only the ranges that hold the new bytes are written back.
-    WritePlan back = *plan;
-    std::erase_if(back.romWrites, [&](const RomWrite& w) {
-        return io::ReadAt(rom, w.offset, w.before.size()) == w.before;
-    });
     PutBack(back);
     io::RemoveFile(journal);
     return {RecoveryOutcome::Restored, {}};
