@@ -107,7 +107,8 @@ TEST(FitFont, PixelsFollowTheFormat) {
     for (int b : {0x00, 0x41, 0xBB, 0xFF})
         for (int y = 0; y < 16; ++y)
             for (int x = 0; x < 16; ++x)
-                ASSERT_EQ(font.Pixel(static_cast<std::uint8_t>(b), x, y), kPictures[b][y][x]) << b << " " << x << "," << y;
+                ASSERT_EQ(font.Pixel(static_cast<std::uint8_t>(b), x, y), kPictures[b][y][x])
+                    << b << " " << x << "," << y;
     // One hand-checked byte: glyph 0, tile top-right, row 0 holds its left pixels in byte 17.
     const auto& p = kPictures[0][0];
     EXPECT_EQ(static_cast<std::uint8_t>(font.glyphs[17]), p[8] << 6 | p[9] << 4 | p[10] << 2 | p[11]);
