@@ -26,48 +26,31 @@ constexpr std::uint32_t kWidths = 0x207300;
 // of the values 0..3.
 using Pixels = std::array<std::array<int, 16>, 16>;
 
-const std::vector<Pixels>& TestPictures() {
-    static const std::vector<Pixels> pictures = [] {
-        std::mt19937 rng(15);
-        std::vector<Pixels> p(256);
-        for (auto& glyph : p)
-            for (auto& row : glyph)
-                for (int& v : row) v = static_cast<int>(rng() % 4);
-        return p;
-    }();
-    return pictures;
-}
+const std::vector<Pixels> kPictures = [] {
+    std::mt19937 rng(15);
+    std::vector<Pixels> p(256);
+    for (auto& glyph : p)
+        for (auto& row : glyph)
+            for (int& v : row) v = static_cast<int>(rng() % 4);
+    return p;
+}();
 
-// Packs a picture in the game's format: tiles TL, TR, BL, BR of 16 bytes;
+// An image holding the pictures in the game's format: tiles TL, TR, BL, BR of 16 bytes;
 // a tile row is two bytes, the second with the left four pixels, the first
 // with the right four; the highest bits of a byte are the leftmost pixel.
-std::string Pack(const Pixels& px) {
-    std::string out;
-    const int tiles[4][2] = {{0, 0}, {8, 0}, {0, 8}, {8, 8}};
-    for (const auto& t : tiles)
-        for (int row = 0; row < 8; ++row) {
-            const auto& line = px[static_cast<std::size_t>(t[1] + row)];
-            auto byteOf = [&](int x0) {
-                int b = 0;
-                for (int k = 0; k < 4; ++k) b = b * 4 + line[static_cast<std::size_t>(x0 + k)];
-                return static_cast<char>(b);
-            };
-            out.push_back(byteOf(t[0] + 4));  // first byte: right four pixels
-            out.push_back(byteOf(t[0]));      // second byte: left four pixels
-        }
-    return out;
-}
-
-std::string TestSheet() {
-    std::string sheet;
-    for (const Pixels& p : TestPictures()) sheet += Pack(p);
-    return sheet;
-}
-
 RomBuilder FontRom(std::string_view code = "BPRE", char version = 0, std::uint32_t glyphPointer = 0x66EC,
                    std::uint32_t widthPointer = 0x66F4) {
-    return RomBuilder(3u << 20, '\xFF').Title("FITTEST").Code(code).Maker("01").Font(TestSheet(), version,
-                                                                                    glyphPointer, widthPointer);
+    std::string sheet;
+    for (const Pixels& px : kPictures)
+        for (int tile = 0; tile < 4; ++tile)
+            for (int row = 0; row < 8; ++row)
+                for (int x0 : {4, 0}) {  // first byte: right four pixels; second: left four
+                    int b = 0;
+                    for (int k = 0; k < 4; ++k) b = b * 4 + px[tile / 2 * 8 + row][tile % 2 * 8 + x0 + k];
+                    sheet.push_back(static_cast<char>(b));
+                }
+    return RomBuilder(3u << 20, '\xFF').Title("FITTEST").Code(code).Maker("01").Font(sheet, version, glyphPointer,
+                                                                                    widthPointer);
 }
 
 Font TestFont() {
@@ -124,11 +107,10 @@ TEST(FitFont, PixelsFollowTheFormat) {
     for (int b : {0x00, 0x41, 0xBB, 0xFF})
         for (int y = 0; y < 16; ++y)
             for (int x = 0; x < 16; ++x)
-                ASSERT_EQ(font.Pixel(static_cast<std::uint8_t>(b), x, y),
-                          TestPictures()[static_cast<std::size_t>(b)][static_cast<std::size_t>(y)][static_cast<std::size_t>(x)])
+                ASSERT_EQ(font.Pixel(static_cast<std::uint8_t>(b), x, y), kPictures[b][y][x])
                     << b << " " << x << "," << y;
     // One hand-checked byte: glyph 0, tile top-right, row 0 holds its left pixels in byte 17.
-    const auto& p = TestPictures()[0][0];
+    const auto& p = kPictures[0][0];
     EXPECT_EQ(static_cast<std::uint8_t>(font.glyphs[17]), p[8] << 6 | p[9] << 4 | p[10] << 2 | p[11]);
 }
 
@@ -171,9 +153,8 @@ TEST(FitMeasure, WidthsAreTheSumOfTheGlyphsCodesTakeNoRoomAndNamesTheirLongest) 
 TEST(FitMeasure, LinesOverTheBox) {
     const Font font = TestFont();
     // 0x04 is 7 px wide, 0x00 (space) 3: 29 x 7 + 5 x 3 = 218; 29 x 7 + 1 x 5 = 208.
-    const std::string fits = std::string(29, '\x04') + "\xBB";
-    const std::string over = std::string(29, '\x04') + std::string(5, '\x00');
-    const Measure m = MeasureBytes(fits + "\xFE" + over, font);
+    const std::string x29(29, '\x04');
+    const Measure m = MeasureBytes(x29 + "\xBB\xFE" + x29 + std::string(5, '\x00'), font);
     ASSERT_EQ(m.lines.size(), 2u);
     EXPECT_EQ(m.lines[0].width, 208);
     EXPECT_FALSE(m.lines[0].over);
@@ -226,44 +207,30 @@ TEST(FitMeasure, PagingTwoLinesABoxScrollAndNewBox) {
 
 // --- drawing ---------------------------------------------------------------
 
-namespace {
-
 // The reference: each glyph's known picture copied at its place, its width
 // wide and 14 rows high, rows at 1 and 17; values 1 letter, 2 shadow, 0 and 3
 // background; then each pixel blown up to zoom x zoom.
 std::vector<std::uint32_t> Reference(const std::vector<std::vector<int>>& rowsOfBytes, int zoom, const Colours& c,
                                      int width = 208) {
-    std::vector<std::uint32_t> logical(static_cast<std::size_t>(width) * 32, c.background);
-    for (std::size_t r = 0; r < rowsOfBytes.size(); ++r) {
-        int x = 0;
-        for (int b : rowsOfBytes[r]) {
-            const Pixels& p = TestPictures()[static_cast<std::size_t>(b)];
+    std::vector<std::uint32_t> logical(width * 32, c.background);
+    for (int r = 0; r < static_cast<int>(rowsOfBytes.size()); ++r)
+        for (int x = 0; int b : rowsOfBytes[r]) {
             for (int gy = 0; gy < 14; ++gy)
-                for (int gx = 0; gx < FontWidth(b); ++gx) {
-                    const int v = p[static_cast<std::size_t>(gy)][static_cast<std::size_t>(gx)];
-                    const int px = x + gx, py = 1 + 16 * static_cast<int>(r) + gy;
-                    if (px >= width) continue;
-                    if (v == 1) logical[static_cast<std::size_t>(py * width + px)] = c.letter;
-                    if (v == 2) logical[static_cast<std::size_t>(py * width + px)] = c.shadow;
+                for (int gx = 0; gx < FontWidth(b) && x + gx < width; ++gx) {
+                    const int v = kPictures[b][gy][gx];
+                    if (v == 1 || v == 2) logical[(1 + 16 * r + gy) * width + x + gx] = v == 1 ? c.letter : c.shadow;
                 }
             x += FontWidth(b);
         }
-    }
-    std::vector<std::uint32_t> out(static_cast<std::size_t>(width * zoom) * static_cast<std::size_t>(32 * zoom));
+    std::vector<std::uint32_t> out(width * zoom * 32 * zoom);
     for (int y = 0; y < 32 * zoom; ++y)
-        for (int x = 0; x < width * zoom; ++x)
-            out[static_cast<std::size_t>(y * width * zoom + x)] = logical[static_cast<std::size_t>((y / zoom) * width + x / zoom)];
+        for (int x = 0; x < width * zoom; ++x) out[y * width * zoom + x] = logical[(y / zoom) * width + x / zoom];
     return out;
 }
 
-}  // namespace
-
 TEST(FitDraw, BoxMatchesTheReferencePixelByPixel) {
     const Font font = TestFont();
-    Colours colours;
-    colours.background = 0x112233;
-    colours.letter = 0x445566;
-    colours.shadow = 0x778899;
+    const Colours colours{0x112233, 0x445566, 0x778899};
     // "Hi" then "yo" with [PLAYER] as "AS": box 0 holds both lines; box 1 holds
     // "yo" and "Ok" after the scroll.
     const Measure m = MeasureText("Hi\r\nyo[PLAYER]\r\nOk", false, font, {SampleName("AS")});
@@ -283,10 +250,8 @@ TEST(FitDraw, BoxMatchesTheReferencePixelByPixel) {
 
 TEST(FitDraw, ALineOverTheBoxWidensThePicture) {
     const Font font = TestFont();
-    const std::string over = std::string(31, '\x04');  // 217 px
-    const Measure m = MeasureBytes(over, font);
-    Colours c;
-    const Picture p = DrawBox(m, 0, font, {c, 1, std::nullopt});
+    const Colours c;
+    const Picture p = DrawBox(MeasureBytes(std::string(31, '\x04'), font), 0, font, {c, 1, std::nullopt});  // 217 px
     ASSERT_EQ(p.width, 217);
     // Pixels past the box that no glyph covers show the outside colour.
     EXPECT_EQ(p.At(216, 0), c.outside);
@@ -303,7 +268,7 @@ TEST(FitDraw, DemoFontPacksAsTheGameReadsIt) {
     const auto a = demo::DemoGlyphPixels(demo::kDemoGlyphs[0].rows, ink);  // A
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 16; ++x)
-            ASSERT_EQ(r.font->Pixel(0xBB, x, y), a[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)]);
+            ASSERT_EQ(r.font->Pixel(0xBB, x, y), a[y][x]);
     EXPECT_EQ(r.font->Width(0xBB), 7);  // 5 ink, shadow, gap
     EXPECT_EQ(r.font->Width(0x00), 4);
     EXPECT_EQ(r.font->Pixel(0xBB, 0, 2), 0);  // ".###." starts blank
@@ -347,8 +312,7 @@ TEST(FitCheckAll, ListsEveryEntryWithALineOverTheBox) {
     EXPECT_EQ(CheckRom(dir / "rom.gba", dir / "BPRE.ini", std::nullopt, {SampleName("ASH")}).rows.size(), 1u);
 
     // An unknown game: no check, and why.
-    RomBuilder other = FontRom("AXVE");
-    other.Save(dir / "other.gba");
+    FontRom("AXVE").Save(dir / "other.gba");
     const CheckReport none = CheckRom(dir / "other.gba", dir / "BPRE.ini");
     EXPECT_FALSE(none.checked);
     EXPECT_TRUE(none.rows.empty());

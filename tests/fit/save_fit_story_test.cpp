@@ -14,7 +14,7 @@ namespace {
 const std::string kWide(31, '\xC7');                                       // 31 x "M": 217 px
 const std::string kNames = "\xFD\x01\xFD\x01\xFD\x01\xFD\x01\xBB\xBB\xBB";  // 4 x [PLAYER] at 49 px, "AAA": 211 px
 
-Shown TooWide(std::string count, std::string verb, int width) {
+Shown TooWide(int width, std::string count = "One line", std::string verb = "is") {
     return Ask(count + " of this text " + verb + " wider than the message box (widest: " + std::to_string(width) +
                    " / 208 px).\r\nThe game will not show it as you see it here.\r\n\r\nDo you want to save it anyway?",
                "Line too wide");
@@ -31,15 +31,15 @@ TEST(SaveFit, ALineOverTheBoxAsksFirstAndNoWritesNothing) {
     const std::string sameWidth = std::string(30, 'M') + "W";  // "W" is as wide as "M"
     const std::string twoWide = std::string(31, 'M') + "\r\n" + std::string(32, 'M');
     const Case cases[] = {
-        {"no", "BPRE", kWide, "", sameWidth, {false}, {TooWide("One line", "is", 217)}},
-        {"yes", "BPRE", kWide, "", sameWidth, {true}, {TooWide("One line", "is", 217), kSaved}},
-        {"before the repoint", "BPRE", kWide, "", twoWide, {true, false}, {TooWide("2 lines", "are", 224), kLonger}},
+        {"no", "BPRE", kWide, "", sameWidth, {false}, {TooWide(217)}},
+        {"yes", "BPRE", kWide, "", sameWidth, {true}, {TooWide(217), kSaved}},
+        {"before the repoint", "BPRE", kWide, "", twoWide, {true, false}, {TooWide(224, "2 lines", "are"), kLonger}},
         {"fits", "BPRE", "\xC7", "", "", {}, {kSaved}},
         {"no font known", "QLNE", kWide, "", "", {}, {kSaved}},
-        {"names at their longest", "BPRE", kNames, "", "", {false}, {TooWide("One line", "is", 211)}},
+        {"names at their longest", "BPRE", kNames, "", "", {false}, {TooWide(211)}},
         {"sample name", "BPRE", kNames, "[Fit]\r\nSampleName=ASH\r\n", "", {}, {kSaved}},  // "ASH": 15 px
         {"named font offsets", "QLNE", kWide, "[Fit]\r\nQLNEGlyphs=1FF300\r\nQLNEWidths=207300\r\n", "", {false},
-         {TooWide("One line", "is", 217)}},
+         {TooWide(217)}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

@@ -62,16 +62,12 @@ QWidget* MakeXPButtonGallery(QWidget* parent) {
             b->setGeometry(left + s * (kCellWidth + kGap), y, kCellWidth, kCellHeight);
             b->SetPictureNormal(picture);
             b->SetButtonType(style);  // after the geometry, so style 11 takes the right pixels
-            switch (s) {
-                case 1: b->SetDrawingState({.hover = true}); break;
-                case 2: b->SetDrawingState({.pressed = true}); break;
-                case 3: b->SetDrawingState({.focused = true}); break;
-                case 4: b->SetEnabled(false); break;
-                case 5:
-                    b->SetCheckBoxBehaviour(true);
-                    b->SetValue(true);
-                    break;
-                default: break;
+            const XPButton::DrawingState drawn[] = {{}, {.hover = true}, {.pressed = true}, {.focused = true}};
+            if (s >= 1 && s <= 3) b->SetDrawingState(drawn[s]);
+            if (s == 4) b->SetEnabled(false);
+            if (s == 5) {
+                b->SetCheckBoxBehaviour(true);
+                b->SetValue(true);
             }
         }
     }

@@ -11,9 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
 #include <utility>
-#include <vector>
 
 using namespace quillon::ui;
 
@@ -142,22 +140,18 @@ protected:
         window.activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
         // Each event as its name followed by its arguments.
-        auto log = [this](const char* name) {
-            return [this, name](const auto&... args) {
-                QStringList parts{QString::fromUtf8(name)};
+        const char* names[] = {"Click", "clicked", "MouseDown", "MouseUp", "KeyDown", "KeyUp", "KeyPress", "MouseOver",
+                               "MOUSEOUT"};
+        auto record = [&](auto... events) {
+            const char** name = names;
+            (QObject::connect(b(), events, [this, n = *name++](const auto&... args) {
+                QStringList parts{QString::fromUtf8(n)};
                 ((parts << QString::number(args)), ...);
                 seen << parts.join(' ');
-            };
+            }), ...);
         };
-        QObject::connect(b(), &XPButton::Click, log("Click"));
-        QObject::connect(b(), &XPButton::clicked, log("clicked"));
-        QObject::connect(b(), &XPButton::MouseDown, log("MouseDown"));
-        QObject::connect(b(), &XPButton::MouseUp, log("MouseUp"));
-        QObject::connect(b(), &XPButton::KeyDown, log("KeyDown"));
-        QObject::connect(b(), &XPButton::KeyUp, log("KeyUp"));
-        QObject::connect(b(), &XPButton::KeyPress, log("KeyPress"));
-        QObject::connect(b(), &XPButton::MouseOver, log("MouseOver"));
-        QObject::connect(b(), &XPButton::MOUSEOUT, log("MOUSEOUT"));
+        record(&XPButton::Click, &XPButton::clicked, &XPButton::MouseDown, &XPButton::MouseUp, &XPButton::KeyDown,
+               &XPButton::KeyUp, &XPButton::KeyPress, &XPButton::MouseOver, &XPButton::MOUSEOUT);
     }
     XPButton* b() { return buttons[0]; }
     int Clicks() const { return static_cast<int>(seen.count("Click")); }
