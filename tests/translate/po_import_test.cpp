@@ -41,16 +41,8 @@ struct Stage {
 };
 
 PoMessage Translated(std::string context, std::string str) { return {std::move(context), "-", std::move(str), {}, false}; }
-
-// Every text of the offset file as the export reads it, by context.
-std::map<std::string, std::string> TextsNow(const Stage& s) {
-    ExportRequest request{s.rom, s.offsets, s.dir / "again.po", {}, false};
-    NoProgress none;
-    ExportPo(request, none);
-    std::map<std::string, std::string> texts;
-    for (const auto& m : ReadPo(request.po).messages) texts[m.context] = m.id;
-    return texts;
-}
+// A text as stored, with its end byte.
+std::string Stored(const char* text, bool special = false) { return Bytes(EncodeText(text, special)) + "\xFF"; }
 
 TEST(Import, RoundTripOfAWholeGame) {
     Stage s;
@@ -85,7 +77,10 @@ TEST(Import, RoundTripOfAWholeGame) {
     EXPECT_TRUE(plan.refusals.empty()) << DescribePlan(plan);
     ASSERT_EQ(ApplyImport(plan).outcome, CommitOutcome::Written);
 
-    EXPECT_TRUE(TextsNow(s) == wanted);
+    ExportPo({s.rom, s.offsets, s.dir / "again.po", {}, false}, none);
+    std::map<std::string, std::string> textsNow;
+    for (const auto& m : ReadPo(s.dir / "again.po").messages) textsNow[m.context] = m.id;
+    EXPECT_TRUE(textsNow == wanted);
     std::string expected = game.image;
     for (const RomWrite& w : plan.writes.romWrites) expected.replace(w.offset, w.after.size(), w.after);
     const std::string image = ReadFile(s.rom);
@@ -105,11 +100,11 @@ class ImportKinds : public ::testing::Test {
 protected:
     void SetUp() override {
         StoryRom()
-            .Put(0x100000, Bytes(EncodeText("Hello", false)) + "\xFF")                          // in place
-            .Put(0x100010, Bytes(EncodeText("Goodbye", false)) + "\xFF")                        // shorter
-            .Put(0x100020, Bytes(EncodeText("Hi", false)) + "\xFF\xFF\xFF\xFF\xFF")             // grown
-            .Put(0x100030, Bytes(EncodeText("One\r\nTwo\r\nThree", true)) + "\xFF")             // moved, special
-            .Put(0x100050, Bytes(EncodeText("Yo", false)) + "\xFF")                             // moved
+            .Put(0x100000, Stored("Hello"))                        // in place
+            .Put(0x100010, Stored("Goodbye"))                      // shorter
+            .Put(0x100020, Stored("Hi") + "\xFF\xFF\xFF\xFF")          // grown
+            .Put(0x100030, Stored("One\r\nTwo\r\nThree", true))     // moved, special
+            .Put(0x100050, Stored("Yo"))                           // moved
             .Pointer(0x50000, 0x100030).Pointer(0x60001, 0x100030).Pointer(0x50010, 0x100050)
             .Save(s.rom);
         WriteFile(s.offsets,
@@ -132,19 +127,13 @@ TEST_F(ImportKinds, EachKindWritesWhatASaveWouldWrite) {
     EXPECT_EQ(plan.Count(ImportKind::Moved), 2u);
     ASSERT_EQ(ApplyImport(plan).outcome, CommitOutcome::Written);
 
-    const std::string rom = ReadFile(s.rom);
-    const std::string moved = Bytes(EncodeText("Uno\r\nDos\r\nTres y mas", true)) + "\xFF";
-    const std::string yo = Bytes(EncodeText("Yo yo yo", false)) + "\xFF";
+    const std::string rom = ReadFile(s.rom), moved = Stored("Uno\r\nDos\r\nTres y mas", true), yo = Stored("Yo yo yo");
     // Free space: a free byte before the first moved text and one behind each.
     const std::size_t first = 0x200001, second = first + moved.size() + 1;
-    struct Check {
-        std::size_t at;
-        std::string bytes;
-    };
-    const Check checks[] = {
-        {0x100000, Bytes(EncodeText("Jello", false)) + "\xFF"},
-        {0x100010, Bytes(EncodeText("Bye", false)) + std::string(5, '\xFF')},
-        {0x100020, Bytes(EncodeText("Hiya", false)) + "\xFF\xFF\xFF"},
+    const struct { std::size_t at; std::string bytes; } checks[] = {
+        {0x100000, Stored("Jello")},
+        {0x100010, Stored("Bye") + std::string(4, '\xFF')},
+        {0x100020, Stored("Hiya") + "\xFF\xFF"},
         {0x100030, std::string(14, '\xFF')},  // the old text cleared
         {first - 1, "\xFF" + moved + "\xFF" + yo + "\xFF"},
         {0x50000, PointerBytes(first)},
@@ -153,10 +142,8 @@ TEST_F(ImportKinds, EachKindWritesWhatASaveWouldWrite) {
     };
     for (const auto& c : checks) EXPECT_EQ(rom.substr(c.at, c.bytes.size()), c.bytes) << std::hex << c.at;
     EXPECT_EQ(plan.freeUsed, moved.size() + yo.size());
-    char secondHex[16];
-    std::snprintf(secondHex, sizeof secondHex, "%zX", second);
     EXPECT_EQ(ReadFile(s.offsets), "[A]\r\nSame=100000\r\nShort=100010\r\nGrow=100020\r\nMove=200001\r\n"
-                                   "Also=200001\r\nYo=" + std::string(secondHex) + "\r\n");
+                                   "Also=200001\r\nYo=" + PadHex(second) + "\r\n");
     EXPECT_NE(before, rom);
 }
 
@@ -165,8 +152,10 @@ TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
               "[A]\r\nSame=100000\r\nShort=100010\r\nMove=100030\r\nYo=100050\r\nLow=F0000\r\n"
               "Head=20\r\nPast=900000\r\n");
     std::string rom = ReadFile(s.rom);
-    rom.replace(0xF0000, 4, Bytes(EncodeText("Low", false)) + "\xFF");
-    WriteFile(s.rom, rom);
+    rom.replace(0xF0000, 4, Stored("Low"));
+    std::string withoutPointers = rom;
+    withoutPointers.replace(0x50000, 4, "\x01\x01\x01\x01").replace(0x60001, 4, "\x01\x01\x01\x01");
+    WriteFile(s.rom, withoutPointers);
     s.WriteTranslations({
         Translated("A/Same", "Price: 5\xE2\x82\xAC"),       // the euro sign has no byte
         Translated("A/Short", "Hey [FOO]"),                // no such tag
@@ -179,10 +168,6 @@ TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
         {"A/Fuzzy", "-", "fuzzy text", {}, true},
         Translated("A/Empty", ""),
     });
-    std::string withoutPointers = ReadFile(s.rom);
-    withoutPointers.replace(0x50000, 4, "\x01\x01\x01\x01");
-    withoutPointers.replace(0x60001, 4, "\x01\x01\x01\x01");
-    WriteFile(s.rom, withoutPointers);
 
     const ImportPlan plan = s.Plan();
     const std::map<std::string, std::string> expected = {
@@ -213,7 +198,6 @@ TEST_F(ImportKinds, ACutAtAnyWriteLeavesTheFilesAsBeforeOrAsAfter) {
     const std::string romBefore = ReadFile(s.rom), offsetsBefore = ReadFile(s.offsets);
     ASSERT_EQ(ApplyImport(s.Plan()).outcome, CommitOutcome::Written);
     const std::string romAfter = ReadFile(s.rom), offsetsAfter = ReadFile(s.offsets);
-
     int cutOffs = 0;
     for (int writes = 0; writes < 40; ++writes) {
         WriteFile(s.rom, romBefore);
@@ -224,9 +208,8 @@ TEST_F(ImportKinds, ACutAtAnyWriteLeavesTheFilesAsBeforeOrAsAfter) {
             if (ApplyImport(plan).outcome != CommitOutcome::Written) ++cutOffs;
         }
         RecoverPending(s.rom);
-        const std::string rom = ReadFile(s.rom), offsets = ReadFile(s.offsets);
-        EXPECT_TRUE((rom == romBefore && offsets == offsetsBefore) || (rom == romAfter && offsets == offsetsAfter))
-            << "cut after write " << writes;
+        const auto now = std::pair(ReadFile(s.rom), ReadFile(s.offsets));
+        EXPECT_TRUE(now == std::pair(romBefore, offsetsBefore) || now == std::pair(romAfter, offsetsAfter)) << writes;
         EXPECT_FALSE(FileExists(JournalPath(s.rom))) << writes;
     }
     EXPECT_GT(cutOffs, 2);
@@ -243,10 +226,7 @@ TEST_F(ImportKinds, PlanningReportsProgressStopsOnRequestAndChecksTheGame) {
     EXPECT_THROW(s.Plan(0x200000, &stopping), Cancelled);
     EXPECT_EQ(stopping.open, 0);
 
-    PoCatalog other;
-    other.header = {{"X-Game-Code", "BPEE"}};
-    other.messages = {Translated("A/Same", "Jello")};
-    WritePo(s.po, other);
+    WritePo(s.po, PoCatalog{{{"X-Game-Code", "BPEE"}}, {Translated("A/Same", "Jello")}});
     EXPECT_THROW(s.Plan(), PoError);
 }
 
