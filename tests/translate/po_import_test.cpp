@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 
 using namespace quillon;
@@ -24,19 +25,14 @@ namespace {
 // A folder with a ROM, its offset file and a PO file.
 struct Stage {
     TempDir dir;
-    std::filesystem::path rom = dir / "game.gba";
-    std::filesystem::path offsets = dir / "QLNE.ini";
-    std::filesystem::path po = dir / "texts.po";
+    std::filesystem::path rom = dir / "game.gba", offsets = dir / "QLNE.ini", po = dir / "texts.po";
 
     ImportPlan Plan(std::int32_t freeSpaceOffset = 0x200000, Progress* progress = nullptr) const {
         NoProgress none;
         return PlanImport({rom, offsets, po, freeSpaceOffset}, progress ? *progress : none);
     }
     void WriteTranslations(const std::vector<PoMessage>& messages) const {
-        PoCatalog catalog;
-        catalog.header = {{"Content-Type", "text/plain; charset=UTF-8"}, {"X-Game-Code", "QLNE"}};
-        catalog.messages = messages;
-        WritePo(po, catalog);
+        WritePo(po, {{{"Content-Type", "text/plain; charset=UTF-8"}, {"X-Game-Code", "QLNE"}}, messages});
     }
 };
 
@@ -87,9 +83,8 @@ TEST(Import, RoundTripOfAWholeGame) {
     EXPECT_TRUE(image == expected) << "bytes outside the planned ranges changed";
     for (const ImportChange& c : plan.changes) {
         if (c.kind != ImportKind::Moved) continue;
-        const GameText& t = *std::find_if(game.texts.begin(), game.texts.end(), [&](const GameText& g) {
-            return g.section + "/" + g.key == c.context;
-        });
+        const GameText& t =
+            *std::ranges::find(game.texts, c.context, [](const GameText& g) { return g.section + "/" + g.key; });
         for (std::uint32_t p : t.pointers) EXPECT_EQ(image.substr(p, 4), PointerBytes(c.newOffset)) << c.context;
         EXPECT_EQ(image[c.newOffset + c.newLength + 1], '\xFF') << "the byte behind " << c.context << " stays free";
     }
@@ -100,11 +95,9 @@ class ImportKinds : public ::testing::Test {
 protected:
     void SetUp() override {
         StoryRom()
-            .Put(0x100000, Stored("Hello"))                        // in place
-            .Put(0x100010, Stored("Goodbye"))                      // shorter
-            .Put(0x100020, Stored("Hi") + "\xFF\xFF\xFF\xFF")          // grown
-            .Put(0x100030, Stored("One\r\nTwo\r\nThree", true))     // moved, special
-            .Put(0x100050, Stored("Yo"))                           // moved
+            // In place, shorter, grown, moved (with special characters), moved.
+            .Put(0x100000, Stored("Hello")).Put(0x100010, Stored("Goodbye"))
+            .Put(0x100020, Stored("Hi") + "\xFF\xFF\xFF\xFF").Put(0x100030, Stored("One\r\nTwo\r\nThree", true)).Put(0x100050, Stored("Yo"))
             .Pointer(0x50000, 0x100030).Pointer(0x60001, 0x100030).Pointer(0x50010, 0x100050)
             .Save(s.rom);
         WriteFile(s.offsets,
