@@ -97,7 +97,8 @@ protected:
         StoryRom()
             // In place, shorter, grown, moved (with special characters), moved.
             .Put(0x100000, Stored("Hello")).Put(0x100010, Stored("Goodbye"))
-            .Put(0x100020, Stored("Hi") + "\xFF\xFF\xFF\xFF").Put(0x100030, Stored("One\r\nTwo\r\nThree", true)).Put(0x100050, Stored("Yo"))
+            .Put(0x100020, Stored("Hi") + "\xFF\xFF\xFF\xFF").Put(0x100030, Stored("One\r\nTwo\r\nThree", true))
+            .Put(0x100050, Stored("Yo"))
             .Pointer(0x50000, 0x100030).Pointer(0x60001, 0x100030).Pointer(0x50010, 0x100050)
             .Save(s.rom);
         WriteFile(s.offsets,
