@@ -26,11 +26,7 @@ TEST(UpdateFileName, OnlyPlainNamesAreSafeInTheUpdatesFolder) {
 }
 
 TEST(RedirectPolicy, FollowsHttpsAnywhereAndPlainHttpOnlyOnTheSameHost) {
-    struct Case {
-        const char* from;
-        const char* to;
-        bool allowed;
-    } cases[] = {
+    const struct { const char *from, *to; bool allowed; } cases[] = {
         {"http://a.test/x", "http://a.test/y", true},
         {"http://a.test:80/x", "http://A.TEST/y", true},
         {"http://a.test/x", "/elsewhere/y", true},
@@ -42,7 +38,7 @@ TEST(RedirectPolicy, FollowsHttpsAnywhereAndPlainHttpOnlyOnTheSameHost) {
         {"http://a.test/x", "ftp://a.test/y", false},
         {"http://a.test/x", "file:///etc/passwd", false},
     };
-    for (const Case& c : cases) EXPECT_EQ(RedirectAllowed(c.from, c.to), c.allowed) << c.from << " -> " << c.to;
+    for (const auto& c : cases) EXPECT_EQ(RedirectAllowed(c.from, c.to), c.allowed) << c.from << " -> " << c.to;
 }
 
 std::string Offer(const std::string& from, const std::string& to) {
@@ -54,11 +50,7 @@ std::string Offer(const std::string& from, const std::string& to) {
 using Check = UpdateFixture;
 
 TEST_F(Check, FetchesBothFilesThenComparesTheVersions) {
-    const struct {
-        std::string body, current, status;
-        bool offered;
-        std::vector<Shown> shown = {};
-    } cases[] = {
+    const struct { std::string body, current, status; bool offered; std::vector<Shown> shown = {}; } cases[] = {
         {"3.1.2", "3.1.1", Offer("3.1.1", "3.1.2"), true},
         {"3.1.1", "3.1.1", "There is no update available.", false},
         {"3.1", "3.1.1", "There is no update available.", false},
@@ -92,11 +84,7 @@ TEST_F(Check, FetchesBothFilesThenComparesTheVersions) {
 // Failures give their number and description. Plain HTTP may not leave the
 // host: that redirect is refused before any connection to the other address.
 TEST_F(Check, FailuresReportTheirNumberAndDescription) {
-    const struct {
-        HttpReply version, address;
-        std::size_t requests;
-        std::string title, description;
-    } cases[] = {
+    const struct { HttpReply version, address; std::size_t requests; std::string title, description; } cases[] = {
         {Status(404, "Not Found"), Body("x"), 1, "Error #404", "Not Found"},
         {Body("3.1.2"), Status(404, "Not Found"), 2, "Error #404", "Not Found"},
         {Status(503, "Service Unavailable"), Body("x"), 1, "Error #503", "Service Unavailable"},
@@ -115,9 +103,8 @@ TEST_F(Check, FailuresReportTheirNumberAndDescription) {
         CheckAndWait();
         EXPECT_EQ(server.Requests().size(), before + c.requests);
         EXPECT_EQ(form->lblUpdateMsg, "Update failed.");
-        EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Critical,
-                                                      "An error has occured. Update failed.\r\n\r\nError "
-                                                      "description: \r\n" + c.description, c.title)});
+        const std::string shown = "An error has occured. Update failed.\r\n\r\nError description: \r\n" + c.description;
+        EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Critical, shown, c.title)});
         ExpectReady();
     }
 }
@@ -139,18 +126,8 @@ std::set<std::string> FolderNames(const fs::path& folder) {
     return names;
 }
 
-class Download : public UpdateFixture {
-protected:
+struct Download : UpdateFixture {
     void SetUp() override { fs::create_directory(dir / "updates"); }
-    // Download from `url` as after a check that offered it, then wait until
-    // the transfer has ended.
-    void DownloadAndWait(std::string url) {
-        form->updateURL = std::move(url);
-        form->cmdDownloadVisible = true;
-        form->cmdCheckVisible = false;
-        form->Download();
-        ASSERT_TRUE(WaitUntil([&] { return form->DL().Running() == 0; }));
-    }
 };
 
 TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
@@ -202,11 +179,7 @@ TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
     form->DL().maxBytes = 4096;
     const Shown badName = Msg(Icon::Critical, "The update failed.", "Error 52: Bad file name or number");
     const Shown noFolder = Msg(Icon::Critical, "The update failed.", "Error 75: Path/File access error");
-    struct Case {
-        std::string url;
-        Shown shown;
-        bool fetched;
-    };
+    struct Case { std::string url; Shown shown; bool fetched; };
     std::vector<Case> cases;
     for (const char* name : {"", ".", "..", "..\\..\\evil.exe", "new.zip\r\n", "ne\x01w.zip"})
         cases.push_back({server.Url("/files/") + name, badName, false});
@@ -217,22 +190,21 @@ TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.url);
         const bool folder = c.shown != noFolder;
-        if (!folder) {
-            fs::remove_all(dir / "updates");
-            WriteFile(dir / "updates", "not a folder");
-        } else {
-            WriteFile(dir / "updates" / "new.zip", "an older update");
-        }
+        if (!folder) fs::remove_all(dir / "updates");
+        WriteFile(folder ? dir / "updates" / "new.zip" : dir / "updates", folder ? "an older update" : "not a folder");
         const std::size_t before = server.Requests().size();
-        DownloadAndWait(c.url);
+        // As after a check that offered it.
+        form->updateURL = c.url;
+        form->cmdDownloadVisible = true;
+        form->cmdCheckVisible = false;
+        form->Download();
+        ASSERT_TRUE(WaitUntil([&] { return form->DL().Running() == 0; }));
         EXPECT_EQ(user.Take(), std::vector<Shown>{c.shown});
         EXPECT_EQ(form->lblUpdateMsg, "Update failed.");
         EXPECT_EQ(server.Requests().size() > before, c.fetched);
         EXPECT_EQ(ReadFile(folder ? dir / "updates" / "new.zip" : dir / "updates"),
                   folder ? "an older update" : "not a folder");
-        if (folder) {
-            EXPECT_EQ(FolderNames(dir / "updates"), std::set<std::string>{"new.zip"});
-        }
+        if (folder) { EXPECT_EQ(FolderNames(dir / "updates"), std::set<std::string>{"new.zip"}); }
         ExpectReady();
     }
     EXPECT_EQ(FolderNames(dir.path()), std::set<std::string>{"updates"});
