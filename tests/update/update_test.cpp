@@ -41,9 +41,8 @@ TEST(RedirectPolicy, FollowsHttpsAnywhereAndPlainHttpOnlyOnTheSameHost) {
     for (const auto& c : cases) EXPECT_EQ(RedirectAllowed(c.from, c.to), c.allowed) << c.from << " -> " << c.to;
 }
 
-std::string Offer(const std::string& from, const std::string& to) {
-    return "There's an update from v" + from + " to v" + to + " available.";
-}
+std::string Offer(std::string from, std::string to) {
+    return "There's an update from v" + from + " to v" + to + " available."; }
 
 // The version file's body is compared with the running version character
 // code by character code, as it stands; exactly "no" switches the update off.
@@ -109,9 +108,6 @@ TEST_F(Check, FailuresReportTheirNumberAndDescription) {
     }
 }
 
-const Shown kFailed = Msg(Icon::Critical, "The update failed.", "Error");
-const Shown kSucceeded = Msg(Icon::Information, "The update was successfull.\r\nCheck the Updates folder!",
-                             "Update downloaded!");
 
 // Every byte value, repeated to `size` bytes.
 std::string Pattern(std::size_t size) {
@@ -142,7 +138,7 @@ TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
     CheckAndWait();
     ASSERT_TRUE(form->cmdDownloadVisible);
 
-    std::vector<std::pair<std::int32_t, std::string>> progress;
+    std::vector<std::pair<std::int32_t, std::string>> progress;  // each new label with its value
     form->OnChanged([&] {
         if (progress.empty() || progress.back().second != form->label1)
             progress.emplace_back(form->progValue, form->label1);
@@ -160,7 +156,9 @@ TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
     EXPECT_EQ(form->progMax, 65536);
     EXPECT_EQ(form->progValue, 0);
     EXPECT_EQ(form->lblUpdateMsg, "Update successfull.");
-    EXPECT_EQ(user.Take(), std::vector<Shown>{kSucceeded});
+    EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Information,
+                                                  "The update was successfull.\r\nCheck the Updates folder!",
+                                                  "Update downloaded!")});
     EXPECT_NE(server.Requests().back().head.find("cache-control: no-cache"), std::string::npos);
 }
 
@@ -177,15 +175,16 @@ TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
     server.Serve("/empty/new.zip", Body(""));
     server.Serve("/large/new.zip", Body(Pattern(8192)));
     form->DL().maxBytes = 4096;
+    const Shown failed = Msg(Icon::Critical, "The update failed.", "Error");
     const Shown badName = Msg(Icon::Critical, "The update failed.", "Error 52: Bad file name or number");
     const Shown noFolder = Msg(Icon::Critical, "The update failed.", "Error 75: Path/File access error");
     struct Case { std::string url; Shown shown; bool fetched; };
     std::vector<Case> cases;
     for (const char* name : {"", ".", "..", "..\\..\\evil.exe", "new.zip\r\n", "ne\x01w.zip"})
         cases.push_back({server.Url("/files/") + name, badName, false});
-    cases.push_back({"ftp://127.0.0.1/new.zip", kFailed, false});
+    cases.push_back({"ftp://127.0.0.1/new.zip", failed, false});
     for (const char* path : {"/missing", "/cut", "/cut-unsized", "/empty", "/large"})
-        cases.push_back({server.Url(path) + "/new.zip", kFailed, true});
+        cases.push_back({server.Url(path) + "/new.zip", failed, true});
     cases.push_back({server.Url("/files/new.zip"), noFolder, false});  // last: the folder becomes a file
     for (const auto& c : cases) {
         SCOPED_TRACE(c.url);
