@@ -62,8 +62,8 @@ TEST(Import, RoundTripOfAWholeGame) {
     for (std::size_t i = 0; i < game.texts.size(); ++i) {
         const GameText& t = game.texts[i];
         const std::size_t length = i % 10 == 0 ? t.length + t.room + 1 + i % 7 : 1 + (i * 31) % (t.length + t.room);
-        const std::string text = TextOfLength(length, static_cast<std::uint32_t>(i + 1000));
-        messages.push_back(Translated(t.section + "/" + t.key, ToPoText(text)));
+        const std::string text = ToPoText(TextOfLength(length, static_cast<std::uint32_t>(i + 1000)));
+        messages.push_back(Translated(t.section + "/" + t.key, text));
         wanted[messages.back().context] = messages.back().str;
     }
     s.WriteTranslations(messages);
@@ -101,9 +101,8 @@ protected:
             .Put(0x100050, Stored("Yo"))
             .Pointer(0x50000, 0x100030).Pointer(0x60001, 0x100030).Pointer(0x50010, 0x100050)
             .Save(s.rom);
-        WriteFile(s.offsets,
-                  "[A]\r\nSame=100000\r\nShort=100010\r\nGrow=100020\r\nMove=100030\r\nAlso=100030\r\n"
-                  "Yo=100050\r\n");
+        WriteFile(s.offsets, "[A]\r\nSame=100000\r\nShort=100010\r\nGrow=100020\r\nMove=100030\r\nAlso=100030\r\n"
+                             "Yo=100050\r\n");
         s.WriteTranslations({Translated("A/Same", "Jello"), Translated("A/Short", "Bye"),
                              Translated("A/Grow", "Hiya"), Translated("A/Move", "Uno\nDos\nTres y mas"),
                              Translated("A/Yo", "Yo yo yo")});
@@ -115,10 +114,9 @@ TEST_F(ImportKinds, EachKindWritesWhatASaveWouldWrite) {
     const std::string before = ReadFile(s.rom);
     const ImportPlan plan = s.Plan();
     ASSERT_TRUE(plan.refusals.empty()) << DescribePlan(plan);
-    EXPECT_EQ(plan.Count(ImportKind::InPlace), 1u);
-    EXPECT_EQ(plan.Count(ImportKind::Shorter), 1u);
-    EXPECT_EQ(plan.Count(ImportKind::Grown), 1u);
-    EXPECT_EQ(plan.Count(ImportKind::Moved), 2u);
+    for (auto [kind, n] : {std::pair{ImportKind::InPlace, 1u}, {ImportKind::Shorter, 1u}, {ImportKind::Grown, 1u},
+                           {ImportKind::Moved, 2u}})
+        EXPECT_EQ(plan.Count(kind), n) << static_cast<int>(kind);
     ASSERT_EQ(ApplyImport(plan).outcome, CommitOutcome::Written);
 
     const std::string rom = ReadFile(s.rom), moved = Stored("Uno\r\nDos\r\nTres y mas", true), yo = Stored("Yo yo yo");
@@ -130,9 +128,7 @@ TEST_F(ImportKinds, EachKindWritesWhatASaveWouldWrite) {
         {0x100020, Stored("Hiya") + "\xFF\xFF"},
         {0x100030, std::string(14, '\xFF')},  // the old text cleared
         {first - 1, "\xFF" + moved + "\xFF" + yo + "\xFF"},
-        {0x50000, PointerBytes(first)},
-        {0x60001, PointerBytes(first)},
-        {0x50010, PointerBytes(second)},
+        {0x50000, PointerBytes(first)}, {0x60001, PointerBytes(first)}, {0x50010, PointerBytes(second)},
     };
     for (const auto& c : checks) EXPECT_EQ(rom.substr(c.at, c.bytes.size()), c.bytes) << std::hex << c.at;
     EXPECT_EQ(plan.freeUsed, moved.size() + yo.size());
@@ -142,9 +138,8 @@ TEST_F(ImportKinds, EachKindWritesWhatASaveWouldWrite) {
 }
 
 TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
-    WriteFile(s.offsets,
-              "[A]\r\nSame=100000\r\nShort=100010\r\nMove=100030\r\nYo=100050\r\nLow=F0000\r\n"
-              "Head=20\r\nPast=900000\r\n");
+    WriteFile(s.offsets, "[A]\r\nSame=100000\r\nShort=100010\r\nMove=100030\r\nYo=100050\r\nLow=F0000\r\n"
+                         "Head=20\r\nPast=900000\r\n");
     std::string rom = ReadFile(s.rom);
     rom.replace(0xF0000, 4, Stored("Low"));
     std::string withoutPointers = rom;
@@ -156,11 +151,8 @@ TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
         Translated("A/Yo", "Y[&H01]"),                     // reads back as "YÀ"
         Translated("A/Move", "A text far longer than the old one, with no pointer left"),
         Translated("A/Low", "A longer text that must move"),
-        Translated("A/Head", "x"),
-        Translated("A/Past", "x"),
-        Translated("A/Nobody", "x"),
-        {"A/Fuzzy", "-", "fuzzy text", {}, true},
-        Translated("A/Empty", ""),
+        Translated("A/Head", "x"), Translated("A/Past", "x"), Translated("A/Nobody", "x"),
+        {"A/Fuzzy", "-", "fuzzy text", {}, true}, Translated("A/Empty", ""),
     });
 
     const ImportPlan plan = s.Plan();
@@ -170,8 +162,7 @@ TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
         {"A/Yo", "would not read back as written"},
         {"A/Move", "no pointer to it was found"},
         {"A/Low", "pointers can only be rewritten for offsets from 100000"},
-        {"A/Head", "lies in the cartridge header"},
-        {"A/Past", "lies past the end of the ROM"},
+        {"A/Head", "lies in the cartridge header"}, {"A/Past", "lies past the end of the ROM"},
         {"A/Nobody", "the offset file has no entry of this name"},
     };
     ASSERT_EQ(plan.refusals.size(), expected.size()) << DescribePlan(plan);
