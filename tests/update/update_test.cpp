@@ -116,6 +116,13 @@ std::string Pattern(std::size_t size) {
     return bytes;
 }
 
+HttpReply Slow(std::string body, std::size_t chunkSize, int chunkGapMs) {
+    HttpReply r = Body(std::move(body));
+    r.chunkSize = chunkSize;
+    r.chunkGapMs = chunkGapMs;
+    return r;
+}
+
 std::set<std::string> FolderNames(const fs::path& folder) {
     std::set<std::string> names;
     for (const auto& e : fs::directory_iterator(folder)) names.insert(e.path().filename().string());
@@ -128,10 +135,8 @@ struct Download : UpdateFixture {
 
 TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
     const std::string bytes = Pattern(64 * 1024);
-    HttpReply file = Body(bytes);
-    file.chunkSize = 16 * 1024;
-    file.chunkGapMs = 130;  // longer than the 100 ms Qt keeps between progress notices
-    server.Serve("/files/real.zip", file);
+    // The gap is longer than the 100 ms Qt keeps between progress notices.
+    server.Serve("/files/real.zip", Slow(bytes, 16 * 1024, 130));
     server.Serve("/files/new.zip", Redirect("/files/real.zip"));  // followed on the same host
     ServeFiles("3.1.2", server.Url("/files/new.zip"));
     WriteFile(dir / "updates" / "new.zip", "an older update");
@@ -190,7 +195,8 @@ TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
         SCOPED_TRACE(c.url);
         const bool folder = c.shown != noFolder;
         if (!folder) fs::remove_all(dir / "updates");
-        WriteFile(folder ? dir / "updates" / "new.zip" : dir / "updates", folder ? "an older update" : "not a folder");
+        const fs::path file = folder ? dir / "updates" / "new.zip" : dir / "updates";
+        WriteFile(file, folder ? "an older update" : "not a folder");
         const std::size_t before = server.Requests().size();
         // As after a check that offered it.
         form->updateURL = c.url;
@@ -201,8 +207,7 @@ TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
         EXPECT_EQ(user.Take(), std::vector<Shown>{c.shown});
         EXPECT_EQ(form->lblUpdateMsg, "Update failed.");
         EXPECT_EQ(server.Requests().size() > before, c.fetched);
-        EXPECT_EQ(ReadFile(folder ? dir / "updates" / "new.zip" : dir / "updates"),
-                  folder ? "an older update" : "not a folder");
+        EXPECT_EQ(ReadFile(file), folder ? "an older update" : "not a folder");
         if (folder) { EXPECT_EQ(FolderNames(dir / "updates"), std::set<std::string>{"new.zip"}); }
         ExpectReady();
     }
@@ -210,10 +215,7 @@ TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
 }
 
 TEST_F(Download, CancelAbandonsARunningTransfer) {
-    HttpReply slow = Body(Pattern(8192));
-    slow.chunkSize = 1024;
-    slow.chunkGapMs = 60;
-    server.Serve("/files/new.zip", slow);
+    server.Serve("/files/new.zip", Slow(Pattern(8192), 1024, 60));
     form->updateURL = server.Url("/files/new.zip");
     form->Download();
     ASSERT_TRUE(WaitUntil([&] { return form->progValue > 0; }));
