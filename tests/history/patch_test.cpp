@@ -22,10 +22,10 @@ std::uint32_t BitCrc(std::string_view s) {
     return ~c;
 }
 
-std::uint32_t Le32(std::string_view s, std::size_t at) {
-    std::uint32_t v = 0;
-    for (int k = 3; k >= 0; --k) v = v << 8 | static_cast<unsigned char>(s[at + k]);
-    return v;
+std::string Le32(std::uint32_t v) {
+    std::string s(4, '\0');
+    for (int k = 0; k < 4; ++k) s[k] = static_cast<char>(v >> (8 * k));
+    return s;
 }
 
 // An independent BPS decoder: returns the target, or fails the test.
@@ -65,9 +65,9 @@ std::string ReferenceDecode(std::string_view source, std::string_view patch) {
         }
     }
     EXPECT_EQ(out, target.size());
-    EXPECT_EQ(Le32(patch, end), BitCrc(source));
-    EXPECT_EQ(Le32(patch, end + 4), BitCrc(target));
-    EXPECT_EQ(Le32(patch, end + 8), BitCrc(patch.substr(0, end + 8)));
+    EXPECT_EQ(patch.substr(end, 4), Le32(BitCrc(source)));
+    EXPECT_EQ(patch.substr(end + 4, 4), Le32(BitCrc(target)));
+    EXPECT_EQ(patch.substr(end + 8, 4), Le32(BitCrc(patch.substr(0, end + 8))));
     return target;
 }
 
@@ -88,13 +88,11 @@ const std::size_t kImage = 1u << 20;
 
 const std::vector<Change> kChanges = {
     {"unchanged", [](std::string s) { return s; }, 40},
-    {"hundred_texts",
-     [](std::string s) {
+    {"hundred_texts", [](std::string s) {
          std::mt19937 rng(7);
          for (int k = 0; k < 100; ++k) s.replace(rng() % (s.size() - 64), 40, Noise(40, k));
          return s;
-     },
-     100 * 40 + 800},
+     }, 100 * 40 + 800},
     {"moved_block", [](std::string s) { return s.replace(0x80000, 0x8000, s.substr(0x1234, 0x8000)); }, 60},
     {"filled", [](std::string s) { return s.replace(0x40000, 0x10000, 0x10000, '\xFF'); }, 60},
     {"expanded", [](std::string s) { return s + std::string(kImage, '\xFF'); }, 60},
@@ -119,12 +117,8 @@ INSTANTIATE_TEST_SUITE_P(Images, BpsRoundTrip, ::testing::ValuesIn(kChanges),
 // A patch from parts (sizes 256 and 4, no metadata, then actions), with its
 // three checksums.
 std::string Assemble(std::string_view body, std::string_view source, std::string_view target) {
-    std::string p = "BPS1" + std::string(body);
-    for (std::uint32_t v : {BitCrc(source), BitCrc(target)})
-        for (int k = 0; k < 4; ++k) p.push_back(static_cast<char>(v >> (8 * k)));
-    const std::uint32_t own = BitCrc(p);
-    for (int k = 0; k < 4; ++k) p.push_back(static_cast<char>(own >> (8 * k)));
-    return p;
+    const std::string p = "BPS1" + std::string(body) + Le32(BitCrc(source)) + Le32(BitCrc(target));
+    return p + Le32(BitCrc(p));
 }
 
 TEST(BpsApply, RefusesWhatItCannotApplyFaithfully) {
@@ -149,7 +143,9 @@ TEST(BpsApply, RefusesWhatItCannotApplyFaithfully) {
         try {
             ApplyBps(c.source, c.patch);
             ADD_FAILURE() << "applied";
-        } catch (const PatchError& e) { EXPECT_NE(std::string(e.what()).find(c.message), std::string::npos) << e.what(); }
+        } catch (const PatchError& e) {
+            EXPECT_NE(std::string(e.what()).find(c.message), std::string::npos) << e.what();
+        }
     }
 }
 
