@@ -55,14 +55,9 @@ std::string ReferenceDecode(std::string_view source, std::string_view patch) {
         const int action = data & 3;
         if (action == 2) srcRel += delta();
         if (action == 3) dstRel += delta();
-        for (std::uint64_t k = 0; k < len; ++k, ++out) {
-            switch (action) {
-            case 0: target.at(out) = source.at(out); break;
-            case 1: target.at(out) = patch.at(p++); break;
-            case 2: target.at(out) = source.at(srcRel++); break;
-            case 3: target.at(out) = target.at(dstRel++); break;
-            }
-        }
+        for (std::uint64_t k = 0; k < len; ++k, ++out)
+            target.at(out) = action == 0 ? source.at(out) : action == 1 ? patch.at(p++)
+                           : action == 2 ? source.at(srcRel++) : target.at(dstRel++);
     }
     EXPECT_EQ(out, target.size());
     EXPECT_EQ(patch.substr(end, 4), Le32(BitCrc(source)));

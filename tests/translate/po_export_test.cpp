@@ -54,8 +54,7 @@ TEST_F(Export, OneMessagePerEntryAndTheReasonsForTheOthers) {
     const std::vector<std::pair<std::string, std::string>> skipped = {
         {"Bad/Header", "its offset 10 lies in the cartridge header"},
         {"Bad/Past", "its offset 400000 lies past the end of the ROM"},
-        {"Bad/Nonsense", "its offset 'XYZ' is not a hexadecimal number"},
-        {"Bad/Empty", "its text is empty"},
+        {"Bad/Nonsense", "its offset 'XYZ' is not a hexadecimal number"}, {"Bad/Empty", "its text is empty"},
     };
     ASSERT_EQ(summary.skipped.size(), skipped.size());
     for (std::size_t i = 0; i < skipped.size(); ++i)

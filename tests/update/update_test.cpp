@@ -27,16 +27,11 @@ TEST(UpdateFileName, OnlyPlainNamesAreSafeInTheUpdatesFolder) {
 
 TEST(RedirectPolicy, FollowsHttpsAnywhereAndPlainHttpOnlyOnTheSameHost) {
     const struct { const char *from, *to; bool allowed; } cases[] = {
-        {"http://a.test/x", "http://a.test/y", true},
-        {"http://a.test:80/x", "http://A.TEST/y", true},
-        {"http://a.test/x", "/elsewhere/y", true},
-        {"http://a.test:8080/x", "http://a.test:9090/y", false},
-        {"http://a.test/x", "http://b.test/y", false},
-        {"http://a.test/x", "https://b.test/y", true},
-        {"https://a.test/x", "https://b.test/y", true},
-        {"https://a.test/x", "http://a.test/y", false},
-        {"http://a.test/x", "ftp://a.test/y", false},
-        {"http://a.test/x", "file:///etc/passwd", false},
+        {"http://a.test/x", "http://a.test/y", true}, {"http://a.test:80/x", "http://A.TEST/y", true},
+        {"http://a.test/x", "/elsewhere/y", true}, {"http://a.test:8080/x", "http://a.test:9090/y", false},
+        {"http://a.test/x", "http://b.test/y", false}, {"http://a.test/x", "https://b.test/y", true},
+        {"https://a.test/x", "https://b.test/y", true}, {"https://a.test/x", "http://a.test/y", false},
+        {"http://a.test/x", "ftp://a.test/y", false}, {"http://a.test/x", "file:///etc/passwd", false},
     };
     for (const auto& c : cases) EXPECT_EQ(RedirectAllowed(c.from, c.to), c.allowed) << c.from << " -> " << c.to;
 }
