@@ -36,8 +36,9 @@ TEST(RedirectPolicy, FollowsHttpsAnywhereAndPlainHttpOnlyOnTheSameHost) {
     for (const auto& c : cases) EXPECT_EQ(RedirectAllowed(c.from, c.to), c.allowed) << c.from << " -> " << c.to;
 }
 
-std::string Offer(std::string from, std::string to) {
-    return "There's an update from v" + from + " to v" + to + " available."; }
+std::string Offer(std::string now, std::string next) {
+    return "There's an update from v" + now + " to v" + next + " available.";
+}
 
 // The version file's body is compared with the running version character
 // code by character code, as it stands; exactly "no" switches the update off.
