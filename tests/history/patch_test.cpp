@@ -35,12 +35,10 @@ std::string ReferenceDecode(std::string_view source, std::string_view patch) {
     std::size_t p = 4, out = 0, srcRel = 0, dstRel = 0;
     auto number = [&] {
         std::uint64_t data = 0, shift = 1;
-        for (;;) {
+        for (;; shift <<= 7, data += shift) {
             const auto x = static_cast<unsigned char>(patch.at(p++));
             data += (x & 0x7F) * shift;
             if (x & 0x80) return data;
-            shift <<= 7;
-            data += shift;
         }
     };
     auto delta = [&] {
