@@ -188,10 +188,8 @@ TEST_F(ImportKinds, ACutAtAnyWriteLeavesTheFilesAsBeforeOrAsAfter) {
         WriteFile(s.rom, romBefore);
         WriteFile(s.offsets, offsetsBefore);
         const ImportPlan plan = s.Plan();
-        {
-            io::ScopedWriteHook hook(io::StopAfterWrites(writes));
-            if (ApplyImport(plan).outcome != CommitOutcome::Written) ++cutOffs;
-        }
+        if (io::ScopedWriteHook hook(io::StopAfterWrites(writes)); ApplyImport(plan).outcome != CommitOutcome::Written)
+            ++cutOffs;
         RecoverPending(s.rom);
         const auto now = std::pair(ReadFile(s.rom), ReadFile(s.offsets));
         EXPECT_TRUE(now == std::pair(romBefore, offsetsBefore) || now == std::pair(romAfter, offsetsAfter)) << writes;
