@@ -13,8 +13,6 @@ using namespace std::string_literals;
 
 namespace {
 
-// ------------------------------------------------ an independent BPS decoder
-
 std::uint32_t BitCrc(std::string_view s) {
     std::uint32_t c = 0xFFFFFFFF;
     for (unsigned char b : s) {
@@ -24,58 +22,47 @@ std::uint32_t BitCrc(std::string_view s) {
     return ~c;
 }
 
-std::uint32_t Le32(std::string_view s, std::size_t at) {
-    std::uint32_t v = 0;
-    for (int k = 3; k >= 0; --k) v = v << 8 | static_cast<unsigned char>(s[at + k]);
-    return v;
+std::string Le32(std::uint32_t v) {
+    std::string s(4, '\0');
+    for (int k = 0; k < 4; ++k) s[k] = static_cast<char>(v >> (8 * k));
+    return s;
 }
 
-// Returns the target, or fails the test.
+// An independent BPS decoder: returns the target, or fails the test.
 std::string ReferenceDecode(std::string_view source, std::string_view patch) {
     EXPECT_EQ(patch.substr(0, 4), "BPS1");
     const std::size_t end = patch.size() - 12;
-    std::size_t p = 4;
+    std::size_t p = 4, out = 0, srcRel = 0, dstRel = 0;
     auto number = [&] {
         std::uint64_t data = 0, shift = 1;
-        for (;;) {
+        for (;; shift <<= 7, data += shift) {
             const auto x = static_cast<unsigned char>(patch.at(p++));
             data += (x & 0x7F) * shift;
             if (x & 0x80) return data;
-            shift <<= 7;
-            data += shift;
         }
+    };
+    auto delta = [&] {
+        const std::uint64_t v = number();
+        return (v & 1) ? -static_cast<std::int64_t>(v >> 1) : static_cast<std::int64_t>(v >> 1);
     };
     EXPECT_EQ(number(), source.size());
     std::string target(number(), '\0');
     p += number();
-    std::size_t out = 0, srcRel = 0, dstRel = 0;
     while (p < end) {
         const std::uint64_t data = number(), len = (data >> 2) + 1;
-        auto delta = [&] {
-            const std::uint64_t v = number();
-            return (v & 1) ? -static_cast<std::int64_t>(v >> 1) : static_cast<std::int64_t>(v >> 1);
-        };
-        switch (data & 3) {
-        case 0: for (std::uint64_t k = 0; k < len; ++k, ++out) target.at(out) = source.at(out); break;
-        case 1: for (std::uint64_t k = 0; k < len; ++k) target.at(out++) = patch.at(p++); break;
-        case 2:
-            srcRel += delta();
-            for (std::uint64_t k = 0; k < len; ++k) target.at(out++) = source.at(srcRel++);
-            break;
-        case 3:
-            dstRel += delta();
-            for (std::uint64_t k = 0; k < len; ++k) target.at(out++) = target.at(dstRel++);
-            break;
-        }
+        const int action = data & 3;
+        if (action == 2) srcRel += delta();
+        if (action == 3) dstRel += delta();
+        for (std::uint64_t k = 0; k < len; ++k, ++out)
+            target.at(out) = action == 0 ? source.at(out) : action == 1 ? patch.at(p++)
+                           : action == 2 ? source.at(srcRel++) : target.at(dstRel++);
     }
     EXPECT_EQ(out, target.size());
-    EXPECT_EQ(Le32(patch, end), BitCrc(source));
-    EXPECT_EQ(Le32(patch, end + 4), BitCrc(target));
-    EXPECT_EQ(Le32(patch, end + 8), BitCrc(patch.substr(0, end + 8)));
+    EXPECT_EQ(patch.substr(end, 4), Le32(BitCrc(source)));
+    EXPECT_EQ(patch.substr(end + 4, 4), Le32(BitCrc(target)));
+    EXPECT_EQ(patch.substr(end + 8, 4), Le32(BitCrc(patch.substr(0, end + 8))));
     return target;
 }
-
-// ------------------------------------------------------------ generated images
 
 std::string Noise(std::size_t size, unsigned seed) {
     std::mt19937 rng(seed);
@@ -92,64 +79,48 @@ struct Change {
 
 const std::size_t kImage = 1u << 20;
 
-std::vector<Change> Changes() {
-    return {
-        {"unchanged", [](std::string s) { return s; }, 40},
-        {"hundred_texts",
-         [](std::string s) {
-             std::mt19937 rng(7);
-             for (int k = 0; k < 100; ++k) s.replace(rng() % (s.size() - 64), 40, Noise(40, k));
-             return s;
-         },
-         100 * 40 + 800},
-        {"moved_block", [](std::string s) { return s.replace(0x80000, 0x8000, s.substr(0x1234, 0x8000)); }, 60},
-        {"filled", [](std::string s) { return s.replace(0x40000, 0x10000, 0x10000, '\xFF'); }, 60},
-        {"expanded", [](std::string s) { return s + std::string(kImage, '\xFF'); }, 60},
-        {"cut_short", [](std::string s) { return s.substr(0, s.size() / 3); }, 40},
-        {"all_new", [](std::string s) { return Noise(s.size() + 5, 99); }, kImage + 5 + 64},
-        {"from_nothing", [](std::string) { return std::string("new"); }, 40},
-    };
-}
+const std::vector<Change> kChanges = {
+    {"unchanged", [](std::string s) { return s; }, 40},
+    {"hundred_texts", [](std::string s) {
+         std::mt19937 rng(7);
+         for (int k = 0; k < 100; ++k) s.replace(rng() % (s.size() - 64), 40, Noise(40, k));
+         return s;
+     }, 100 * 40 + 800},
+    {"moved_block", [](std::string s) { return s.replace(0x80000, 0x8000, s.substr(0x1234, 0x8000)); }, 60},
+    {"filled", [](std::string s) { return s.replace(0x40000, 0x10000, 0x10000, '\xFF'); }, 60},
+    {"expanded", [](std::string s) { return s + std::string(kImage, '\xFF'); }, 60},
+    {"cut_short", [](std::string s) { return s.substr(0, s.size() / 3); }, 40},
+    {"all_new", [](std::string s) { return Noise(s.size() + 5, 99); }, kImage + 5 + 64},
+    {"from_nothing", [](std::string) { return std::string("new"); }, 40},
+};
 
 class BpsRoundTrip : public ::testing::TestWithParam<Change> {};
 
 TEST_P(BpsRoundTrip, AppliesHereAndInTheReferenceDecoderAndStaysSmall) {
     const std::string source = GetParam().name == std::string("from_nothing") ? "" : Noise(kImage, 1);
-    const std::string target = GetParam().apply(source);
-    const std::string patch = CreateBps(source, target, "note");
+    const std::string target = GetParam().apply(source), patch = CreateBps(source, target, "note");
     EXPECT_LE(patch.size(), GetParam().maxPatch);
     EXPECT_EQ(ApplyBps(source, patch), target);
     EXPECT_EQ(ReferenceDecode(source, patch), target);
 }
 
-INSTANTIATE_TEST_SUITE_P(Images, BpsRoundTrip, ::testing::ValuesIn(Changes()),
+INSTANTIATE_TEST_SUITE_P(Images, BpsRoundTrip, ::testing::ValuesIn(kChanges),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// ----------------------------------------------------------------- refusals
-
-// A patch from parts, with its three checksums.
+// A patch from parts (sizes 256 and 4, no metadata, then actions), with its
+// three checksums.
 std::string Assemble(std::string_view body, std::string_view source, std::string_view target) {
-    std::string p = "BPS1" + std::string(body);
-    for (std::uint32_t v : {BitCrc(source), BitCrc(target)})
-        for (int k = 0; k < 4; ++k) p.push_back(static_cast<char>(v >> (8 * k)));
-    const std::uint32_t own = BitCrc(p);
-    for (int k = 0; k < 4; ++k) p.push_back(static_cast<char>(own >> (8 * k)));
-    return p;
+    const std::string p = "BPS1" + std::string(body) + Le32(BitCrc(source)) + Le32(BitCrc(target));
+    return p + Le32(BitCrc(p));
 }
 
 TEST(BpsApply, RefusesWhatItCannotApplyFaithfully) {
-    const std::string source = Noise(256, 3), target = Noise(256, 4);
-    const std::string good = CreateBps(source, target);
-    std::string otherSource = source;
+    const std::string source = Noise(256, 3), target = Noise(256, 4), good = CreateBps(source, target);
+    std::string otherSource = source, flipped = good;
     otherSource[100] ^= 1;
-    std::string flipped = good;
     flipped[good.size() / 2] ^= 1;
-    // Sizes 256 and 4, no metadata, then one action.
     const std::string s4 = source.substr(0, 4);
-    struct Case {
-        const char* name;
-        std::string source, patch, message;
-    } cases[] = {
+    const struct { const char* name; std::string source, patch, message; } cases[] = {
         {"another_image", otherSource, good, "another image"},
         {"another_length", source + "x", good, "257"},
         {"damaged_patch", source, flipped, "checksum does not match its contents"},
@@ -171,14 +142,8 @@ TEST(BpsApply, RefusesWhatItCannotApplyFaithfully) {
     }
 }
 
-// ---------------------------------------------------------------------- IPS
-
 TEST(IpsApply, RecordsRunsEofAndTruncation) {
-    const std::string source = "0123456789";
-    struct Case {
-        const char* name;
-        std::string patch, result;  // empty result: refused
-    } cases[] = {
+    const struct { const char* name; std::string patch, result; /* empty: refused */ } cases[] = {
         {"plain", std::string("PATCH\x00\x00\x02\x00\x03" "abc" "EOF", 16), "01abc56789"},
         {"run", std::string("PATCH\x00\x00\x01\x00\x00\x00\x04Z" "EOF", 16), "0ZZZZ56789"},
         {"past_end", std::string("PATCH\x00\x00\x0C\x00\x02" "xy" "EOF", 15), std::string("0123456789\0\0xy", 14)},
@@ -189,11 +154,8 @@ TEST(IpsApply, RecordsRunsEofAndTruncation) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        if (c.result.empty()) {
-            EXPECT_THROW(ApplyPatch(source, c.patch), PatchError);
-        } else {
-            EXPECT_EQ(ApplyPatch(source, c.patch), c.result);
-        }
+        if (c.result.empty()) { EXPECT_THROW(ApplyPatch("0123456789", c.patch), PatchError); }
+        else { EXPECT_EQ(ApplyPatch("0123456789", c.patch), c.result); }
     }
 }
 

@@ -20,14 +20,11 @@ protected:
     void SetUp() override {
         StoryRom()
             .Put(0x100000, Bytes(EncodeText("Hello\r\nthere [PLAYER]", false)) + "\xFF\xFF\xFF\xFF")
-            .Pointer(0x50000, 0x100000)
-            .Pointer(0x60002, 0x100000)
-            .Put(0x100020, Bytes(EncodeText("Bye", false)) + "\xFF")
-            .Put(0x100030, "\xFF")
+            .Pointer(0x50000, 0x100000).Pointer(0x60002, 0x100000)
+            .Put(0x100020, Bytes(EncodeText("Bye", false)) + "\xFF").Put(0x100030, "\xFF")
             .Save(w.Rom());
-        w.WriteOffsetFile(
-            "[Town]\r\nMom=100000\r\nCaf\xE9=100020\r\n"
-            "[Bad]\r\nHeader=10\r\nPast=400000\r\nNonsense=XYZ\r\nEmpty=100030\r\n");
+        w.WriteOffsetFile("[Town]\r\nMom=100000\r\nCaf\xE9=100020\r\n"
+                          "[Bad]\r\nHeader=10\r\nPast=400000\r\nNonsense=XYZ\r\nEmpty=100030\r\n");
     }
     PoCatalog Run(std::optional<std::string> section = {}, bool fill = false) {
         const ExportRequest request{w.Rom(), w.OffsetFile(), w.dir / "out.po", std::move(section), fill};
@@ -49,18 +46,15 @@ TEST_F(Export, OneMessagePerEntryAndTheReasonsForTheOthers) {
         {"Town/Caf\xC3\xA9", "Bye", "", {"Offset: 100020\nBytes: 3\nRoom before a repoint: 0 bytes\nPointers: 0\n"}, false},
     };
     ASSERT_EQ(po.messages.size(), expected.size());
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_EQ(std::tie(po.messages[i].context, po.messages[i].id, po.messages[i].str, po.messages[i].comments),
-                  std::tie(expected[i].context, expected[i].id, expected[i].str, expected[i].comments));
-    }
+    const auto fields = [](const PoMessage& m) { return std::tie(m.context, m.id, m.str, m.comments); };
+    for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_EQ(fields(po.messages[i]), fields(expected[i]));
     EXPECT_EQ(HeaderField(po, kGameCodeField), "QLNE");
     EXPECT_EQ(HeaderField(po, kGameTitleField), "QUILLONTEST");
     EXPECT_EQ(progress.open, 0);
     const std::vector<std::pair<std::string, std::string>> skipped = {
         {"Bad/Header", "its offset 10 lies in the cartridge header"},
         {"Bad/Past", "its offset 400000 lies past the end of the ROM"},
-        {"Bad/Nonsense", "its offset 'XYZ' is not a hexadecimal number"},
-        {"Bad/Empty", "its text is empty"},
+        {"Bad/Nonsense", "its offset 'XYZ' is not a hexadecimal number"}, {"Bad/Empty", "its text is empty"},
     };
     ASSERT_EQ(summary.skipped.size(), skipped.size());
     for (std::size_t i = 0; i < skipped.size(); ++i)

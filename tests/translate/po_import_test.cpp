@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 
 using namespace quillon;
@@ -24,33 +25,20 @@ namespace {
 // A folder with a ROM, its offset file and a PO file.
 struct Stage {
     TempDir dir;
-    std::filesystem::path rom = dir / "game.gba";
-    std::filesystem::path offsets = dir / "QLNE.ini";
-    std::filesystem::path po = dir / "texts.po";
+    std::filesystem::path rom = dir / "game.gba", offsets = dir / "QLNE.ini", po = dir / "texts.po";
 
     ImportPlan Plan(std::int32_t freeSpaceOffset = 0x200000, Progress* progress = nullptr) const {
         NoProgress none;
         return PlanImport({rom, offsets, po, freeSpaceOffset}, progress ? *progress : none);
     }
     void WriteTranslations(const std::vector<PoMessage>& messages) const {
-        PoCatalog catalog;
-        catalog.header = {{"Content-Type", "text/plain; charset=UTF-8"}, {"X-Game-Code", "QLNE"}};
-        catalog.messages = messages;
-        WritePo(po, catalog);
+        WritePo(po, {{{"Content-Type", "text/plain; charset=UTF-8"}, {"X-Game-Code", "QLNE"}}, messages});
     }
 };
 
 PoMessage Translated(std::string context, std::string str) { return {std::move(context), "-", std::move(str), {}, false}; }
-
-// Every text of the offset file as the export reads it, by context.
-std::map<std::string, std::string> TextsNow(const Stage& s) {
-    ExportRequest request{s.rom, s.offsets, s.dir / "again.po", {}, false};
-    NoProgress none;
-    ExportPo(request, none);
-    std::map<std::string, std::string> texts;
-    for (const auto& m : ReadPo(request.po).messages) texts[m.context] = m.id;
-    return texts;
-}
+// A text as stored, with its end byte.
+std::string Stored(const char* text, bool special = false) { return Bytes(EncodeText(text, special)) + "\xFF"; }
 
 TEST(Import, RoundTripOfAWholeGame) {
     Stage s;
@@ -74,8 +62,8 @@ TEST(Import, RoundTripOfAWholeGame) {
     for (std::size_t i = 0; i < game.texts.size(); ++i) {
         const GameText& t = game.texts[i];
         const std::size_t length = i % 10 == 0 ? t.length + t.room + 1 + i % 7 : 1 + (i * 31) % (t.length + t.room);
-        const std::string text = TextOfLength(length, static_cast<std::uint32_t>(i + 1000));
-        messages.push_back(Translated(t.section + "/" + t.key, ToPoText(text)));
+        const std::string text = ToPoText(TextOfLength(length, static_cast<std::uint32_t>(i + 1000)));
+        messages.push_back(Translated(t.section + "/" + t.key, text));
         wanted[messages.back().context] = messages.back().str;
     }
     s.WriteTranslations(messages);
@@ -85,16 +73,18 @@ TEST(Import, RoundTripOfAWholeGame) {
     EXPECT_TRUE(plan.refusals.empty()) << DescribePlan(plan);
     ASSERT_EQ(ApplyImport(plan).outcome, CommitOutcome::Written);
 
-    EXPECT_TRUE(TextsNow(s) == wanted);
+    ExportPo({s.rom, s.offsets, s.dir / "again.po", {}, false}, none);
+    std::map<std::string, std::string> textsNow;
+    for (const auto& m : ReadPo(s.dir / "again.po").messages) textsNow[m.context] = m.id;
+    EXPECT_TRUE(textsNow == wanted);
     std::string expected = game.image;
     for (const RomWrite& w : plan.writes.romWrites) expected.replace(w.offset, w.after.size(), w.after);
     const std::string image = ReadFile(s.rom);
     EXPECT_TRUE(image == expected) << "bytes outside the planned ranges changed";
     for (const ImportChange& c : plan.changes) {
         if (c.kind != ImportKind::Moved) continue;
-        const GameText& t = *std::find_if(game.texts.begin(), game.texts.end(), [&](const GameText& g) {
-            return g.section + "/" + g.key == c.context;
-        });
+        const GameText& t =
+            *std::ranges::find(game.texts, c.context, [](const GameText& g) { return g.section + "/" + g.key; });
         for (std::uint32_t p : t.pointers) EXPECT_EQ(image.substr(p, 4), PointerBytes(c.newOffset)) << c.context;
         EXPECT_EQ(image[c.newOffset + c.newLength + 1], '\xFF') << "the byte behind " << c.context << " stays free";
     }
@@ -105,16 +95,14 @@ class ImportKinds : public ::testing::Test {
 protected:
     void SetUp() override {
         StoryRom()
-            .Put(0x100000, Bytes(EncodeText("Hello", false)) + "\xFF")                          // in place
-            .Put(0x100010, Bytes(EncodeText("Goodbye", false)) + "\xFF")                        // shorter
-            .Put(0x100020, Bytes(EncodeText("Hi", false)) + "\xFF\xFF\xFF\xFF\xFF")             // grown
-            .Put(0x100030, Bytes(EncodeText("One\r\nTwo\r\nThree", true)) + "\xFF")             // moved, special
-            .Put(0x100050, Bytes(EncodeText("Yo", false)) + "\xFF")                             // moved
+            // In place, shorter, grown, moved (with special characters), moved.
+            .Put(0x100000, Stored("Hello")).Put(0x100010, Stored("Goodbye"))
+            .Put(0x100020, Stored("Hi") + "\xFF\xFF\xFF\xFF").Put(0x100030, Stored("One\r\nTwo\r\nThree", true))
+            .Put(0x100050, Stored("Yo"))
             .Pointer(0x50000, 0x100030).Pointer(0x60001, 0x100030).Pointer(0x50010, 0x100050)
             .Save(s.rom);
-        WriteFile(s.offsets,
-                  "[A]\r\nSame=100000\r\nShort=100010\r\nGrow=100020\r\nMove=100030\r\nAlso=100030\r\n"
-                  "Yo=100050\r\n");
+        WriteFile(s.offsets, "[A]\r\nSame=100000\r\nShort=100010\r\nGrow=100020\r\nMove=100030\r\nAlso=100030\r\n"
+                             "Yo=100050\r\n");
         s.WriteTranslations({Translated("A/Same", "Jello"), Translated("A/Short", "Bye"),
                              Translated("A/Grow", "Hiya"), Translated("A/Move", "Uno\nDos\nTres y mas"),
                              Translated("A/Yo", "Yo yo yo")});
@@ -126,63 +114,46 @@ TEST_F(ImportKinds, EachKindWritesWhatASaveWouldWrite) {
     const std::string before = ReadFile(s.rom);
     const ImportPlan plan = s.Plan();
     ASSERT_TRUE(plan.refusals.empty()) << DescribePlan(plan);
-    EXPECT_EQ(plan.Count(ImportKind::InPlace), 1u);
-    EXPECT_EQ(plan.Count(ImportKind::Shorter), 1u);
-    EXPECT_EQ(plan.Count(ImportKind::Grown), 1u);
-    EXPECT_EQ(plan.Count(ImportKind::Moved), 2u);
+    for (auto [kind, n] : {std::pair{ImportKind::InPlace, 1u}, {ImportKind::Shorter, 1u}, {ImportKind::Grown, 1u},
+                           {ImportKind::Moved, 2u}})
+        EXPECT_EQ(plan.Count(kind), n) << static_cast<int>(kind);
     ASSERT_EQ(ApplyImport(plan).outcome, CommitOutcome::Written);
 
-    const std::string rom = ReadFile(s.rom);
-    const std::string moved = Bytes(EncodeText("Uno\r\nDos\r\nTres y mas", true)) + "\xFF";
-    const std::string yo = Bytes(EncodeText("Yo yo yo", false)) + "\xFF";
+    const std::string rom = ReadFile(s.rom), moved = Stored("Uno\r\nDos\r\nTres y mas", true), yo = Stored("Yo yo yo");
     // Free space: a free byte before the first moved text and one behind each.
     const std::size_t first = 0x200001, second = first + moved.size() + 1;
-    struct Check {
-        std::size_t at;
-        std::string bytes;
-    };
-    const Check checks[] = {
-        {0x100000, Bytes(EncodeText("Jello", false)) + "\xFF"},
-        {0x100010, Bytes(EncodeText("Bye", false)) + std::string(5, '\xFF')},
-        {0x100020, Bytes(EncodeText("Hiya", false)) + "\xFF\xFF\xFF"},
+    const struct { std::size_t at; std::string bytes; } checks[] = {
+        {0x100000, Stored("Jello")},
+        {0x100010, Stored("Bye") + std::string(4, '\xFF')},
+        {0x100020, Stored("Hiya") + "\xFF\xFF"},
         {0x100030, std::string(14, '\xFF')},  // the old text cleared
         {first - 1, "\xFF" + moved + "\xFF" + yo + "\xFF"},
-        {0x50000, PointerBytes(first)},
-        {0x60001, PointerBytes(first)},
-        {0x50010, PointerBytes(second)},
+        {0x50000, PointerBytes(first)}, {0x60001, PointerBytes(first)}, {0x50010, PointerBytes(second)},
     };
     for (const auto& c : checks) EXPECT_EQ(rom.substr(c.at, c.bytes.size()), c.bytes) << std::hex << c.at;
     EXPECT_EQ(plan.freeUsed, moved.size() + yo.size());
-    char secondHex[16];
-    std::snprintf(secondHex, sizeof secondHex, "%zX", second);
     EXPECT_EQ(ReadFile(s.offsets), "[A]\r\nSame=100000\r\nShort=100010\r\nGrow=100020\r\nMove=200001\r\n"
-                                   "Also=200001\r\nYo=" + std::string(secondHex) + "\r\n");
+                                   "Also=200001\r\nYo=" + PadHex(second) + "\r\n");
     EXPECT_NE(before, rom);
 }
 
 TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
-    WriteFile(s.offsets,
-              "[A]\r\nSame=100000\r\nShort=100010\r\nMove=100030\r\nYo=100050\r\nLow=F0000\r\n"
-              "Head=20\r\nPast=900000\r\n");
+    WriteFile(s.offsets, "[A]\r\nSame=100000\r\nShort=100010\r\nMove=100030\r\nYo=100050\r\nLow=F0000\r\n"
+                         "Head=20\r\nPast=900000\r\n");
     std::string rom = ReadFile(s.rom);
-    rom.replace(0xF0000, 4, Bytes(EncodeText("Low", false)) + "\xFF");
-    WriteFile(s.rom, rom);
+    rom.replace(0xF0000, 4, Stored("Low"));
+    std::string withoutPointers = rom;
+    withoutPointers.replace(0x50000, 4, "\x01\x01\x01\x01").replace(0x60001, 4, "\x01\x01\x01\x01");
+    WriteFile(s.rom, withoutPointers);
     s.WriteTranslations({
         Translated("A/Same", "Price: 5\xE2\x82\xAC"),       // the euro sign has no byte
         Translated("A/Short", "Hey [FOO]"),                // no such tag
         Translated("A/Yo", "Y[&H01]"),                     // reads back as "YÀ"
         Translated("A/Move", "A text far longer than the old one, with no pointer left"),
         Translated("A/Low", "A longer text that must move"),
-        Translated("A/Head", "x"),
-        Translated("A/Past", "x"),
-        Translated("A/Nobody", "x"),
-        {"A/Fuzzy", "-", "fuzzy text", {}, true},
-        Translated("A/Empty", ""),
+        Translated("A/Head", "x"), Translated("A/Past", "x"), Translated("A/Nobody", "x"),
+        {"A/Fuzzy", "-", "fuzzy text", {}, true}, Translated("A/Empty", ""),
     });
-    std::string withoutPointers = ReadFile(s.rom);
-    withoutPointers.replace(0x50000, 4, "\x01\x01\x01\x01");
-    withoutPointers.replace(0x60001, 4, "\x01\x01\x01\x01");
-    WriteFile(s.rom, withoutPointers);
 
     const ImportPlan plan = s.Plan();
     const std::map<std::string, std::string> expected = {
@@ -191,8 +162,7 @@ TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
         {"A/Yo", "would not read back as written"},
         {"A/Move", "no pointer to it was found"},
         {"A/Low", "pointers can only be rewritten for offsets from 100000"},
-        {"A/Head", "lies in the cartridge header"},
-        {"A/Past", "lies past the end of the ROM"},
+        {"A/Head", "lies in the cartridge header"}, {"A/Past", "lies past the end of the ROM"},
         {"A/Nobody", "the offset file has no entry of this name"},
     };
     ASSERT_EQ(plan.refusals.size(), expected.size()) << DescribePlan(plan);
@@ -213,20 +183,16 @@ TEST_F(ImportKinds, ACutAtAnyWriteLeavesTheFilesAsBeforeOrAsAfter) {
     const std::string romBefore = ReadFile(s.rom), offsetsBefore = ReadFile(s.offsets);
     ASSERT_EQ(ApplyImport(s.Plan()).outcome, CommitOutcome::Written);
     const std::string romAfter = ReadFile(s.rom), offsetsAfter = ReadFile(s.offsets);
-
     int cutOffs = 0;
     for (int writes = 0; writes < 40; ++writes) {
         WriteFile(s.rom, romBefore);
         WriteFile(s.offsets, offsetsBefore);
         const ImportPlan plan = s.Plan();
-        {
-            io::ScopedWriteHook hook(io::StopAfterWrites(writes));
-            if (ApplyImport(plan).outcome != CommitOutcome::Written) ++cutOffs;
-        }
+        if (io::ScopedWriteHook hook(io::StopAfterWrites(writes)); ApplyImport(plan).outcome != CommitOutcome::Written)
+            ++cutOffs;
         RecoverPending(s.rom);
-        const std::string rom = ReadFile(s.rom), offsets = ReadFile(s.offsets);
-        EXPECT_TRUE((rom == romBefore && offsets == offsetsBefore) || (rom == romAfter && offsets == offsetsAfter))
-            << "cut after write " << writes;
+        const auto now = std::pair(ReadFile(s.rom), ReadFile(s.offsets));
+        EXPECT_TRUE(now == std::pair(romBefore, offsetsBefore) || now == std::pair(romAfter, offsetsAfter)) << writes;
         EXPECT_FALSE(FileExists(JournalPath(s.rom))) << writes;
     }
     EXPECT_GT(cutOffs, 2);
@@ -243,10 +209,7 @@ TEST_F(ImportKinds, PlanningReportsProgressStopsOnRequestAndChecksTheGame) {
     EXPECT_THROW(s.Plan(0x200000, &stopping), Cancelled);
     EXPECT_EQ(stopping.open, 0);
 
-    PoCatalog other;
-    other.header = {{"X-Game-Code", "BPEE"}};
-    other.messages = {Translated("A/Same", "Jello")};
-    WritePo(s.po, other);
+    WritePo(s.po, PoCatalog{{{"X-Game-Code", "BPEE"}}, {Translated("A/Same", "Jello")}});
     EXPECT_THROW(s.Plan(), PoError);
 }
 

@@ -26,27 +26,18 @@ TEST(UpdateFileName, OnlyPlainNamesAreSafeInTheUpdatesFolder) {
 }
 
 TEST(RedirectPolicy, FollowsHttpsAnywhereAndPlainHttpOnlyOnTheSameHost) {
-    struct Case {
-        const char* from;
-        const char* to;
-        bool allowed;
-    } cases[] = {
-        {"http://a.test/x", "http://a.test/y", true},
-        {"http://a.test:80/x", "http://A.TEST/y", true},
-        {"http://a.test/x", "/elsewhere/y", true},
-        {"http://a.test:8080/x", "http://a.test:9090/y", false},
-        {"http://a.test/x", "http://b.test/y", false},
-        {"http://a.test/x", "https://b.test/y", true},
-        {"https://a.test/x", "https://b.test/y", true},
-        {"https://a.test/x", "http://a.test/y", false},
-        {"http://a.test/x", "ftp://a.test/y", false},
-        {"http://a.test/x", "file:///etc/passwd", false},
+    const struct { const char *from, *to; bool allowed; } cases[] = {
+        {"http://a.test/x", "http://a.test/y", true}, {"http://a.test:80/x", "http://A.TEST/y", true},
+        {"http://a.test/x", "/elsewhere/y", true}, {"http://a.test:8080/x", "http://a.test:9090/y", false},
+        {"http://a.test/x", "http://b.test/y", false}, {"http://a.test/x", "https://b.test/y", true},
+        {"https://a.test/x", "https://b.test/y", true}, {"https://a.test/x", "http://a.test/y", false},
+        {"http://a.test/x", "ftp://a.test/y", false}, {"http://a.test/x", "file:///etc/passwd", false},
     };
-    for (const Case& c : cases) EXPECT_EQ(RedirectAllowed(c.from, c.to), c.allowed) << c.from << " -> " << c.to;
+    for (const auto& c : cases) EXPECT_EQ(RedirectAllowed(c.from, c.to), c.allowed) << c.from << " -> " << c.to;
 }
 
-std::string Offer(const std::string& from, const std::string& to) {
-    return "There's an update from v" + from + " to v" + to + " available.";
+std::string Offer(std::string now, std::string next) {
+    return "There's an update from v" + now + " to v" + next + " available.";
 }
 
 // The version file's body is compared with the running version character
@@ -54,11 +45,7 @@ std::string Offer(const std::string& from, const std::string& to) {
 using Check = UpdateFixture;
 
 TEST_F(Check, FetchesBothFilesThenComparesTheVersions) {
-    const struct {
-        std::string body, current, status;
-        bool offered;
-        std::vector<Shown> shown = {};
-    } cases[] = {
+    const struct { std::string body, current, status; bool offered; std::vector<Shown> shown = {}; } cases[] = {
         {"3.1.2", "3.1.1", Offer("3.1.1", "3.1.2"), true},
         {"3.1.1", "3.1.1", "There is no update available.", false},
         {"3.1", "3.1.1", "There is no update available.", false},
@@ -92,11 +79,7 @@ TEST_F(Check, FetchesBothFilesThenComparesTheVersions) {
 // Failures give their number and description. Plain HTTP may not leave the
 // host: that redirect is refused before any connection to the other address.
 TEST_F(Check, FailuresReportTheirNumberAndDescription) {
-    const struct {
-        HttpReply version, address;
-        std::size_t requests;
-        std::string title, description;
-    } cases[] = {
+    const struct { HttpReply version, address; std::size_t requests; std::string title, description; } cases[] = {
         {Status(404, "Not Found"), Body("x"), 1, "Error #404", "Not Found"},
         {Body("3.1.2"), Status(404, "Not Found"), 2, "Error #404", "Not Found"},
         {Status(503, "Service Unavailable"), Body("x"), 1, "Error #503", "Service Unavailable"},
@@ -115,16 +98,12 @@ TEST_F(Check, FailuresReportTheirNumberAndDescription) {
         CheckAndWait();
         EXPECT_EQ(server.Requests().size(), before + c.requests);
         EXPECT_EQ(form->lblUpdateMsg, "Update failed.");
-        EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Critical,
-                                                      "An error has occured. Update failed.\r\n\r\nError "
-                                                      "description: \r\n" + c.description, c.title)});
+        const std::string shown = "An error has occured. Update failed.\r\n\r\nError description: \r\n" + c.description;
+        EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Critical, shown, c.title)});
         ExpectReady();
     }
 }
 
-const Shown kFailed = Msg(Icon::Critical, "The update failed.", "Error");
-const Shown kSucceeded = Msg(Icon::Information, "The update was successfull.\r\nCheck the Updates folder!",
-                             "Update downloaded!");
 
 // Every byte value, repeated to `size` bytes.
 std::string Pattern(std::size_t size) {
@@ -133,39 +112,34 @@ std::string Pattern(std::size_t size) {
     return bytes;
 }
 
+HttpReply Slow(std::string body, std::size_t chunkSize, int chunkGapMs) {
+    HttpReply r = Body(std::move(body));
+    r.chunkSize = chunkSize;
+    r.chunkGapMs = chunkGapMs;
+    return r;
+}
+
 std::set<std::string> FolderNames(const fs::path& folder) {
     std::set<std::string> names;
     for (const auto& e : fs::directory_iterator(folder)) names.insert(e.path().filename().string());
     return names;
 }
 
-class Download : public UpdateFixture {
-protected:
+struct Download : UpdateFixture {
     void SetUp() override { fs::create_directory(dir / "updates"); }
-    // Download from `url` as after a check that offered it, then wait until
-    // the transfer has ended.
-    void DownloadAndWait(std::string url) {
-        form->updateURL = std::move(url);
-        form->cmdDownloadVisible = true;
-        form->cmdCheckVisible = false;
-        form->Download();
-        ASSERT_TRUE(WaitUntil([&] { return form->DL().Running() == 0; }));
-    }
 };
 
 TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
     const std::string bytes = Pattern(64 * 1024);
-    HttpReply file = Body(bytes);
-    file.chunkSize = 16 * 1024;
-    file.chunkGapMs = 130;  // longer than the 100 ms Qt keeps between progress notices
-    server.Serve("/files/real.zip", file);
+    // The gap is longer than the 100 ms Qt keeps between progress notices.
+    server.Serve("/files/real.zip", Slow(bytes, 16 * 1024, 130));
     server.Serve("/files/new.zip", Redirect("/files/real.zip"));  // followed on the same host
     ServeFiles("3.1.2", server.Url("/files/new.zip"));
     WriteFile(dir / "updates" / "new.zip", "an older update");
     CheckAndWait();
     ASSERT_TRUE(form->cmdDownloadVisible);
 
-    std::vector<std::pair<std::int32_t, std::string>> progress;
+    std::vector<std::pair<std::int32_t, std::string>> progress;  // each new label with its value
     form->OnChanged([&] {
         if (progress.empty() || progress.back().second != form->label1)
             progress.emplace_back(form->progValue, form->label1);
@@ -183,7 +157,9 @@ TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
     EXPECT_EQ(form->progMax, 65536);
     EXPECT_EQ(form->progValue, 0);
     EXPECT_EQ(form->lblUpdateMsg, "Update successfull.");
-    EXPECT_EQ(user.Take(), std::vector<Shown>{kSucceeded});
+    EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Information,
+                                                  "The update was successfull.\r\nCheck the Updates folder!",
+                                                  "Update downloaded!")});
     EXPECT_NE(server.Requests().back().head.find("cache-control: no-cache"), std::string::npos);
 }
 
@@ -200,49 +176,42 @@ TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
     server.Serve("/empty/new.zip", Body(""));
     server.Serve("/large/new.zip", Body(Pattern(8192)));
     form->DL().maxBytes = 4096;
+    const Shown failed = Msg(Icon::Critical, "The update failed.", "Error");
     const Shown badName = Msg(Icon::Critical, "The update failed.", "Error 52: Bad file name or number");
     const Shown noFolder = Msg(Icon::Critical, "The update failed.", "Error 75: Path/File access error");
-    struct Case {
-        std::string url;
-        Shown shown;
-        bool fetched;
-    };
+    struct Case { std::string url; Shown shown; bool fetched; };
     std::vector<Case> cases;
     for (const char* name : {"", ".", "..", "..\\..\\evil.exe", "new.zip\r\n", "ne\x01w.zip"})
         cases.push_back({server.Url("/files/") + name, badName, false});
-    cases.push_back({"ftp://127.0.0.1/new.zip", kFailed, false});
+    cases.push_back({"ftp://127.0.0.1/new.zip", failed, false});
     for (const char* path : {"/missing", "/cut", "/cut-unsized", "/empty", "/large"})
-        cases.push_back({server.Url(path) + "/new.zip", kFailed, true});
+        cases.push_back({server.Url(path) + "/new.zip", failed, true});
     cases.push_back({server.Url("/files/new.zip"), noFolder, false});  // last: the folder becomes a file
     for (const auto& c : cases) {
         SCOPED_TRACE(c.url);
         const bool folder = c.shown != noFolder;
-        if (!folder) {
-            fs::remove_all(dir / "updates");
-            WriteFile(dir / "updates", "not a folder");
-        } else {
-            WriteFile(dir / "updates" / "new.zip", "an older update");
-        }
+        if (!folder) fs::remove_all(dir / "updates");
+        const fs::path file = folder ? dir / "updates" / "new.zip" : dir / "updates";
+        WriteFile(file, folder ? "an older update" : "not a folder");
         const std::size_t before = server.Requests().size();
-        DownloadAndWait(c.url);
+        // As after a check that offered it.
+        form->updateURL = c.url;
+        form->cmdDownloadVisible = true;
+        form->cmdCheckVisible = false;
+        form->Download();
+        ASSERT_TRUE(WaitUntil([&] { return form->DL().Running() == 0; }));
         EXPECT_EQ(user.Take(), std::vector<Shown>{c.shown});
         EXPECT_EQ(form->lblUpdateMsg, "Update failed.");
         EXPECT_EQ(server.Requests().size() > before, c.fetched);
-        EXPECT_EQ(ReadFile(folder ? dir / "updates" / "new.zip" : dir / "updates"),
-                  folder ? "an older update" : "not a folder");
-        if (folder) {
-            EXPECT_EQ(FolderNames(dir / "updates"), std::set<std::string>{"new.zip"});
-        }
+        EXPECT_EQ(ReadFile(file), folder ? "an older update" : "not a folder");
+        if (folder) { EXPECT_EQ(FolderNames(dir / "updates"), std::set<std::string>{"new.zip"}); }
         ExpectReady();
     }
     EXPECT_EQ(FolderNames(dir.path()), std::set<std::string>{"updates"});
 }
 
 TEST_F(Download, CancelAbandonsARunningTransfer) {
-    HttpReply slow = Body(Pattern(8192));
-    slow.chunkSize = 1024;
-    slow.chunkGapMs = 60;
-    server.Serve("/files/new.zip", slow);
+    server.Serve("/files/new.zip", Slow(Pattern(8192), 1024, 60));
     form->updateURL = server.Url("/files/new.zip");
     form->Download();
     ASSERT_TRUE(WaitUntil([&] { return form->progValue > 0; }));
