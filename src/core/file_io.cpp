@@ -12,9 +12,11 @@
 
 #if __has_include(<unistd.h>)
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #define QUILLON_HAVE_FSYNC 1
+#define QUILLON_HAVE_MMAP 1
 #endif
 
 namespace quillon::io {
@@ -262,6 +264,34 @@ std::size_t InputFile::Read(std::uint64_t offset, char* out, std::size_t count) 
     std::size_t got = std::fread(out, 1, count, f);
     if (got < count && std::ferror(f)) ThrowFileError(path_, "read", errno);
     return got;
+}
+
+MappedFile::MappedFile(const std::filesystem::path& path) {
+#ifdef QUILLON_HAVE_MMAP
+    std::error_code ec;
+    if (!std::filesystem::is_directory(path, ec)) {
+        const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        struct stat st {};
+        if (fd >= 0 && ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) {
+            const auto size = static_cast<std::size_t>(st.st_size);
+            void* p = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
+            if (p != MAP_FAILED) {
+                mapping_ = p;
+                view_ = {static_cast<const char*>(p), size};
+            }
+        }
+        if (fd >= 0) ::close(fd);
+        if (mapping_) return;
+    }
+#endif
+    copy_ = ReadAll(path);
+    view_ = copy_;
+}
+
+MappedFile::~MappedFile() {
+#ifdef QUILLON_HAVE_MMAP
+    if (mapping_) ::munmap(mapping_, view_.size());
+#endif
 }
 
 void RemoveFile(const std::filesystem::path& path) {

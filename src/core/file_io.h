@@ -64,6 +64,24 @@ private:
 // Whole file; throws FileError when it cannot be read.
 std::string ReadAll(const std::filesystem::path& path);
 
+// A whole file for reading, mapped from the system's cache where it can be
+// (no copy, no zero-filled buffer), else read into memory. For short read-only
+// work over a large file, such as planning a batch of writes.
+class MappedFile {
+public:
+    explicit MappedFile(const std::filesystem::path& path);
+    ~MappedFile();
+    MappedFile(const MappedFile&) = delete;
+    MappedFile& operator=(const MappedFile&) = delete;
+
+    std::string_view View() const { return view_; }
+
+private:
+    std::string_view view_;
+    void* mapping_ = nullptr;
+    std::string copy_;  // when the file could not be mapped
+};
+
 // Overwrites bytes in place without truncating; lengthens the file when the
 // block reaches past its end. The data is flushed to disk before returning.
 void WriteAt(const std::filesystem::path& path, std::uint64_t offset, std::string_view bytes);

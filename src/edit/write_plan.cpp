@@ -10,20 +10,31 @@
 #include <cstdio>
 #include <sstream>
 
+#include <zlib.h>
+
 namespace quillon {
 namespace {
 
-constexpr std::string_view kMagic = "QUILLON WRITE JOURNAL 2";
+constexpr std::string_view kMagic = "QUILLON WRITE JOURNAL 3";
+// Journals of the previous form, checked by FNV-1a, are still read back.
+constexpr std::string_view kMagicFnv = "QUILLON WRITE JOURNAL 2";
 
-std::string ToHex(std::string_view bytes) {
-    std::string hex;
-    hex.reserve(bytes.size() * 2);
-    for (char b : bytes) hex += ByteHex(b);
-    return hex;
+// Appends a byte string as one journal field: hex digits, "-" when empty.
+void AppendField(std::string& out, std::string_view bytes) {
+    static constexpr std::string_view kDigits = "0123456789ABCDEF";
+    if (bytes.empty()) {
+        out += '-';
+        return;
+    }
+    const std::size_t at = out.size();
+    out.resize(at + bytes.size() * 2);
+    char* w = out.data() + at;
+    for (const char c : bytes) {
+        const auto b = static_cast<unsigned char>(c);
+        *w++ = kDigits[b >> 4];
+        *w++ = kDigits[b & 0x0F];
+    }
 }
-
-// A byte string as one journal field: hex digits, "-" when empty.
-std::string Field(std::string_view bytes) { return bytes.empty() ? "-" : ToHex(bytes); }
 std::string Unfield(const std::string& field) { return field == "-" ? std::string() : HexToBytes(field); }
 
 std::string OffsetText(std::uint64_t offset) {
@@ -32,8 +43,20 @@ std::string OffsetText(std::uint64_t offset) {
     return buf;
 }
 
-// FNV-1a over the journal's lines, so a damaged journal is never replayed.
+// CRC-32 over the journal's lines, so a damaged journal is never replayed.
 std::string Checksum(std::string_view text) {
+    uLong crc = crc32(0L, Z_NULL, 0);
+    for (std::string_view rest = text; !rest.empty();) {
+        const auto n = static_cast<uInt>(std::min<std::size_t>(rest.size(), 1u << 30));
+        crc = crc32(crc, reinterpret_cast<const Bytef*>(rest.data()), n);
+        rest.remove_prefix(n);
+    }
+    char buf[16];
+    std::snprintf(buf, sizeof buf, "%08lx", static_cast<unsigned long>(crc));
+    return buf;
+}
+
+std::string FnvChecksum(std::string_view text) {
     std::uint64_t h = 1469598103934665603ull;
     for (char c : text) {
         h ^= static_cast<unsigned char>(c);
@@ -45,26 +68,46 @@ std::string Checksum(std::string_view text) {
 }
 
 std::string Serialize(const WritePlan& plan) {
-    std::ostringstream out;
-    out << kMagic << "\n";
-    out << "command " << Field(plan.command) << "\n";
-    out << "subject " << Field(plan.subject) << "\n";
-    out << "size " << plan.romSize << "\n";
+    std::size_t size = 256 + plan.command.size() * 2 + plan.subject.size() * 2;
     if (plan.offsetFile)
-        out << "ini " << Field(plan.offsetFile->string()) << " " << (plan.offsetBefore ? 1 : 0) << " "
-            << Field(plan.offsetBefore.value_or("")) << " " << Field(plan.offsetAfter) << "\n";
-    for (const auto& w : plan.romWrites)
-        out << "rom " << w.offset << " " << Field(w.before) << " " << Field(w.after) << "\n";
-    std::string body = out.str();
-    return body + "end " + Checksum(body) + "\n";
+        size += 2 * (plan.offsetFile->native().size() + plan.offsetBefore.value_or("").size() + plan.offsetAfter.size());
+    for (const auto& w : plan.romWrites) size += 32 + 4 * w.before.size();
+    std::string out;
+    out.reserve(size);
+    out.append(kMagic).append("\ncommand ");
+    AppendField(out, plan.command);
+    out += "\nsubject ";
+    AppendField(out, plan.subject);
+    out.append("\nsize ").append(std::to_string(plan.romSize)).append("\n");
+    if (plan.offsetFile) {
+        out += "ini ";
+        AppendField(out, plan.offsetFile->string());
+        out += plan.offsetBefore ? " 1 " : " 0 ";
+        AppendField(out, plan.offsetBefore.value_or(""));
+        out += ' ';
+        AppendField(out, plan.offsetAfter);
+        out += '\n';
+    }
+    for (const auto& w : plan.romWrites) {
+        out.append("rom ").append(std::to_string(w.offset)).append(" ");
+        AppendField(out, w.before);
+        out += ' ';
+        AppendField(out, w.after);
+        out += '\n';
+    }
+    const std::string checksum = Checksum(out);
+    out.append("end ").append(checksum).append("\n");
+    return out;
 }
 
 // Reads a journal back; nothing when it is damaged in any way.
 std::optional<WritePlan> Parse(const std::string& text, const std::filesystem::path& rom) {
     auto endAt = text.rfind("end ");
-    if (text.rfind(kMagic, 0) != 0 || endAt == std::string::npos || (endAt > 0 && text[endAt - 1] != '\n'))
+    const bool fnv = text.rfind(kMagicFnv, 0) == 0;
+    if ((!fnv && text.rfind(kMagic, 0) != 0) || endAt == std::string::npos || (endAt > 0 && text[endAt - 1] != '\n'))
         return std::nullopt;
-    if (text.substr(endAt) != "end " + Checksum(std::string_view(text).substr(0, endAt)) + "\n") return std::nullopt;
+    const std::string_view body = std::string_view(text).substr(0, endAt);
+    if (text.substr(endAt) != "end " + (fnv ? FnvChecksum(body) : Checksum(body)) + "\n") return std::nullopt;
     WritePlan plan;
     plan.rom = rom;
     std::istringstream in(text.substr(0, endAt));

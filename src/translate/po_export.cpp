@@ -36,7 +36,8 @@ std::string Comments(const EntryText& t, std::size_t pointers, const fit::Font* 
 }  // namespace
 
 ExportSummary ExportPo(const ExportRequest& request, Progress& progress) {
-    const std::string image = io::ReadAll(request.rom);
+    const io::MappedFile romFile(request.rom);
+    const std::string_view image = romFile.View();
     const std::string offsetText = io::ReadAll(request.offsetFile);
     const std::vector<OffsetEntry> entries = ReadOffsetEntries(offsetText);
     const std::string code = HeaderString(image, 0xAC, 4);

@@ -11,6 +11,11 @@
 #include <csetjmp>
 #include <memory>
 
+#if __has_include(<sys/mman.h>)
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
+
 namespace quillon {
 namespace {
 
@@ -19,6 +24,8 @@ namespace {
 struct Complaints {
     std::string first;
     std::jmp_buf fatal;
+    std::string readName;  // the name the library was given, when not the user's file
+    std::string userName;  // the file's name to show instead
 };
 thread_local Complaints* tComplaints = nullptr;
 
@@ -26,6 +33,7 @@ void Note(int severity, const char* filename, std::size_t lineno, const char* te
     if (severity == PO_SEVERITY_WARNING || !tComplaints) return;
     if (tComplaints->first.empty()) {
         std::string where = filename ? filename : "";
+        if (!tComplaints->readName.empty() && where == tComplaints->readName) where = tComplaints->userName;
         if (filename && lineno != static_cast<std::size_t>(-1)) where += ":" + std::to_string(lineno);
         tComplaints->first = (where.empty() ? "" : where + ": ") + (text ? text : "error");
     }
@@ -81,6 +89,82 @@ std::string Lower(std::string_view s) {
     return out;
 }
 
+const std::vector<std::string_view> kReadableCharsets = {"utf-8", "charset", "ascii", "us-ascii"};
+
+// The charset the header declares, as written, and where it stands in the
+// file; the name is empty when the header declares none on one line.
+struct DeclaredCharset {
+    std::size_t at = 0;
+    std::string name;
+};
+
+DeclaredCharset FindCharset(std::string_view text) {
+    // The header is the first entry: it ends where the second entry starts.
+    const std::size_t first = text.find("msgid ");
+    const std::size_t second = first == std::string_view::npos ? first : text.find("\nmsgid ", first);
+    const std::size_t context = text.find("\nmsgctxt ");
+    const std::string_view header = text.substr(0, std::min({second, context, text.size()}));
+    const std::size_t key = header.find("charset=");
+    if (key == std::string_view::npos) return {};
+    const std::size_t at = key + 8;
+    const std::size_t end = std::min(header.find_first_of("\\\" \n;", at), header.size());
+    return {at, std::string(header.substr(at, end - at))};
+}
+
+void CheckCharset(const std::string& declared) {
+    const std::string name = Lower(declared);
+    if (std::find(kReadableCharsets.begin(), kReadableCharsets.end(), name) == kReadableCharsets.end())
+        throw PoError("The PO file is written in " + name + "; save it as UTF-8.");
+}
+
+// libgettextpo converts a file declared as UTF-8 (or ASCII) to UTF-8 through
+// iconv one character at a time, which makes reading about three times
+// slower. It reads a file whose charset is the template placeholder "CHARSET"
+// byte for byte, so a UTF-8 file is handed to it with that declaration from a
+// copy in memory; its texts are checked as UTF-8 where they are used.
+class ByteForByteCopy {
+public:
+    explicit ByteForByteCopy(const std::filesystem::path& path) {
+#if __has_include(<sys/mman.h>)
+        std::string text = io::ReadAll(path);
+        const DeclaredCharset charset = FindCharset(text);
+        if (!charset.name.empty()) CheckCharset(charset.name);
+        if (charset.name.empty() || Lower(charset.name) == "charset") return;
+        text.replace(charset.at, charset.name.size(), "CHARSET");
+        fd_ = ::memfd_create("po", MFD_CLOEXEC);
+        if (fd_ < 0) return;
+        for (std::string_view rest = text; !rest.empty();) {
+            const ::ssize_t n = ::write(fd_, rest.data(), rest.size());
+            if (n <= 0) {
+                ::close(fd_);
+                fd_ = -1;
+                return;
+            }
+            rest.remove_prefix(static_cast<std::size_t>(n));
+        }
+        name_ = "/proc/self/fd/" + std::to_string(fd_);
+        declared_ = charset.name;
+#endif
+    }
+    ~ByteForByteCopy() {
+#if __has_include(<sys/mman.h>)
+        if (fd_ >= 0) ::close(fd_);
+#endif
+    }
+    ByteForByteCopy(const ByteForByteCopy&) = delete;
+    ByteForByteCopy& operator=(const ByteForByteCopy&) = delete;
+
+    // The name to hand to the library, or empty to read the file itself.
+    const std::string& Name() const { return name_; }
+    // The charset the file declared.
+    const std::string& Declared() const { return declared_; }
+
+private:
+    int fd_ = -1;
+    std::string name_;
+    std::string declared_;
+};
+
 }  // namespace
 
 void WritePo(const std::filesystem::path& path, const PoCatalog& catalog) {
@@ -123,8 +207,11 @@ void WritePo(const std::filesystem::path& path, const PoCatalog& catalog) {
 PoCatalog ReadPo(const std::filesystem::path& path) {
     std::error_code ec;
     if (!std::filesystem::is_regular_file(path, ec)) throw PoError("The PO file '" + path.string() + "' does not exist.");
+    const ByteForByteCopy copy(path);
     ComplaintScope scope;
-    PoFilePtr file(GuardedRead(path.string().c_str()));
+    scope.complaints.readName = copy.Name();
+    scope.complaints.userName = path.string();
+    PoFilePtr file(GuardedRead(copy.Name().empty() ? path.string().c_str() : copy.Name().c_str()));
     if (!file || !scope.complaints.first.empty())
         throw PoError("The PO file could not be read: " +
                       (scope.complaints.first.empty() ? path.string() : scope.complaints.first));
@@ -144,12 +231,12 @@ PoCatalog ReadPo(const std::filesystem::path& path) {
             text.remove_prefix(std::min(end + 1, text.size()));
         }
     }
-    const std::string contentType = Lower(HeaderField(catalog, "Content-Type"));
-    const std::size_t charset = contentType.find("charset=");
-    if (charset != std::string::npos) {
-        const std::string name = contentType.substr(charset + 8);
-        if (name != "utf-8" && name != "charset" && name != "ascii" && name != "us-ascii")
-            throw PoError("The PO file is written in " + name + "; save it as UTF-8.");
+    for (auto& [name, value] : catalog.header) {
+        if (name != "Content-Type") continue;
+        const std::size_t charset = Lower(value).find("charset=");
+        if (charset == std::string::npos) continue;
+        if (!copy.Declared().empty()) value.replace(charset + 8, std::string::npos, copy.Declared());
+        CheckCharset(value.substr(charset + 8));
     }
 
     for (const char* const* domain = po_file_domains(file.get()); *domain; ++domain) {

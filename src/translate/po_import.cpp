@@ -14,6 +14,8 @@
 #include <algorithm>
 #include <cctype>
 #include <map>
+#include <future>
+#include <optional>
 #include <unordered_map>
 
 namespace quillon {
@@ -83,6 +85,19 @@ struct Move {
     std::string bytes;   // new bytes, without terminator
 };
 
+// A translated message worked out ahead of the plan: its entry, its text and
+// what that text turns into. Independent for each message, so it runs on two
+// threads; encoding and its checks are most of the planning.
+struct Translated {
+    static constexpr std::size_t kNoText = static_cast<std::size_t>(-1);
+    std::size_t text = kNoText;  // index of its entry's text, when usable
+    std::string newText;         // as editor text
+    bool same = false;           // equal to the current text
+    Encoded encoded;             // when not the same
+    int widest = 0;
+    int linesOver = 0;
+};
+
 std::string Plural(std::size_t n, std::string_view one, std::string_view many) {
     return std::to_string(n) + " " + std::string(n == 1 ? one : many);
 }
@@ -95,22 +110,51 @@ std::size_t ImportPlan::Count(ImportKind kind) const {
 }
 
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
-    const PoCatalog catalog = ReadPo(request.po);
-    const std::string image = io::ReadAll(request.rom);
-    const std::string offsetText = io::ReadAll(request.offsetFile);
-    const std::vector<OffsetEntry> entries = ReadOffsetEntries(offsetText);
-    const std::string code = image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string();
+    // The PO file is read on a second thread while the ROM's side is prepared;
+    // a PO file that cannot be read is reported first, as when read first.
+    std::future<PoCatalog> reading = std::async(std::launch::async, [&request] { return ReadPo(request.po); });
+    std::optional<io::MappedFile> romFile;
+    std::string offsetText;
+    std::vector<OffsetEntry> entries;
+    std::vector<EntryText> texts;
+    std::vector<std::string> current;  // each text as editor text
+    std::optional<PointerIndex> pointers;
+    std::optional<FreeSpace> freeSpace;
+    std::string code;
+    char freeByte = '\xFF';
+    try {
+        romFile.emplace(request.rom);
+        offsetText = io::ReadAll(request.offsetFile);
+        entries = ReadOffsetEntries(offsetText);
+        const std::string_view image = romFile->View();
+        code = image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string_view();
+        freeByte = FreeRun(code, 1)[0];
+        texts = LoadEntryTexts(image, entries, freeByte, progress);
+        current.resize(texts.size());
+        std::vector<std::uint32_t> targets;
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            if (!texts[i].problem.empty()) continue;
+            current[i] = DecodeText(texts[i].bytes, false);
+            targets.push_back(texts[i].offset);
+        }
+        pointers.emplace(image, targets, progress);
+        const std::uint64_t firstFree = static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1);
+        freeSpace.emplace(image, freeByte, std::max<std::uint64_t>(firstFree, kLowestPointable),
+                          std::uint64_t{kHighestPointable} + 1, progress);
+    } catch (...) {
+        reading.get();
+        throw;
+    }
+    const PoCatalog catalog = reading.get();
+    const std::string_view image = romFile->View();
     const std::string poCode = HeaderField(catalog, kGameCodeField);
     if (!poCode.empty() && poCode != Latin1ToUtf8(code))
         throw PoError("The PO file was exported from the game " + poCode + ", not from this ROM (" +
                       Latin1ToUtf8(code) + ").");
-    const std::string freeRun = FreeRun(code, 1);
-    const char freeByte = freeRun[0];
     const fit::FontResult font = fit::LocateFont(image, request.fit.named);
     const fit::MeasureOptions measure = request.fit.Options();
 
-    const std::vector<EntryText> texts = LoadEntryTexts(image, entries, freeByte, progress);
-    std::unordered_map<std::string, std::size_t> byContext;
+    std::unordered_map<std::string_view, std::size_t> byContext;
     byContext.reserve(texts.size());
     std::vector<FreeSpace::Range> taken;
     for (std::size_t i = 0; i < texts.size(); ++i) {
@@ -129,8 +173,35 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         plan.refusals.push_back({context, std::move(reason)});
     };
 
+    std::vector<Translated> translated(catalog.messages.size());
+    auto translate = [&](std::size_t from, std::size_t to) {
+        for (std::size_t m = from; m < to; ++m) {
+            const PoMessage& message = catalog.messages[m];
+            if (message.str.empty() || message.fuzzy) continue;
+            const auto found = byContext.find(message.context);
+            if (found == byContext.end() || !texts[found->second].problem.empty()) continue;
+            Translated& tr = translated[m];
+            tr.text = found->second;
+            tr.newText = FromPoText(message.str);
+            tr.same = tr.newText == current[tr.text];
+            if (tr.same) continue;
+            tr.encoded = EncodeForImport(tr.newText, SavedAsSpecialDialog(texts[tr.text].bytes));
+            if (font.font && tr.encoded.refusal.empty()) {
+                const fit::Measure measured = fit::MeasureBytes(tr.encoded.bytes, *font.font, measure);
+                tr.widest = measured.WidestWidth();
+                tr.linesOver = measured.overCount;
+            }
+        }
+    };
+    {
+        const std::size_t half = translated.size() / 2;
+        std::future<void> secondHalf = std::async(std::launch::async, translate, half, translated.size());
+        translate(0, half);
+        secondHalf.get();
+    }
+
     Ranges written;
-    std::unordered_map<std::uint32_t, std::string> plannedAt;  // offset: the new text planned there
+    std::unordered_map<std::uint32_t, std::size_t> plannedAt;  // offset: the message whose text goes there
     std::vector<Move> moves;
     {
         ProgressStage stage(progress, "Planning the import", catalog.messages.size());
@@ -145,42 +216,36 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                 ++plan.fuzzy;
                 continue;
             }
-            auto found = byContext.find(message.context);
-            if (found == byContext.end()) {
-                refuse(message.context, "the offset file has no entry of this name");
+            Translated& tr = translated[m];
+            if (tr.text == Translated::kNoText) {
+                const auto found = byContext.find(message.context);
+                if (found == byContext.end())
+                    refuse(message.context, "the offset file has no entry of this name");
+                else
+                    refuse(texts[found->second].context, texts[found->second].problem);
                 continue;
             }
-            const EntryText& t = texts[found->second];
-            if (!t.problem.empty()) {
-                refuse(t.context, t.problem);
-                continue;
-            }
-            const std::string newText = FromPoText(message.str);
-            const std::string current = DecodeText(t.bytes, false);
+            const EntryText& t = texts[tr.text];
             if (auto planned = plannedAt.find(t.offset); planned != plannedAt.end()) {
-                if (planned->second == newText)
+                if (translated[planned->second].newText == tr.newText)
                     ++plan.unchanged;
                 else
                     refuse(t.context, "another entry with the same offset " + Hex(t.offset) + " gets another text");
                 continue;
             }
-            if (newText == current) {
+            if (tr.same) {
                 ++plan.unchanged;
                 continue;
             }
-            Encoded encoded = EncodeForImport(newText, SavedAsSpecialDialog(t.bytes));
+            Encoded& encoded = tr.encoded;
             if (!encoded.refusal.empty()) {
                 refuse(t.context, encoded.refusal);
                 continue;
             }
             const std::size_t oldLength = t.bytes.size();
             const std::size_t newLength = encoded.bytes.size();
-            ImportChange change{t.context, ImportKind::InPlace, t.offset, t.offset, oldLength, newLength, 0};
-            if (font.font) {
-                const fit::Measure m = fit::MeasureBytes(encoded.bytes, *font.font, measure);
-                change.widest = m.WidestWidth();
-                change.linesOver = m.overCount;
-            }
+            ImportChange change{t.context, ImportKind::InPlace, t.offset, t.offset, oldLength, newLength, 0,
+                                tr.widest, tr.linesOver};
             RomWrite write{t.offset, {}, {}};
             if (newLength <= oldLength) {
                 change.kind = newLength == oldLength ? ImportKind::InPlace : ImportKind::Shorter;
@@ -201,7 +266,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                 continue;
             }
             written.Add(t.offset, end);
-            plannedAt.emplace(t.offset, newText);
+            plannedAt.emplace(t.offset, m);
             if (change.kind == ImportKind::Grown) taken.push_back({t.offset, end + 1});
             if (change.kind == ImportKind::Moved) {
                 moves.push_back({plan.changes.size(), &t, std::move(encoded.bytes)});
@@ -211,16 +276,12 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         }
     }
 
-    // Moves: their pointers from one pass over the image, then free space
+    // Moves: their pointers from the one pass over the image, then free space
     // handed out once for all of them.
-    std::vector<std::uint32_t> targets;
-    for (const Move& move : moves) targets.push_back(move.text->offset);
-    const PointerIndex pointers(image, targets, progress);
     for (const Move& move : moves)
-        for (std::uint32_t at : pointers.Of(move.text->offset)) taken.push_back({at, at + 4u});
-    const std::uint64_t firstFree = static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1);
-    FreeSpace space(image, freeByte, std::max<std::uint64_t>(firstFree, kLowestPointable),
-                    std::uint64_t{kHighestPointable} + 1, std::move(taken), progress);
+        for (std::uint32_t at : pointers->Of(move.text->offset)) taken.push_back({at, at + 4u});
+    FreeSpace& space = *freeSpace;
+    space.Exclude(std::move(taken));
 
     std::vector<bool> dropped(plan.changes.size(), false);
     std::unordered_map<std::uint32_t, std::uint32_t> movedTo;
@@ -236,7 +297,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                  " to " + Hex(kHighestPointable));
             continue;
         }
-        const auto found = pointers.Of(change.offset);
+        const auto found = pointers->Of(change.offset);
         if (found.empty()) {
             drop("it needs moving, but no pointer to it was found");
             continue;
@@ -265,7 +326,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         const std::string oldPointer = PointerBytes(change.offset);
         const std::string newPointer = PointerBytes(*target);
         for (std::uint32_t at : found) plan.writes.romWrites.push_back({at, oldPointer, newPointer});
-        plan.writes.romWrites.push_back({*target, image.substr(*target, move.bytes.size() + 1), move.bytes + '\xFF'});
+        plan.writes.romWrites.push_back({*target, std::string(image.substr(*target, move.bytes.size() + 1)), move.bytes + '\xFF'});
     }
     plan.freeLeft = space.Left();
 

@@ -101,6 +101,19 @@ std::string Unwritable(std::string_view text) {
     return {};
 }
 
+// The first position from `from` on (before `end`) whose byte is not `b`;
+// eight bytes at a time, since free space runs for megabytes.
+std::uint64_t RunEnd(const char* data, std::uint64_t from, std::uint64_t end, char b) {
+    std::uint64_t all;
+    std::memset(&all, b, sizeof all);
+    for (std::uint64_t word; from + sizeof word <= end; from += sizeof word) {
+        std::memcpy(&word, data + from, sizeof word);
+        if (word != all) break;
+    }
+    while (from < end && data[from] == b) ++from;
+    return from;
+}
+
 }  // namespace
 
 std::vector<EntryText> LoadEntryTexts(std::string_view image, const std::vector<OffsetEntry>& entries,
@@ -171,7 +184,7 @@ std::string FromPoText(std::string_view poText) {
 
 Encoded EncodeForImport(std::string_view editorText, bool specialDialog) {
     if (std::string why = Unwritable(editorText); !why.empty()) return {{}, why};
-    std::string bytes = HexToBytes(EncodeText(editorText, specialDialog));
+    std::string bytes = codec::EncodeBytes(editorText, specialDialog);
     if (bytes.find('\xFF') != std::string::npos) return {{}, "it holds an end-of-text byte (FF) inside"};
     if (DecodeText(bytes, false) != editorText)
         return {{}, "its bytes would not read back as written (the game's table cannot reproduce it)"};
@@ -218,36 +231,40 @@ std::span<const std::uint32_t> PointerIndex::Of(std::uint32_t target) const {
 }
 
 FreeSpace::FreeSpace(std::string_view image, char freeByte, std::uint64_t begin, std::uint64_t end,
-                     std::vector<Range> taken, Progress& progress) {
+                     Progress& progress) {
     end = std::min<std::uint64_t>(end, image.size());
-    std::sort(taken.begin(), taken.end(), [](const Range& a, const Range& b) { return a.begin < b.begin; });
     ProgressStage stage(progress, "Looking for free space", end > begin ? end - begin : 0);
-    std::size_t next = 0;  // first taken range that may still meet a run
-    auto addRun = [&](std::uint64_t from, std::uint64_t to) {
-        while (next < taken.size() && taken[next].end <= from) ++next;
-        for (std::size_t k = next; k < taken.size() && taken[k].begin < to && from < to; ++k) {
-            if (taken[k].end <= from) continue;
-            if (taken[k].begin > from && taken[k].begin - from >= 3) runs_.push_back({from, taken[k].begin});
-            from = std::max(from, taken[k].end);
-        }
-        if (from < to && to - from >= 3) runs_.push_back({from, to});
-    };
     const char* data = image.data();
     std::uint64_t at = begin;
     std::uint64_t nextStep = begin + (std::uint64_t{1} << 20);
     while (at < end) {
         const void* hit = std::memchr(data + at, static_cast<unsigned char>(freeByte), end - at);
         if (!hit) break;
-        std::uint64_t from = static_cast<const char*>(hit) - data;
-        std::uint64_t to = from;
-        while (to < end && data[to] == freeByte) ++to;
-        if (to - from >= 3) addRun(from, to);
+        const std::uint64_t from = static_cast<const char*>(hit) - data;
+        const std::uint64_t to = RunEnd(data, from, end, freeByte);
+        if (to - from >= 3) runs_.push_back({from, to});
         at = to;
         if (at >= nextStep) {
             stage.Step(at - begin);
             nextStep = at + (std::uint64_t{1} << 20);
         }
     }
+}
+
+void FreeSpace::Exclude(std::vector<Range> taken) {
+    std::sort(taken.begin(), taken.end(), [](const Range& a, const Range& b) { return a.begin < b.begin; });
+    std::vector<Range> runs;
+    std::size_t next = 0;  // first taken range that may still meet a run
+    for (Range run : runs_) {
+        while (next < taken.size() && taken[next].end <= run.begin) ++next;
+        for (std::size_t k = next; k < taken.size() && taken[k].begin < run.end && run.begin < run.end; ++k) {
+            if (taken[k].end <= run.begin) continue;
+            if (taken[k].begin > run.begin && taken[k].begin - run.begin >= 3) runs.push_back({run.begin, taken[k].begin});
+            run.begin = std::max(run.begin, taken[k].end);
+        }
+        if (run.begin < run.end && run.end - run.begin >= 3) runs.push_back(run);
+    }
+    runs_ = std::move(runs);
     while (leaves_ < runs_.size()) leaves_ *= 2;
     longest_.assign(2 * leaves_, 0);
     for (std::size_t r = 0; r < runs_.size(); ++r) {

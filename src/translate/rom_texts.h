@@ -62,17 +62,18 @@ private:
 std::string PointerBytes(std::uint32_t offset);
 
 // Free space for moved texts: the runs of the free-space byte between `begin`
-// and `end` (0-based) outside the `taken` ranges. Each text is placed in the
-// first run that has a free byte before it, room for it and its terminator,
-// and a free byte behind it that stays free.
+// and `end` (0-based), found in one pass, less the ranges a plan takes. Each
+// text is placed in the first run that has a free byte before it, room for it
+// and its terminator, and a free byte behind it that stays free.
 class FreeSpace {
 public:
     struct Range {
         std::uint64_t begin;
         std::uint64_t end;
     };
-    FreeSpace(std::string_view image, char freeByte, std::uint64_t begin, std::uint64_t end,
-              std::vector<Range> taken, Progress& progress);
+    FreeSpace(std::string_view image, char freeByte, std::uint64_t begin, std::uint64_t end, Progress& progress);
+    // Leaves out bytes that are not free after all; call once, before Allocate.
+    void Exclude(std::vector<Range> taken);
     // The offset for `length` bytes (terminator included), or nothing.
     std::optional<std::uint32_t> Allocate(std::size_t length);
     // Free bytes not handed out.

@@ -198,7 +198,7 @@ TEST_F(ImportKinds, ACutAtAnyWriteLeavesTheFilesAsBeforeOrAsAfter) {
     EXPECT_GT(cutOffs, 2);
 }
 
-TEST_F(ImportKinds, PlanningReportsProgressStopsOnRequestAndChecksTheGame) {
+TEST_F(ImportKinds, PlanningReportsProgressStopsOnRequestAndChecksTheGameAndTheFile) {
     ProgressRecorder progress;
     s.Plan(0x200000, &progress);
     EXPECT_EQ(progress.open, 0);
@@ -211,6 +211,19 @@ TEST_F(ImportKinds, PlanningReportsProgressStopsOnRequestAndChecksTheGame) {
 
     WritePo(s.po, PoCatalog{{{"X-Game-Code", "BPEE"}}, {Translated("A/Same", "Jello")}});
     EXPECT_THROW(s.Plan(), PoError);
+
+    // A file in another charset, and a broken one: the message names the charset or the user's file.
+    const std::string header = "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=";
+    for (auto [text, named] : {std::pair{header + "ISO-8859-1\\n\"\n", std::string("written in iso-8859-1")},
+                               {header + "UTF-8\\n\"\n\nmsgctxt \"A/Same\"\nmsgid \"-\"\nmsgstr \"J\n", s.po.string() + ":"}}) {
+        WriteFile(s.po, text);
+        try {
+            s.Plan();
+            ADD_FAILURE() << text;
+        } catch (const PoError& e) {
+            EXPECT_NE(std::string(e.what()).find(named), std::string::npos) << e.what();
+        }
+    }
 }
 
 }  // namespace

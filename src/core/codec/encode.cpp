@@ -76,10 +76,11 @@ CodePoint NextCodePoint(std::string_view s, std::size_t i) {
 // character of a hex tag need their UTF-8 length.
 class Walker {
 public:
-    Walker(std::string_view text, bool specialDialog) : text_(text), specialDialog_(specialDialog) {}
+    Walker(std::string_view text, bool specialDialog, bool hex)
+        : text_(text), specialDialog_(specialDialog), hex_(hex) {}
 
     std::string Run() {
-        std::string out(text_.size() * 2, '\0');  // each step takes at least one input byte
+        std::string out(text_.size() * (hex_ ? 2 : 1), '\0');  // each step takes at least one input byte
         w_ = out.data();
         while (p_ < text_.size()) {
             Step();
@@ -103,8 +104,12 @@ private:
 
     void Emit(std::uint8_t byte, std::size_t consumed) {
         static constexpr std::string_view kDigits = "0123456789ABCDEF";
-        *w_++ = kDigits[byte >> 4];
-        *w_++ = kDigits[byte & 0x0F];
+        if (hex_) {
+            *w_++ = kDigits[byte >> 4];
+            *w_++ = kDigits[byte & 0x0F];
+        } else {
+            *w_++ = static_cast<char>(byte);
+        }
         p_ += std::min(consumed, Left());
     }
 
@@ -193,6 +198,7 @@ private:
 
     std::string_view text_;
     bool specialDialog_;
+    bool hex_;
     std::size_t p_ = 0;
     char* w_ = nullptr;
     bool quoteOpen_ = false;
@@ -203,7 +209,12 @@ private:
 
 std::string EncodeText(std::string_view text, bool specialDialog) {
     const std::string rewritten = codec::RewriteAll(std::string(text), codec::EncodeRewrites());
-    return Walker(rewritten, specialDialog).Run();
+    return Walker(rewritten, specialDialog, true).Run();
+}
+
+std::string codec::EncodeBytes(std::string_view text, bool specialDialog) {
+    const std::string rewritten = RewriteAll(std::string(text), EncodeRewrites());
+    return Walker(rewritten, specialDialog, false).Run();
 }
 
 bool IsHex(std::string_view s) {

@@ -48,4 +48,7 @@ std::span<const Rewrite> EncodeRewrites();
 // be formed across the edge of a replacement.
 std::string RewriteAll(std::string text, std::span<const Rewrite> rules);
 
+// The bytes of editor text, as EncodeText gives them in hex.
+std::string EncodeBytes(std::string_view text, bool specialDialog);
+
 }  // namespace quillon::codec
