@@ -8,7 +8,6 @@
 // and every planted pointer lies, so discovery and references can be scored.
 #include <cstddef>
 #include <cstdint>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -41,9 +40,5 @@ struct TextRom {
 };
 
 TextRom GenerateTextRom(std::uint32_t seed, std::size_t size = 16u << 20);
-
-// One encoded text of pseudo-words (without its terminator): dialogue with
-// line breaks, [PLAYER] and colour tags, menu labels, names with digits.
-std::string GenerateTextBytes(std::mt19937& rng);
 
 }  // namespace quillon::test
