@@ -7,8 +7,7 @@
 #include <random>
 
 using namespace quillon;
-using quillon::test::TempDir;
-using quillon::test::WriteFile;
+using namespace quillon::test;
 
 // The answer is the 0-based offset of the first exact match at or after the
 // 1-based start, 0 for none (so a match at offset 0 looks like none); a

@@ -26,9 +26,22 @@ struct HttpReply {
 };
 // A 200 reply with `body`; an error reply with its status and reason; a
 // redirect to `to`.
-inline HttpReply Body(std::string body) { return {.body = std::move(body)}; }
-inline HttpReply Status(int status, std::string reason) { return {.status = status, .reason = std::move(reason)}; }
-inline HttpReply Redirect(std::string to) { return {.status = 302, .reason = "Found", .location = std::move(to)}; }
+inline HttpReply Body(std::string body) {
+    HttpReply r;
+    r.body = std::move(body);
+    return r;
+}
+inline HttpReply Status(int status, std::string reason) {
+    HttpReply r;
+    r.status = status;
+    r.reason = std::move(reason);
+    return r;
+}
+inline HttpReply Redirect(std::string to) {
+    HttpReply r = Status(302, "Found");
+    r.location = std::move(to);
+    return r;
+}
 
 struct HttpRequest {
     std::string path;

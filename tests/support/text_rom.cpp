@@ -120,7 +120,6 @@ struct Region {
 TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
     Rng rng(seed);
     const std::size_t textCount = size / 2800;
-    std::vector<std::uint32_t> lengths(textCount);
     std::vector<bool> referenced(textCount);
     std::vector<Region> regions;
     // Text blocks of 30 to 300 texts, each text after the previous one's
@@ -129,7 +128,6 @@ TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
         Region& r = regions.emplace_back();
         for (std::size_t n = 30 + Below(rng, 271); n > 0 && i < textCount; --n, ++i) {
             const std::string text = Below(rng, 100) < 75 ? Dialogue(rng) : Label(rng);
-            lengths[i] = static_cast<std::uint32_t>(text.size());
             referenced[i] = !Chance(rng, 0.08);
             r.texts.push_back({r.bytes.size(), i});
             r.bytes += text + '\xFF';
@@ -237,7 +235,7 @@ TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
     TextRom rom;
     std::vector<std::uint32_t> referencedOffsets;
     for (std::size_t i = 0; i < textCount; ++i) {
-        rom.texts.push_back({textOffset[i], lengths[i], referenced[i]});
+        rom.texts.push_back({textOffset[i], referenced[i]});
         if (referenced[i]) referencedOffsets.push_back(textOffset[i]);
     }
     std::ranges::sort(rom.texts, {}, &PlantedText::offset);

@@ -15,7 +15,6 @@ namespace quillon::test {
 
 struct PlantedText {
     std::uint32_t offset = 0;
-    std::uint32_t length = 0;  // bytes before the 0xFF
     bool referenced = false;
 };
 
