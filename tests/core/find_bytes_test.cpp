@@ -52,7 +52,8 @@ TEST(FindBytes, FirstMatchAtOrAfterTheStartAgreesWithAPlainSearch) {
     for (const auto& [needle, from] : queries) {
         std::int32_t start = static_cast<std::int32_t>(from + 1);
         const std::size_t at = hay.find(needle, from);
-        EXPECT_EQ(FindBytes(dir / "f", needle, start), at == std::string::npos ? 0 : static_cast<std::int32_t>(at))
+        const std::int32_t expected = at == std::string::npos ? 0 : static_cast<std::int32_t>(at);
+        EXPECT_EQ(FindBytes(dir / "f", needle, start), expected)
             << "length " << needle.size() << " from " << from;
     }
 }

@@ -192,7 +192,8 @@ TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
                 } else if (what < 55) {
                     r.Slot(-1, Planted::Pool);
                 } else {
-                    const std::uint32_t v = Chance(rng, 0.5) ? Below(rng, 0x10000) : 0x02000000u + Below(rng, 0x40000);
+                    const std::uint32_t v =
+                        Chance(rng, 0.5) ? Below(rng, 0x10000) : 0x02000000u + Below(rng, 0x40000);
                     for (int b = 0; b < 4; ++b) r.bytes += Byte(v >> (8 * b) & 0xFF);
                 }
             }
@@ -208,11 +209,10 @@ TextRom GenerateTextRom(std::uint32_t seed, std::size_t size) {
     if (used + freeTail > size) throw std::length_error("the image is too small for its contents");
     for (std::size_t left = size - freeTail - used; left > 64;) {
         const bool ffRun = Chance(rng, 0.15);
-        const std::size_t n = std::min<std::size_t>(left, ffRun ? 16 + Below(rng, 4096) : 4096 + Below(rng, 200000));
-        if (n < 4) break;
+        const std::size_t want = ffRun ? 16 + Below(rng, 4096) : 4096 + Below(rng, 200000);
         Region& r = regions.emplace_back();
         r.decoyArea = true;
-        r.bytes.resize(n & ~std::size_t{3}, '\xFF');
+        r.bytes.resize(std::min(left, want) & ~std::size_t{3}, '\xFF');  // at least 16 bytes
         if (!ffRun) std::ranges::generate(r.bytes, [&rng] { return static_cast<char>(rng() & 0xFF); });
         left -= r.bytes.size();
     }
