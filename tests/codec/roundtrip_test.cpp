@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <quillon/codec.h>
+#include <quillon/rom.h>
 
 #include <map>
 #include <string>
@@ -13,13 +14,8 @@ using quillon::EncodeText;
 using quillon::test::Bytes;
 
 std::string Hex(std::string_view bytes) {
-    static const char* digits = "0123456789ABCDEF";
     std::string out;
-    for (const char c : bytes) {
-        const auto b = static_cast<unsigned char>(c);
-        out += digits[b >> 4];
-        out += digits[b & 15];
-    }
+    for (const char c : bytes) out += quillon::ByteHex(c);
     return out;
 }
 

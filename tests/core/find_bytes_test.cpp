@@ -1,6 +1,5 @@
 #include <quillon/core.h>
 
-#include "support/rom_builder.h"
 #include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -8,18 +7,7 @@
 #include <random>
 
 using namespace quillon;
-using quillon::test::TempDir;
-using quillon::test::WriteFile;
-
-namespace {
-
-// The reference: the first match at or after the 0-based position `from`.
-std::int32_t Naive(const std::string& hay, const std::string& needle, std::size_t from) {
-    auto at = hay.find(needle, from);
-    return at == std::string::npos ? 0 : static_cast<std::int32_t>(at);
-}
-
-}  // namespace
+using namespace quillon::test;
 
 // The answer is the 0-based offset of the first exact match at or after the
 // 1-based start, 0 for none (so a match at offset 0 looks like none); a
@@ -43,36 +31,29 @@ TEST(FindBytes, SmallFiles) {
     }
 }
 
-TEST(FindBytes, FindsPatternsStraddlingEveryKindOfBlockBoundary) {
-    TempDir dir;
-    // Boundaries at 5000 (the classic block) and at the search's own block size.
-    for (std::size_t size : {std::size_t{12000}, std::size_t{3u << 20}}) {
-        for (std::size_t boundary : {std::size_t{5000}, std::size_t{1u << 20}, std::size_t{2u << 20}}) {
-            if (boundary + 10 > size) continue;
-            for (std::size_t shift = 0; shift < 4; ++shift) {
-                test::RomBuilder image(size, '\0');
-                std::size_t at = boundary - 2 + shift - 1;  // the pattern covers the boundary or touches it
-                image.Put(at, "\x01\x02\x03\x04");
-                image.Save(dir / "f");
-                std::int32_t start = 1;
-                EXPECT_EQ(FindBytes(dir / "f", "\x01\x02\x03\x04", start), static_cast<std::int32_t>(at))
-                    << "size " << size << " boundary " << boundary << " shift " << shift;
-            }
-        }
-    }
-}
-
+// Random needles, and one planted needle seen from starts that put it across,
+// just before or just after the edge of the search's first or second 1 MiB block.
 TEST(FindBytes, FirstMatchAtOrAfterTheStartAgreesWithAPlainSearch) {
     TempDir dir;
     std::mt19937 rng(7);
-    std::string hay(2'500'000, '\0');
+    std::string hay(3u << 20, '\0');
     for (char& c : hay) c = static_cast<char>(rng() % 3);  // few distinct bytes: many partial matches
+    const std::size_t planted = 2'200'000;
+    hay.replace(planted, 4, "\x03\x04\x05\x06");
     WriteFile(dir / "f", hay);
+    std::vector<std::pair<std::string, std::size_t>> queries;  // needle, 0-based start
+    for (std::size_t blocks : {1u, 2u})
+        for (std::size_t shift = 0; shift < 4; ++shift)
+            queries.push_back({hay.substr(planted, 4), planted + 3 - shift - (blocks << 20)});
     for (int round = 0; round < 40; ++round) {
-        std::size_t len = 1 + rng() % 12;
-        std::size_t from = rng() % hay.size();
-        std::string needle = hay.substr(rng() % (hay.size() - len), len);
+        const std::size_t len = 1 + rng() % 12;
+        queries.push_back({hay.substr(rng() % (hay.size() - len), len), rng() % hay.size()});
+    }
+    for (const auto& [needle, from] : queries) {
         std::int32_t start = static_cast<std::int32_t>(from + 1);
-        EXPECT_EQ(FindBytes(dir / "f", needle, start), Naive(hay, needle, from)) << "len " << len << " from " << from;
+        const std::size_t at = hay.find(needle, from);
+        const std::int32_t expected = at == std::string::npos ? 0 : static_cast<std::int32_t>(at);
+        EXPECT_EQ(FindBytes(dir / "f", needle, start), expected)
+            << "length " << needle.size() << " from " << from;
     }
 }

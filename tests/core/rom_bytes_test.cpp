@@ -8,21 +8,13 @@
 #include <string>
 
 using namespace quillon;
-using quillon::test::Bytes;
-using quillon::test::ReadFile;
-using quillon::test::TempDir;
-using quillon::test::WriteFile;
-
-namespace {
+using namespace quillon::test;
 
 class RomBytes : public ::testing::Test {
 protected:
-    void SetUp() override { rom = dir / "rom.gba"; }
     TempDir dir;
-    std::filesystem::path rom;
+    std::filesystem::path rom = dir / "rom.gba";
 };
-
-}  // namespace
 
 TEST_F(RomBytes, ReadBytesHexReadsCountBytesAndStopsAtTheEnd) {
     WriteFile(rom, Bytes("0102A0FF7E"));
@@ -46,7 +38,7 @@ TEST_F(RomBytes, ReadBytesUntilReturnsTheBytesBeforeTheTerminator) {
 }
 
 TEST_F(RomBytes, FindByteBackwardFindsTheStartOfTheText) {
-    test::RomBuilder image(2000, 'A');
+    RomBuilder image(2000, 'A');
     image.Put(100, "\xFF").Save(rom);
     EXPECT_EQ(FindByteBackward(rom, PadHex(101), 500, "FF"), "101");  // byte just before is 0xFF
     EXPECT_EQ(FindByteBackward(rom, PadHex(150), 500, "FF"), "101");
@@ -72,7 +64,7 @@ TEST_F(RomBytes, FailuresWriteNothing) {
     EXPECT_THROW(WriteBytesHex(rom, "1", "12G4"), TypeMismatch);
     EXPECT_THROW(WriteBytesHex(rom, "x", "1234"), TypeMismatch);
     EXPECT_THROW(ReadBytesHex(rom, "1 ", 2), TypeMismatch);
-    test::MakeReadOnly(rom);
+    MakeReadOnly(rom);
     EXPECT_THROW(WriteBytesHex(rom, "0", "FF"), FileError);
     EXPECT_EQ(ReadFile(rom), Bytes("00112233"));
     EXPECT_EQ(ReadBytesHex(rom, "0", 2), "0011");  // reading a protected file is fine
@@ -90,16 +82,9 @@ TEST_F(RomBytes, MissingFileRaisesFileErrorWithPathAndReason) {
     }
     EXPECT_THROW(WriteBytesHex(missing, "0", "00"), FileError);
     EXPECT_FALSE(FileExists(missing));  // a failed write creates nothing
+    EXPECT_FALSE(FileExists(""));
+    EXPECT_TRUE(FileExists(dir.path()));  // a folder exists, though it is no ROM
     std::int32_t start = 1;
     EXPECT_THROW(FindBytes(missing, "A", start), FileError);
     EXPECT_THROW(ReadBytesUntil(dir.path(), "0", 4, "FF"), FileError);  // a folder is no ROM
-}
-
-TEST(FileExistsTest, TreatsFoldersAsExistingAndEmptyPathAsMissing) {
-    TempDir dir;
-    EXPECT_TRUE(FileExists(dir.path()));
-    EXPECT_FALSE(FileExists(""));
-    EXPECT_FALSE(FileExists(dir / "missing"));
-    WriteFile(dir / "f", "x");
-    EXPECT_TRUE(FileExists(dir / "f"));
 }

@@ -71,20 +71,16 @@ TEST(MergeFoundTexts, SplitsCrowdedAreasAndNeverReusesASectionName) {
     EXPECT_EQ(keys, 652u);
 }
 
-// A ROM with three texts, referenced from a pointer table, for the stories.
-test::RomBuilder TextRom() {
-    test::RomBuilder rom = test::StoryRom();
-    const std::string texts = "\xFF" + Bytes("C2D9E0E0E300E8DCD9E6D9AD") + "\xFF" + Bytes("C1E3E3D800D8D5EDAB") + "\xFF";
-    rom.Put(0x180000, texts);
-    rom.Pointer(0x190000, 0x180001).Pointer(0x190004, 0x18000E);
-    return rom;
-}
-
-TEST(FindTextsInRom, AddsTheTextsAfterYesAndRebuildsTheTree) {
+// Opening a ROM without an offset file offers to look for its texts; they go
+// in after a yes, and neither a no nor a cancelled scan writes anything.
+TEST(FindTextsInRom, AddsTheTextsAfterYesOnlyAndRebuildsTheTree) {
     test::Workspace w;
-    TextRom().Save(w.Rom());
-    w.user.Yes().Yes();  // create the offset file, then look for the texts
-    w.user.Yes();        // add them
+    test::StoryRom()
+        .Put(0x180000, Bytes("FFC2D9E0E0E300E8DCD9E6D9ADFFC1E3E3D800D8D5EDABFF"))  // Hello there. / Good day!
+        .Pointer(0x190000, 0x180001)
+        .Pointer(0x190004, 0x18000E)
+        .Save(w.Rom());
+    w.user.Yes().Yes().No();  // create the offset file, look for the texts, but do not add them
     w.Open();
     const auto shown = w.user.Take();
     ASSERT_EQ(shown.size(), 5u);
@@ -92,35 +88,31 @@ TEST(FindTextsInRom, AddsTheTextsAfterYesAndRebuildsTheTree) {
     EXPECT_NE(shown[4].text.find("Found 2 texts in the ROM.\r\n0 of them are in the offset file already."),
               std::string::npos);
     EXPECT_NE(shown[4].text.find("180001  Hello there."), std::string::npos);
+    const std::string created = test::ReadFile(w.OffsetFile());
+    NoProgress quiet;
+    test::ProgressRecorder stop;
+    stop.stopAtStep = 1;
+    w.user.No();
+    EXPECT_FALSE(FindTextsInRom(w.session, quiet));
+    EXPECT_FALSE(FindTextsInRom(w.session, stop));
+    EXPECT_EQ(w.user.Take().size(), 1u);  // the question; the cancelled scan asks nothing
+    EXPECT_EQ(test::ReadFile(w.OffsetFile()), created);
+    EXPECT_TRUE(w.session.tree.Nodes().empty());
+
+    w.user.Yes();
+    EXPECT_TRUE(FindTextsInRom(w.session, quiet));
     const auto& nodes = w.session.tree.Nodes();
     ASSERT_EQ(nodes.size(), 3u);
     EXPECT_EQ(nodes[0].text, "Texts 180000-18FFFF");
     EXPECT_EQ(nodes[1].text, "Hello there.");
     EXPECT_EQ(nodes[2].text, "Good day!");
 
+    // A second scan finds nothing new and says so.
     const std::string file = test::ReadFile(w.OffsetFile());
-    NoProgress quiet;
-    w.user.Yes();  // a second scan finds nothing new and says so
+    w.user.Take();
     EXPECT_FALSE(FindTextsInRom(w.session, quiet));
     EXPECT_EQ(w.user.Take().at(0).kind, test::Shown::Message);
     EXPECT_EQ(test::ReadFile(w.OffsetFile()), file);
-    w.user.answers.clear();
-}
-
-TEST(FindTextsInRom, NoOrCancelWritesNothing) {
-    test::Workspace w;
-    TextRom().Save(w.Rom());
-    w.WriteOffsetFile("[Town]\r\nMom=100000\r\n");
-    w.Open();
-    w.user.Take();
-    w.user.No();
-    NoProgress quiet;
-    EXPECT_FALSE(FindTextsInRom(w.session, quiet));
-    test::ProgressRecorder stop;
-    stop.stopAtStep = 1;
-    EXPECT_FALSE(FindTextsInRom(w.session, stop));
-    EXPECT_EQ(w.user.Take().size(), 1u);  // the question; the cancelled scan asks nothing
-    EXPECT_EQ(test::ReadFile(w.OffsetFile()), "[Town]\r\nMom=100000\r\n");
 }
 
 }  // namespace

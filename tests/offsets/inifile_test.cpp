@@ -9,10 +9,7 @@
 #include <vector>
 
 using namespace quillon;
-using quillon::test::MakeReadOnly;
-using quillon::test::ReadFile;
-using quillon::test::TempDir;
-using quillon::test::WriteFile;
+using namespace quillon::test;
 namespace fs = std::filesystem;
 
 namespace {

@@ -20,7 +20,7 @@ RomBuilder& RomBuilder::Code(std::string_view code) { return Put(0xAC, code.subs
 RomBuilder& RomBuilder::Maker(std::string_view maker) { return Put(0xB0, maker.substr(0, 2)); }
 
 RomBuilder& RomBuilder::Put(std::size_t offset, std::string_view bytes) {
-    if (offset + bytes.size() > bytes_.size()) throw std::out_of_range("RomBuilder::Put past the end");
+    if (offset + bytes.size() > bytes_.size()) throw std::out_of_range("RomBuilder: past the end");
     bytes_.replace(offset, bytes.size(), bytes);
     return *this;
 }
@@ -28,15 +28,13 @@ RomBuilder& RomBuilder::Put(std::size_t offset, std::string_view bytes) {
 RomBuilder& RomBuilder::PutHex(std::size_t offset, std::string_view hex) { return Put(offset, Bytes(hex)); }
 
 RomBuilder& RomBuilder::Pointer(std::size_t offset, std::uint32_t target) {
-    if (offset + 4 > bytes_.size()) throw std::out_of_range("RomBuilder::Pointer past the end");
-    PutPointer(bytes_, offset, target);
-    return *this;
+    std::string bytes(4, '\0');
+    PutPointer(bytes, 0, target);
+    return Put(offset, bytes);
 }
 
 RomBuilder& RomBuilder::Fill(std::size_t offset, std::size_t count, char byte) {
-    if (offset + count > bytes_.size()) throw std::out_of_range("RomBuilder::Fill past the end");
-    bytes_.replace(offset, count, count, byte);
-    return *this;
+    return Put(offset, std::string(count, byte));
 }
 
 RomBuilder& RomBuilder::Font(std::string_view glyphs, char version, std::uint32_t glyphPointer,
@@ -50,16 +48,11 @@ RomBuilder& RomBuilder::Font(std::string_view glyphs, char version, std::uint32_
 void RomBuilder::Save(const std::filesystem::path& path) const { WriteFile(path, bytes_); }
 
 std::string Bytes(std::string_view hex) {
-    auto digit = [](char c) -> int {
-        if (c >= '0' && c <= '9') return c - '0';
-        if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-        if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-        throw std::invalid_argument("not a hex digit");
-    };
-    if (hex.size() % 2) throw std::invalid_argument("odd hex length");
+    if (hex.size() % 2 || hex.find_first_not_of("0123456789ABCDEFabcdef") != std::string_view::npos)
+        throw std::invalid_argument("not hex: " + std::string(hex));
     std::string out;
     for (std::size_t i = 0; i < hex.size(); i += 2)
-        out.push_back(static_cast<char>(digit(hex[i]) * 16 + digit(hex[i + 1])));
+        out.push_back(static_cast<char>(std::stoi(std::string(hex.substr(i, 2)), nullptr, 16)));
     return out;
 }
 

@@ -8,7 +8,6 @@
 // and every planted pointer lies, so discovery and references can be scored.
 #include <cstddef>
 #include <cstdint>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -16,7 +15,6 @@ namespace quillon::test {
 
 struct PlantedText {
     std::uint32_t offset = 0;
-    std::uint32_t length = 0;  // bytes before the 0xFF
     bool referenced = false;
 };
 
@@ -41,9 +39,5 @@ struct TextRom {
 };
 
 TextRom GenerateTextRom(std::uint32_t seed, std::size_t size = 16u << 20);
-
-// One encoded text of pseudo-words (without its terminator): dialogue with
-// line breaks, [PLAYER] and colour tags, menu labels, names with digits.
-std::string GenerateTextBytes(std::mt19937& rng);
 
 }  // namespace quillon::test

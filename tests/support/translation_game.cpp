@@ -5,19 +5,9 @@
 #include <quillon/codec.h>
 #include <quillon/rom.h>
 
-#include <cstdio>
 #include <random>
 
 namespace quillon::test {
-namespace {
-
-std::string HexText(std::uint32_t value) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "%X", value);
-    return buf;
-}
-
-}  // namespace
 
 std::string TextOfLength(std::size_t length, std::uint32_t seed) {
     static const char* const kPieces[] = {"a", "e", "o", "n", "s", "t", " ", "K", "R", "!", "\r\n", "[PLAYER]"};
@@ -71,7 +61,7 @@ GeneratedGame MakeGame(std::size_t size, std::size_t count, std::uint32_t seed) 
             section = t.section;
             game.offsetFile += "[" + section + "]\r\n";
         }
-        game.offsetFile += t.key + "=" + HexText(t.offset) + "\r\n";
+        game.offsetFile += t.key + "=" + PadHex(t.offset) + "\r\n";  // six digits
         game.texts.push_back(std::move(t));
     }
     return game;
