@@ -1,5 +1,6 @@
-// Saving texts: every length written where it fits, every refusal before the
-// first write, and what a save does when the world is hostile: cut off after
+// Showing and saving texts: selecting entries, the repoint counter, the table
+// choice, a text opened by its offset; every length written where it fits,
+// every refusal before the first write, and what a save does when the world is hostile: cut off after
 // any write, the ROM changed by another program, a journal left behind,
 // offsets that point where no text can be written.
 #include "core/file_io.h"
@@ -46,6 +47,12 @@ protected:
                std::string_view offsets = kOffsets, std::string_view key = "Mom") {
         w = std::make_unique<Workspace>(settings);
         w->OpenAt(rom, offsets, "Town", key);
+    }
+    // Mom reads "Hello" CR LF "i"; Kana holds accented letters ("kaki" in the
+    // Japanese table), Long no terminator within 10000 bytes, Bad no offset.
+    void BuildView() {
+        Build(Rom().Put(0x100000, Bytes("C2D9E0E0E3FEDDFF")).Put(0x100200, Bytes("0607FF")).Fill(0x180000, 12000, '\xBB'),
+              "FreeSpaceOffset=2097152", kOffsets + "Kana=100200\r\nLong=180000\r\nBad=XYZ\r\n");
     }
     // Mom edited to a text that must move: a repoint with three pointers.
     void Prepared() {
@@ -157,19 +164,98 @@ TEST_F(Save, RefusalsComeBeforeTheFirstWrite) {
     }
 }
 
-TEST_F(Save, ATextOpenedByOffsetNeverRewritesAnUnrelatedEntry) {
+TEST_F(Save, SelectingShowsTheTextAndTheCounterTellsBytesLeftOrBytesToRepoint) {
+    BuildView();
+    auto& c = w->session.controls;
+    EXPECT_EQ(c.text1.Text(), "Hello\r\ni");
+    EXPECT_EQ(c.offsetCaption, "100000");
+    EXPECT_TRUE(c.saveEnabled && c.tableEnabled && c.specialDialogEnabled);
+    EXPECT_FALSE(c.text1.readOnly);
+    const std::pair<const char*, const char*> cases[] = {
+        {"Hello\r\ni", "0 Characters left until repoint."},
+        {"Hell", "3 Characters left until repoint."},
+        {"Hello\r\ni[PLAYER]", "9 Characters to repoint."},  // the new length itself
+        {"", "7 Characters left until repoint."},
+    };
+    for (auto [text, caption] : cases) {
+        c.text1.SetText(text);
+        UpdateRepointCounter(w->session);
+        EXPECT_EQ(c.repointCaption, caption) << text;
+    }
+    std::int16_t key = 45;
+    EXPECT_FALSE(UpdateRepointCounter(w->session, key, true));
+    EXPECT_EQ(key, 0);  // Shift+Insert is swallowed
+    key = 45;
+    UpdateRepointCounter(w->session, key, false);
+    EXPECT_EQ(key, 45);
+    key = 93;
+    EXPECT_TRUE(UpdateRepointCounter(w->session, key, false));  // the context-menu key opens the menu
+
+    w->session.tree.Select(0);  // the section node
+    Text_Load(w->session);
+    EXPECT_EQ(c.text1.Text(), "");
+    EXPECT_EQ(c.offsetCaption, "");
+    EXPECT_FALSE(c.saveEnabled || c.tableEnabled || c.specialDialogEnabled);
+    EXPECT_EQ(c.repointCaption, "0 Characters left until repoint.");
+}
+
+TEST_F(Save, TheJapaneseTableShowsTheTextReadOnly) {
+    BuildView();
+    w->Select("Town", "Kana");
+    EXPECT_EQ(w->session.controls.text1.Text(), "ÉÊ");
+    ChooseTable(w->session, true);
+    EXPECT_EQ(w->session.controls.text1.Text(), "kaki");
+    EXPECT_TRUE(w->session.controls.text1.readOnly);
+    EXPECT_FALSE(w->session.controls.saveEnabled);
+    ChooseTable(w->session, false);
+    EXPECT_FALSE(w->session.controls.text1.readOnly);
+    EXPECT_TRUE(w->session.controls.saveEnabled);
+}
+
+TEST_F(Save, ALongTextIsCutAtTenThousandBytesAndABadOffsetShowsNothingNew) {
+    BuildView();
+    w->Select("Town", "Long");
+    EXPECT_EQ(w->session.controls.text1.Text(), std::string(10000, 'A'));
+    w->Select("Town", "Bad");
+    EXPECT_EQ(w->session.controls.offsetCaption, "XYZ");
+    EXPECT_EQ(w->session.oldTextLength, 0);
+    EXPECT_TRUE(w->user.Take().empty());  // errors end the load silently
+}
+
+TEST_F(Save, ATextOpenedByItsDecimalOffsetIsSavedWithoutTouchingAnEntry) {
     Build(Rom().Pointer(0x50020, 0x100100));
     // Mom stays selected; the text at 0x100100 ("Men") is opened by its offset.
-    w->user.Then(std::string("1048832")).Then(FakePrompter::AddOffsetAction([](AddOffsetForm&) {}));
+    std::string preset;
+    w->user.Then(std::string("1048832")).Then(FakePrompter::AddOffsetAction([&](AddOffsetForm& f) {
+        preset = f.offsetDecimal;
+        EXPECT_FALSE(f.offsetEnabled);
+    }));
     ViewOffset(w->session);
+    EXPECT_EQ(preset, "1048832");
+    EXPECT_EQ(w->user.inputDefaults.back(), "0");
+    EXPECT_EQ(w->user.Take().front(),
+              (Shown{Shown::Input, "Enter Text Offset to view (Dec):", "Text Offset", Icon::Question}));
     ASSERT_EQ(w->session.controls.text1.Text(), "Men");
     EXPECT_EQ(w->session.controls.offsetCaption, "100100");
-    w->user.Take();
     EXPECT_EQ(SaveAs("Menu!!", {true}), (std::vector<Shown>{kLonger, kSaved}));
     EXPECT_EQ(At(0x50020, 4), Bytes("01002008"));
     EXPECT_EQ(At(0x50000, 4), Bytes("00001008"));  // Mom's pointer is untouched
     EXPECT_EQ(ReadFile(w->OffsetFile()), kOffsets);
     EXPECT_EQ(w->session.controls.text1.Text(), "Menu!!");
+
+    for (const char* answer : {"0", ""}) {
+        w->user.Then(std::string(answer));
+        ViewOffset(w->session);
+        EXPECT_EQ(w->session.controls.text1.Text(), "") << answer;
+        EXPECT_EQ(w->session.controls.offsetCaption, "") << answer;
+        EXPECT_FALSE(w->session.controls.saveEnabled);
+    }
+    w->user.Take();
+    w->user.Then(std::string("12x"));
+    ViewOffset(w->session);
+    auto last = w->user.Take();
+    ASSERT_EQ(last.size(), 2u);  // the prompt and a message, no add-offset window for "12x"
+    EXPECT_EQ(last.back().kind, Shown::Message);
 }
 
 // A journal with only old bytes in its ranges (cut after write 1) is removed
