@@ -345,16 +345,22 @@ TEST_F(Save, AJournalThatNoLongerFitsTheFilesIsKeptAndTheRomOpensReadOnly) {
     }
 }
 
-TEST_F(Save, ChangesMadeOutsideSinceLoadingStopTheSave) {
+// Files changed by another program since the text was loaded, or
+// write-protected, are found before the journal is written.
+TEST_F(Save, ChangedOrWriteProtectedFilesStopTheSaveBeforeAnyWrite) {
+    const std::string outside = "changed outside Quillon since the text was loaded";
     struct Case {
         const char* name;
         std::function<void(Workspace&)> meddle;
         std::string text;  // the edit; longer texts repoint
+        std::string message;
     };
     const Case cases[] = {
-        {"text bytes", [](Workspace& w) { PatchFile(w.Rom(), 0x100001, "\xDA"); }, "Jello"},
-        {"repointed text", [](Workspace& w) { PatchFile(w.Rom(), 0x100004, "\xD5"); }, "Hello there!"},
-        {"truncated", [](Workspace& w) { std::filesystem::resize_file(w.Rom(), 0x200000); }, "Jello"},
+        {"text bytes", [](Workspace& w) { PatchFile(w.Rom(), 0x100001, "\xDA"); }, "Jello", outside},
+        {"repointed text", [](Workspace& w) { PatchFile(w.Rom(), 0x100004, "\xD5"); }, "Hello there!", outside},
+        {"truncated", [](Workspace& w) { std::filesystem::resize_file(w.Rom(), 0x200000); }, "Jello", outside},
+        {"ROM locked", [](Workspace& w) { MakeReadOnly(w.Rom()); }, "Hello there!", "is write-protected"},
+        {"offsets locked", [](Workspace& w) { MakeReadOnly(w.OffsetFile()); }, "Hello there!", "is write-protected"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -365,7 +371,8 @@ TEST_F(Save, ChangesMadeOutsideSinceLoadingStopTheSave) {
         w->user.Yes().Yes();  // repoint (when asked), then reload
         SaveText(w->session);
         EXPECT_EQ(Take(), meddled);
-        EXPECT_TRUE(Mentions(w->user.Take(), "changed outside Quillon since the text was loaded"));
+        EXPECT_TRUE(Mentions(w->user.Take(), c.message));
+        EXPECT_FALSE(JournalLeft());
     }
 }
 
@@ -389,19 +396,6 @@ TEST_F(Save, TheWriterRefusesPlansThatNoLongerMatchTheFiles) {
         EXPECT_FALSE(JournalLeft()) << name;
     }
     EXPECT_EQ(At(0x50000, 4), old);
-}
-
-TEST_F(Save, WriteProtectedFilesAreFoundBeforeTheJournal) {
-    for (bool offsetFile : {false, true}) {
-        Prepared();
-        const Snapshot before = Take();
-        MakeReadOnly(offsetFile ? w->OffsetFile() : w->Rom());
-        w->user.Yes();
-        SaveText(w->session);
-        EXPECT_TRUE(Mentions(w->user.Take(), "is write-protected")) << offsetFile;
-        EXPECT_EQ(Take(), before);
-        EXPECT_FALSE(JournalLeft());
-    }
 }
 
 TEST_F(Save, OffsetsWhereNoTextCanBeWrittenCannotBeSaved) {
