@@ -217,26 +217,20 @@ TEST_F(Tools, ScriptFromOffsetGoesToTheFirstFreeRunAndItsSpareByteStartsTheNext)
     EXPECT_EQ(w.RomBytes().substr(0x20000D, 14), Bytes("6A5A0F00DEBC2A0809036C0200FF"));
 }
 
-TEST_F(Tools, ScriptFromTextWritesTheTextBehindTheScriptAndNamesItInTheOffsetFile) {
+TEST_F(Tools, ScriptFromTextWritesTheTextBehindTheScriptAndHandsOverItsOffset) {
     rom.Put(0x200010, "\x01");  // 16 free bytes: one short of the 17 that "Hi" needs
     Save();
-    w.WriteOffsetFile("[Town]\r\nMom=100000\r\n");
-    w.Open();
-    w.user.Take();
     auto form = Script("", "Hi");
     form.check1 = true;
     w.user.Then(FakePrompter::AddOffsetAction([](AddOffsetForm& f) {
         EXPECT_EQ(f.offsetDecimal, std::to_string(0x20001E));
         EXPECT_FALSE(f.offsetEnabled);
-        f.sectionName = "Town";
-        f.textName = "Sign";
-        EXPECT_TRUE(f.Add());
     }));
     form.AddScript();
     EXPECT_EQ(w.user.Take().at(0), Saved("200011"));
+    EXPECT_TRUE(w.user.answers.empty());
     rom.PutHex(0x200011, "6A5A0F001E00200809036C0200C2DDFF");
     EXPECT_EQ(w.RomBytes(), rom.bytes());
-    EXPECT_EQ(ReadFile(w.OffsetFile()), "[Town]\r\nMom=100000\r\nSign=20001E\r\n");
     EXPECT_TRUE(form.Closed());
 }
 
