@@ -51,8 +51,9 @@ protected:
     // Mom reads "Hello" CR LF "i"; Kana holds accented letters ("kaki" in the
     // Japanese table), Long no terminator within 10000 bytes, Bad no offset.
     void BuildView() {
-        Build(Rom().Put(0x100000, Bytes("C2D9E0E0E3FEDDFF")).Put(0x100200, Bytes("0607FF")).Fill(0x180000, 12000, '\xBB'),
-              "FreeSpaceOffset=2097152", kOffsets + "Kana=100200\r\nLong=180000\r\nBad=XYZ\r\n");
+        RomBuilder rom = Rom().Put(0x100000, Bytes("C2D9E0E0E3FEDDFF")).Put(0x100200, Bytes("0607FF"));
+        Build(rom.Fill(0x180000, 12000, '\xBB'), "FreeSpaceOffset=2097152",
+              kOffsets + "Kana=100200\r\nLong=180000\r\nBad=XYZ\r\n");
     }
     // Mom edited to a text that must move: a repoint with three pointers.
     void Prepared() {
@@ -347,6 +348,7 @@ TEST_F(Save, AJournalThatNoLongerFitsTheFilesIsKeptAndTheRomOpensReadOnly) {
 // write-protected, are found before the journal is written.
 TEST_F(Save, ChangedOrWriteProtectedFilesStopTheSaveBeforeAnyWrite) {
     const std::string outside = "changed outside Quillon since the text was loaded";
+    const std::string locked = "is write-protected";
     struct Case {
         const char* name;
         std::function<void(Workspace&)> meddle;
@@ -357,8 +359,8 @@ TEST_F(Save, ChangedOrWriteProtectedFilesStopTheSaveBeforeAnyWrite) {
         {"text bytes", [](Workspace& w) { PatchFile(w.Rom(), 0x100001, "\xDA"); }, "Jello", outside},
         {"repointed text", [](Workspace& w) { PatchFile(w.Rom(), 0x100004, "\xD5"); }, "Hello there!", outside},
         {"truncated", [](Workspace& w) { std::filesystem::resize_file(w.Rom(), 0x200000); }, "Jello", outside},
-        {"ROM locked", [](Workspace& w) { MakeReadOnly(w.Rom()); }, "Hello there!", "is write-protected"},
-        {"offsets locked", [](Workspace& w) { MakeReadOnly(w.OffsetFile()); }, "Hello there!", "is write-protected"},
+        {"ROM locked", [](Workspace& w) { MakeReadOnly(w.Rom()); }, "Hello there!", locked},
+        {"offsets locked", [](Workspace& w) { MakeReadOnly(w.OffsetFile()); }, "Hello there!", locked},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
