@@ -1,10 +1,15 @@
-// The history beside a ROM: undo refuses changed ranges, survives a cut at
-// any write, shows a damaged or missing folder as empty with its reason, and
-// keeps within its size limit.
+// The history beside a ROM: fifty saves of every kind undone to the first
+// byte and redone to the last across reopening, going back before an entry;
+// undo refuses changed ranges, survives a cut at any write, shows a damaged or
+// missing folder as empty with its reason, and keeps within its size limit.
 #include "core/file_io.h"
+#include "edit/save_text.h"
 #include "history/history.h"
-#include "support/rom_builder.h"
-#include "support/temp_dir.h"
+#include "history/history_commands.h"
+#include "history/patch.h"
+#include "offsets/add_offset_form.h"
+#include "support/workspace.h"
+#include "tools/add_script.h"
 
 #include <quillon/errors.h>
 
@@ -15,14 +20,59 @@ using namespace quillon::test;
 
 namespace {
 
+constexpr int kTexts = 10, kSaves = 50;
+
+struct State {
+    std::string rom, offsets;
+    bool operator==(const State&) const = default;
+};
+
+// Ten "Hello" texts with two pointers each, opened with their offset file.
 class History : public ::testing::Test {
 protected:
     void SetUp() override {
-        RomBuilder(0x10000, '\x01').Code("QLNE").Save(rom);
-        WriteFile(ini, "[Town]\r\n");
+        RomBuilder image = StoryRom();
+        std::string ini = "[Town]\r\n";
+        for (int k = 0; k < kTexts; ++k) {
+            const std::uint32_t at = 0x100000 + 0x40 * k;
+            image.Put(at, Bytes("C2D9E0E0E3FF")).Pointer(0x50000 + 8 * k, at).Pointer(0x60004 + 8 * k, at);
+            char line[32];
+            std::snprintf(line, sizeof line, "T%d=%X\r\n", k, at);
+            ini += line;
+        }
+        image.Save(rom);
+        w.WriteOffsetFile(ini);
+        w.Open();
+    }
+    State Now() const { return {w.RomBytes(), ReadFile(ini)}; }
+
+    // Save number `i`: in place, a repoint, a dialog script, or a new offset
+    // file entry, in turn.
+    void Save(int i) {
+        w.user.answers.clear();
+        if (i % 4 == 3) {
+            AddOffsetForm form(w.session);
+            form.sectionName = "Added";
+            form.textName = "E" + std::to_string(i);
+            form.offsetDecimal = std::to_string(0x100000 + i);
+            ASSERT_TRUE(form.Add());
+            return;
+        }
+        if (i % 4 == 2) {
+            AddScriptForm form(w.session);
+            form.txtOffset = "100000";
+            form.AddScript();
+            return;
+        }
+        w.Select("Town", "T" + std::to_string(i % kTexts));
+        const std::string text = i % 4 == 0 ? std::string(1, static_cast<char>('A' + i % 26)) + "ello"
+                                            : "Hello again, number " + std::to_string(i);
+        w.session.controls.text1.SetText(text);
+        w.user.answers.assign(2, FakePrompter::Answer(true));  // shorter or longer: go on
+        SaveText(w.session);
     }
     // Writes `bytes` at `offset` and a line into the offset file, through the writer.
-    void Save(std::uint64_t offset, std::string bytes) {
+    void Write(std::uint64_t offset, std::string bytes) {
         WritePlan plan;
         plan.command = "Save Text";
         plan.rom = rom;
@@ -33,34 +83,87 @@ protected:
         plan.offsetAfter = *plan.offsetBefore + "K" + std::to_string(offset) + "=1\r\n";
         ASSERT_EQ(CommitPlan(plan).outcome, CommitOutcome::Written);
     }
-    std::string State() const { return ReadFile(rom) + "|" + ReadFile(ini); }
 
-    TempDir dir;
-    std::filesystem::path rom = dir / "game.gba", ini = dir / "QLNE.ini";
+    Workspace w;
+    const std::filesystem::path rom = w.Rom(), ini = w.OffsetFile();
 };
 
+TEST_F(History, FiftySavesUndoneAndRedoneByteForByteAcrossReopening) {
+    std::vector<std::uint32_t> romCrc{Crc32(w.RomBytes())};
+    std::vector<std::string> offsets{ReadFile(w.OffsetFile())};
+    const State first = Now();
+    for (int i = 0; i < kSaves; ++i) {
+        Save(i);
+        romCrc.push_back(Crc32(w.RomBytes()));
+        offsets.push_back(ReadFile(w.OffsetFile()));
+        ASSERT_TRUE(romCrc.back() != romCrc[romCrc.size() - 2] || offsets.back() != offsets[offsets.size() - 2])
+            << "save " << i << " wrote nothing";
+    }
+    const State last = Now();
+    ASSERT_EQ(ListHistory(w.Rom()).entries.size(), static_cast<std::size_t>(kSaves));
+
+    for (int i = kSaves; i > 0; --i) {
+        if (i % 7 == 0) w.Open();
+        w.user.answers.clear();
+        UndoLastSaveCommand(w.session);
+        ASSERT_EQ(Crc32(w.RomBytes()), romCrc[i - 1]) << "undo of save " << i;
+        ASSERT_EQ(ReadFile(w.OffsetFile()), offsets[i - 1]) << "undo of save " << i;
+    }
+    EXPECT_EQ(Now(), first);
+    for (int i = 1; i <= kSaves; ++i) {
+        if (i % 9 == 0) w.Open();
+        RedoSaveCommand(w.session);
+        ASSERT_EQ(Crc32(w.RomBytes()), romCrc[i]) << "redo of save " << i;
+        ASSERT_EQ(ReadFile(w.OffsetFile()), offsets[i]) << "redo of save " << i;
+    }
+    EXPECT_EQ(Now(), last);
+}
+
+TEST_F(History, GoingBackBeforeAnEntryUndoesItAndEveryLaterOneAndReloadsTheText) {
+    std::vector<State> states{Now()};
+    for (int i = 0; i < 6; ++i) {
+        Save(i);
+        states.push_back(Now());
+    }
+    const auto entries = ListHistory(w.Rom()).entries;
+    ASSERT_EQ(entries.size(), 6u);
+    EXPECT_EQ(entries.front().number, 6u);  // newest first
+    w.Select("Town", "T1");
+    ASSERT_TRUE(GoBackCommand(w.session, 2));
+    EXPECT_EQ(Now(), states[1]);
+    EXPECT_EQ(w.session.controls.text1.Text(), "Hello");
+    const auto after = ListHistory(w.Rom()).entries;
+    EXPECT_EQ(std::count_if(after.begin(), after.end(), [](const auto& e) { return e.undone; }), 5);
+
+    Save(0);  // a new save ends what could be redone
+    EXPECT_EQ(ListHistory(w.Rom()).entries.size(), 2u);
+    w.user.Take();
+    RedoSaveCommand(w.session);
+    EXPECT_EQ(w.user.Take().back().text, "There is no undone save to redo.");
+}
+
 TEST_F(History, UndoNamesEveryChangedRangeAndChangesNothing) {
-    Save(0x1000, "abcd");
-    Save(0x2000, "efgh");
-    Save(0x3000, "ijkl");
+    Write(0x1000, "abcd");
+    Write(0x2000, "efgh");
+    Write(0x3000, "ijkl");
     PatchFile(rom, 0x3001, "X");
-    const std::string before = State();
+    const State before = Now();
     try {
         UndoLastSave(rom);
         ADD_FAILURE() << "undone";
     } catch (const ChangedOnDisk& e) {
         EXPECT_NE(std::string(e.what()).find("0x3000-0x3003"), std::string::npos) << e.what();
     }
-    EXPECT_EQ(State(), before);
+    EXPECT_EQ(Now(), before);
     EXPECT_FALSE(ListHistory(rom).entries.front().undone);
 }
 
 TEST_F(History, AnUndoCutAtAnyWriteLeavesTheStateBeforeOrAfterIt) {
-    Save(0x1000, "abcd");
-    Save(0x2000, std::string(300, 'z'));
-    const std::string saved = State();
+    Write(0x1000, "abcd");
+    Write(0x2000, std::string(300, 'z'));
+    const State saved = Now();
     UndoLastSave(rom);
-    const std::string undone = State();
+    const State undone = Now();
     RedoSave(rom);
 
     // Cut after none, the journal, the range: the offset file is the last write.
@@ -74,15 +177,15 @@ TEST_F(History, AnUndoCutAtAnyWriteLeavesTheStateBeforeOrAfterIt) {
         } catch (const std::exception&) {
         }
         RecoverPending(rom);  // as the next opening does
-        const std::string left = State();
+        const State left = Now();
         ASSERT_TRUE(left == saved || left == undone);
         // The history agrees with the files: one more step reaches the other state.
         if (left == saved) {
             UndoLastSave(rom);
-            EXPECT_EQ(State(), undone);
+            EXPECT_EQ(Now(), undone);
         }
         RedoSave(rom);
-        EXPECT_EQ(State(), saved);
+        EXPECT_EQ(Now(), saved);
     }
     EXPECT_EQ(writes, 4);
 }
@@ -102,19 +205,19 @@ TEST_F(History, AMissingOrDamagedFolderShowsAnEmptyHistoryWithTheReasonAndSavesG
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         ClearHistory(rom);
-        Save(0x4000, "first");
+        Write(0x4000, "first");
         c.damage();
         HistoryListing listing = ListHistory(rom);
         EXPECT_TRUE(listing.entries.empty());
         EXPECT_NE(listing.problem.find(c.reason), std::string::npos) << listing.problem;
         const std::string before = ReadFile(rom);
-        Save(0x5000, c.name);
+        Write(0x5000, c.name);
         EXPECT_NE(ReadFile(rom), before);
     }
 }
 
 TEST_F(History, TheOldestEntriesGoFirstWhenTheLimitIsReached) {
-    for (int k = 0; k < 6; ++k) Save(0x1000 + 0x800 * k, std::string(512, static_cast<char>('a' + k)));
+    for (int k = 0; k < 6; ++k) Write(0x1000 + 0x800 * k, std::string(512, static_cast<char>('a' + k)));
     auto listing = ListHistory(rom);
     ASSERT_EQ(listing.entries.size(), 6u);
     const std::uint64_t one = listing.entries.front().bytes;
@@ -124,7 +227,7 @@ TEST_F(History, TheOldestEntriesGoFirstWhenTheLimitIsReached) {
     EXPECT_EQ(listing.limit, one * 3 + one / 2);
     ASSERT_EQ(listing.entries.size(), 3u);
     EXPECT_EQ(listing.entries.back().number, 4u);
-    Save(0x7000, std::string(512, 'q'));
+    Write(0x7000, std::string(512, 'q'));
     EXPECT_EQ(ListHistory(rom).entries.back().number, 5u);
 
     SetHistoryLimit(rom, 1);  // the newest entry always stays

@@ -112,13 +112,6 @@ std::string Pattern(std::size_t size) {
     return bytes;
 }
 
-HttpReply Slow(std::string body, std::size_t chunkSize, int chunkGapMs) {
-    HttpReply r = Body(std::move(body));
-    r.chunkSize = chunkSize;
-    r.chunkGapMs = chunkGapMs;
-    return r;
-}
-
 std::set<std::string> FolderNames(const fs::path& folder) {
     std::set<std::string> names;
     for (const auto& e : fs::directory_iterator(folder)) names.insert(e.path().filename().string());
@@ -132,7 +125,7 @@ struct Download : UpdateFixture {
 TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
     const std::string bytes = Pattern(64 * 1024);
     // The gap is longer than the 100 ms Qt keeps between progress notices.
-    server.Serve("/files/real.zip", Slow(bytes, 16 * 1024, 130));
+    server.Serve("/files/real.zip", HttpReply{.body = bytes, .chunkSize = 16 * 1024, .chunkGapMs = 130});
     server.Serve("/files/new.zip", Redirect("/files/real.zip"));  // followed on the same host
     ServeFiles("3.1.2", server.Url("/files/new.zip"));
     WriteFile(dir / "updates" / "new.zip", "an older update");
@@ -168,11 +161,10 @@ TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
 // a failed, cut-off or empty transfer is reported once, as failed. None of
 // them touches an older file of the same name.
 TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
-    HttpReply cut = Body(Pattern(8192));
-    cut.cutAfter = 4096;
-    server.Serve("/cut/new.zip", cut);
-    cut.sendLength = false;  // no length: a close can't be told from a cut
-    server.Serve("/cut-unsized/new.zip", cut);
+    server.Serve("/cut/new.zip", HttpReply{.body = Pattern(8192), .cutAfter = 4096});
+    // No length: a close can't be told from a cut.
+    server.Serve("/cut-unsized/new.zip",
+                 HttpReply{.body = Pattern(8192), .cutAfter = 4096, .sendLength = false});
     server.Serve("/empty/new.zip", Body(""));
     server.Serve("/large/new.zip", Body(Pattern(8192)));
     form->DL().maxBytes = 4096;
@@ -211,7 +203,7 @@ TEST_F(Download, RefusedAndFailedDownloadsWriteNothing) {
 }
 
 TEST_F(Download, CancelAbandonsARunningTransfer) {
-    server.Serve("/files/new.zip", Slow(Pattern(8192), 1024, 60));
+    server.Serve("/files/new.zip", HttpReply{.body = Pattern(8192), .chunkSize = 1024, .chunkGapMs = 60});
     form->updateURL = server.Url("/files/new.zip");
     form->Download();
     ASSERT_TRUE(WaitUntil([&] { return form->progValue > 0; }));
