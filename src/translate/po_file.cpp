@@ -239,6 +239,7 @@ PoCatalog ReadPo(const std::filesystem::path& path) {
         CheckCharset(value.substr(charset + 8));
     }
 
+    catalog.messages.reserve(4096);
     for (const char* const* domain = po_file_domains(file.get()); *domain; ++domain) {
         po_message_iterator_t it = po_message_iterator(file.get(), *domain);
         while (po_message_t m = po_next_message(it)) {

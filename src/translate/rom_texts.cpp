@@ -208,26 +208,32 @@ PointerIndex::PointerIndex(std::string_view image, std::span<const std::uint32_t
     // The pointer's last byte is 0x08; a pointer at position 0 counts as none.
     const auto* data = reinterpret_cast<const unsigned char*>(image.data());
     const unsigned char* p = data + 4;
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> found;
     const unsigned char* const stop = data + image.size();
     std::size_t nextStep = std::size_t{1} << 20;
     while (p < stop) {
         p = static_cast<const unsigned char*>(std::memchr(p, 0x08, static_cast<std::size_t>(stop - p)));
         if (!p) break;
         const std::uint32_t target = p[-3] | p[-2] << 8 | p[-1] << 16;
-        if (wanted[target / 64] >> (target % 64) & 1)
-            positions_[target].push_back(static_cast<std::uint32_t>(p - 3 - data));
+        if (wanted[target / 64] >> (target % 64) & 1) found.push_back({target, static_cast<std::uint32_t>(p - 3 - data)});
         if (static_cast<std::size_t>(p - data) >= nextStep) {
             stage.Step(static_cast<std::size_t>(p - data));
             nextStep += std::size_t{1} << 20;
         }
         ++p;
     }
+    std::sort(found.begin(), found.end());
+    targets_.reserve(found.size());
+    positions_.reserve(found.size());
+    for (const auto& [target, at] : found) {
+        targets_.push_back(target);
+        positions_.push_back(at);
+    }
 }
 
 std::span<const std::uint32_t> PointerIndex::Of(std::uint32_t target) const {
-    auto it = positions_.find(target);
-    if (it == positions_.end()) return {};
-    return it->second;
+    const auto [first, last] = std::equal_range(targets_.begin(), targets_.end(), target);
+    return {positions_.data() + (first - targets_.begin()), static_cast<std::size_t>(last - first)};
 }
 
 FreeSpace::FreeSpace(std::string_view image, char freeByte, std::uint64_t begin, std::uint64_t end,

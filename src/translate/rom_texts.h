@@ -10,7 +10,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace quillon {
@@ -55,7 +54,9 @@ public:
     std::span<const std::uint32_t> Of(std::uint32_t target) const;
 
 private:
-    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> positions_;
+    // Sorted by target, then position: pointer i points to targets_[i] from positions_[i].
+    std::vector<std::uint32_t> targets_;
+    std::vector<std::uint32_t> positions_;
 };
 
 // The four bytes of a pointer to `offset`.
