@@ -11,7 +11,6 @@
 #include "ui/japanese_dialog.h"
 #include "ui/preview_dialog.h"
 #include "ui/qt_prompter.h"
-#include "ui/search_dialog.h"
 #include "ui/update_dialog.h"
 #include "update/update_fixture.h"
 
@@ -79,48 +78,6 @@ TEST_F(UpdateWindow, MirrorsACheckAndADownloadAndClosesOnCancel) {
     EXPECT_EQ(user.Take().size(), 1u);  // the success message
     ClickChild(window, "cmdCancel");
     EXPECT_FALSE(window.isVisible());
-}
-
-TEST_F(MainWindowTest, SearchMatchesCaseByChoiceNamesTheEntryOfAMatchAndJumpsToIt) {
-    StartAndOpen();
-    ui::SearchDialog search(*session, clipboard, window.get());
-    auto status = [&] { return Child<QStatusBar>(search, "StatusBar1")->currentMessage(); };
-    auto* matchCase = Child<QCheckBox>(search, "chkMatchCase");
-    EXPECT_TRUE(matchCase->isChecked());
-    QTest::keyClicks(Child(search, "Text1"), "THE LAMP HAS");
-    ClickChild(search, "Command1");
-    EXPECT_EQ(status(), "Result: Text could not be found!");
-    EXPECT_TRUE(Child(search, "cmdJump")->isHidden());
-
-    matchCase->setChecked(false);
-    ClickChild(search, "Command1");
-    const QString offset = Child<QLineEdit>(search, "Text2")->text();
-    EXPECT_EQ(status(), "Result: Text found at Offset " + offset + " (Decimal)! in Lighthouse / Keeper");
-    EXPECT_TRUE(Child<QPlainTextEdit>(search, "Text3")->toPlainText().contains("lamp has"));
-    EXPECT_TRUE(Child(search, "Command2")->isEnabled());
-    ClickChild(search, "cmdJump");
-    EXPECT_EQ(search.result(), QDialog::Accepted);
-    EXPECT_EQ(Tree()->currentIndex(), Node("Lighthouse", "Keeper"));
-    // The Japanese table previews only and blocks searching.
-    ClickChild(search, "Option1_1");
-    for (const char* name : {"Command1", "Command2", "Command4"})
-        EXPECT_FALSE(Child(search, name)->isEnabled()) << name;
-}
-
-// What the script holds is checked below the window.
-TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
-    StartAndOpen();
-    ui::AddScriptDialog script(*session, window.get());
-    ClickChild(script, "Option1_1");
-    EXPECT_FALSE(Child(script, "txtOffset")->isEnabled());
-    EXPECT_TRUE(Child(script, "txtText")->isEnabled());
-    ClickChild(script, "Option1_0");
-    QTest::keyClicks(Child(script, "txtOffset"), "123456");
-    ClickChild(script, "Command1");
-    EXPECT_EQ(script.result(), QDialog::Accepted);
-    const auto shown = user.Take();
-    ASSERT_EQ(shown.size(), 1u);
-    EXPECT_EQ(shown[0].text.rfind("Saved script to offset ", 0), 0u) << shown[0];
 }
 
 // Offset boxes that cannot be misread: 0x reads as hexadecimal in the decimal
@@ -202,7 +159,11 @@ public:
     ui::QtPrompter qt;
 };
 
-TEST_F(MainWindowTest, TheAddOffsetWindowBelongsToItsOpenerAndCancelIsOffOnlyAfterOffset) {
+// The search and script windows reach their commands and mirror them (what
+// the commands find and write is checked below the windows); the add-offset
+// window belongs to the window that opened it, and its Cancel is off only
+// after "O&ffset".
+TEST_F(MainWindowTest, SearchScriptAndAddOffsetWindowsOverTheirOpener) {
     QtWindowsPrompter router;
     session = std::make_unique<Session>(dir.path(), router);
     window = std::make_unique<ui::MainWindow>(*session, clipboard);
@@ -233,13 +194,30 @@ TEST_F(MainWindowTest, TheAddOffsetWindowBelongsToItsOpenerAndCancelIsOffOnlyAft
     EXPECT_EQ(offset.echo, "= 1048576");
     EXPECT_EQ(Caption(*window, "Label3"), "100000");
 
+    // Search matches case by choice, names the entry of a match, writes it to
+    // the offset file through the add-offset window and jumps to it.
     QWidget *searchWindow = nullptr, *addOffsetWindow = nullptr, *messageOwner = nullptr;
     OnModals({[&](QWidget* w) {
                   searchWindow = w;
-                  QTest::keyClicks(Child(*w, "Text1"), "lamp");
+                  auto status = [w] { return Child<QStatusBar>(*w, "StatusBar1")->currentMessage(); };
+                  auto* matchCase = Child<QCheckBox>(*w, "chkMatchCase");
+                  EXPECT_TRUE(matchCase->isChecked());
+                  QTest::keyClicks(Child(*w, "Text1"), "THE LAMP HAS");
                   ClickChild(*w, "Command1");
+                  EXPECT_EQ(status(), "Result: Text could not be found!");
+                  EXPECT_TRUE(Child(*w, "cmdJump")->isHidden());
+                  matchCase->setChecked(false);
+                  ClickChild(*w, "Command1");
+                  const QString at = Child<QLineEdit>(*w, "Text2")->text();
+                  EXPECT_EQ(status(), "Result: Text found at Offset " + at + " (Decimal)! in Lighthouse / Keeper");
+                  EXPECT_TRUE(Child<QPlainTextEdit>(*w, "Text3")->toPlainText().contains("lamp has"));
+                  EXPECT_TRUE(Child(*w, "Command2")->isEnabled());
                   ClickChild(*w, "Command3");
-                  static_cast<QDialog*>(w)->reject();
+                  ClickChild(*w, "cmdJump");
+                  // The Japanese table previews only and blocks searching.
+                  ClickChild(*w, "Option1_1");
+                  for (const char* name : {"Command1", "Command2", "Command4"})
+                      EXPECT_FALSE(Child(*w, name)->isEnabled()) << name;
               },
               [&](QWidget* w) {
                   addOffsetWindow = w;
@@ -259,15 +237,25 @@ TEST_F(MainWindowTest, TheAddOffsetWindowBelongsToItsOpenerAndCancelIsOffOnlyAft
     EXPECT_EQ(search.owner, searchWindow);
     EXPECT_TRUE(search.cancel);
     EXPECT_EQ(messageOwner, addOffsetWindow);
+    EXPECT_EQ(Tree()->currentIndex(), Node("Lighthouse", "Keeper"));
 
+    QString saved;
     OnModals({[&](QWidget* w) {
+                  ClickChild(*w, "Option1_1");
+                  EXPECT_FALSE(Child(*w, "txtOffset")->isEnabled());
+                  EXPECT_TRUE(Child(*w, "txtText")->isEnabled());
+                  ClickChild(*w, "Option1_0");
                   QTest::keyClicks(Child(*w, "txtOffset"), "123456");
                   Child<QAbstractButton>(*w, "Check1")->setChecked(true);
                   ClickChild(*w, "Command1");
               },
-              [](QWidget* w) { static_cast<QMessageBox*>(w)->accept(); },  // "Saved script to offset ..."
+              [&](QWidget* w) {
+                  saved = static_cast<QMessageBox*>(w)->text();
+                  static_cast<QMessageBox*>(w)->accept();
+              },
               see(script)});
     Trigger(window->ToolsMenu(), "mnuTextScript");
+    EXPECT_TRUE(saved.startsWith("Saved script to offset ")) << saved.toStdString();
     EXPECT_TRUE(script.owner && script.owner->objectName() == "frmAddScript");
     EXPECT_TRUE(script.cancel);
 }
