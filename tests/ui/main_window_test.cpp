@@ -93,7 +93,14 @@ TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAddsOnEnter) {
     EXPECT_TRUE(Text1().startsWith("Ahoy, [PLAYER]!"));  // the ferryman's text
 }
 
-TEST_F(MainWindowTest, TheEditorSwallowsShiftInsertAndItsTextMenuWorksOnTheSelection) {
+// The format drawn on the characters from `from`, `length` long, of the first line.
+QTextCharFormat FormatOf(QPlainTextEdit* editor, int from, int length) {
+    for (const QTextLayout::FormatRange& r : editor->document()->firstBlock().layout()->formats())
+        if (r.start == from && r.length == length) return r.format;
+    return {};
+}
+
+TEST_F(MainWindowTest, TheEditorSwallowsShiftInsertEditsTheSelectionAndMarksWhatWouldBeSavedWrong) {
     StartAndOpen();
     Select("Harbour", "Gull");
     auto* text1 = Find<QPlainTextEdit>("Text1");
@@ -114,6 +121,37 @@ TEST_F(MainWindowTest, TheEditorSwallowsShiftInsertAndItsTextMenuWorksOnTheSelec
     window->TextMenu()->hide();
     EXPECT_EQ(Text1(), "Kree! [PLAYER]!PASTED");
     EXPECT_EQ(text1->textCursor().position(), 14);
+
+    // Tags are coloured; what would be saved wrong is underlined, and saving asks first.
+    text1->setPlainText(QStringLiteral("[PLAYER] [PLAYR] [&HZZ] \u20AC"));
+    EXPECT_EQ(FormatOf(text1, 0, 8).underlineStyle(), QTextCharFormat::NoUnderline);
+    EXPECT_TRUE(FormatOf(text1, 0, 8).hasProperty(QTextFormat::ForegroundBrush));
+    for (auto [from, length] : {std::pair{9, 7}, {17, 6}, {24, 1}}) {
+        EXPECT_EQ(FormatOf(text1, from, length).underlineStyle(), QTextCharFormat::SpellCheckUnderline) << from;
+        EXPECT_EQ(FormatOf(text1, from, length).underlineColor(), QColor(Qt::red)) << from;
+    }
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    QTextCursor at(text1->document());
+    at.setPosition(11);
+    const QPoint over = text1->cursorRect(at).center();
+    QHelpEvent help(QEvent::ToolTip, over, text1->viewport()->mapToGlobal(over));
+    QApplication::sendEvent(text1->viewport(), &help);
+    EXPECT_EQ(QToolTip::text(), "[PLAYR] is not a tag: it is saved as its characters.");
+
+    // What the question names is checked below the window.
+    const std::string before = ReadFile(Rom());
+    user.No();
+    Click("Command2");
+    const auto shown = user.Take();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].kind, Shown::Question);
+    EXPECT_EQ(ReadFile(Rom()), before);
+
+    text1->setFocus();
+    QTest::keyClick(text1, Qt::Key_Tab);
+    EXPECT_FALSE(Text1().contains(QLatin1Char('\t')));
+    EXPECT_FALSE(text1->hasFocus());
 }
 
 TEST_F(MainWindowTest, ExitAndTheCloseHotspotCloseEveryWindowWithoutAQuestion) {
@@ -167,51 +205,9 @@ TEST_F(MainWindowTest, ExportAddsTxtToANameWithoutExtensionOnly) {
     EXPECT_FALSE(std::filesystem::exists(dir / "gull"));
 }
 
-// The format drawn on the characters from `from`, `length` long, of the first line.
-QTextCharFormat FormatOf(QPlainTextEdit* editor, int from, int length) {
-    for (const QTextLayout::FormatRange& r : editor->document()->firstBlock().layout()->formats())
-        if (r.start == from && r.length == length) return r.format;
-    return {};
-}
-
-TEST_F(MainWindowTest, TheEditorMarksTagsAndWhatWouldBeSavedWrongAndAsksBeforeSavingIt) {
-    StartAndOpen();
-    Select("Harbour", "Gull");
-    auto* text1 = Find<QPlainTextEdit>("Text1");
-    text1->setPlainText(QStringLiteral("[PLAYER] [PLAYR] [&HZZ] \u20AC"));
-    EXPECT_EQ(FormatOf(text1, 0, 8).underlineStyle(), QTextCharFormat::NoUnderline);
-    EXPECT_TRUE(FormatOf(text1, 0, 8).hasProperty(QTextFormat::ForegroundBrush));
-    for (auto [from, length] : {std::pair{9, 7}, {17, 6}, {24, 1}}) {
-        EXPECT_EQ(FormatOf(text1, from, length).underlineStyle(), QTextCharFormat::SpellCheckUnderline) << from;
-        EXPECT_EQ(FormatOf(text1, from, length).underlineColor(), QColor(Qt::red)) << from;
-    }
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
-    QTextCursor at(text1->document());
-    at.setPosition(11);
-    const QPoint over = text1->cursorRect(at).center();
-    QHelpEvent help(QEvent::ToolTip, over, text1->viewport()->mapToGlobal(over));
-    QApplication::sendEvent(text1->viewport(), &help);
-    EXPECT_EQ(QToolTip::text(), "[PLAYR] is not a tag: it is saved as its characters.");
-
-    // What the question names is checked below the window.
-    const std::string before = ReadFile(Rom());
-    user.No();
-    Click("Command2");
-    const auto shown = user.Take();
-    ASSERT_EQ(shown.size(), 1u);
-    EXPECT_EQ(shown[0].kind, Shown::Question);
-    EXPECT_EQ(ReadFile(Rom()), before);
-
-    text1->setFocus();
-    QTest::keyClick(text1, Qt::Key_Tab);
-    EXPECT_FALSE(Text1().contains(QLatin1Char('\t')));
-    EXPECT_FALSE(text1->hasFocus());
-}
-
 // The fit check over the demonstration ROM and its own font: a line over the
 // box is marked with its width while typing.
-TEST_F(MainWindowTest, ALineOverTheBoxIsMarkedWithItsWidthWhileTyping) {
+TEST_F(MainWindowTest, ALineOverTheBoxIsMarkedWhileTypingAndCheckAllListsTheWideTexts) {
     StartAndOpen();
     auto* text1 = Find<QPlainTextEdit>("Text1");
     Select("Lighthouse", "Lit");  // its first line is 255 px in the demo font
@@ -229,10 +225,8 @@ TEST_F(MainWindowTest, ALineOverTheBoxIsMarkedWithItsWidthWhileTyping) {
     text1->setPlainText(QStringLiteral("Short."));
     EXPECT_TRUE(text1->extraSelections().isEmpty());
     EXPECT_EQ(Caption(*window, "lblFit"), "");
-}
 
-TEST_F(MainWindowTest, CheckAllListsTheWideTextsAndADoubleClickOpensOne) {
-    StartAndOpen();
+    // "Check all" lists the wide texts of the game; a double click opens one.
     QStringList keys;
     OnModals({[&](QWidget* dialog) {
         auto* list = Child<QTreeWidget>(*dialog, "lstCheckAll");

@@ -64,7 +64,7 @@ TEST(XPButtonOutline, Styles3And4CutThreePixelsAtEachCornerOfTheButton) {
     EXPECT_EQ(b.mask(), XPButtonOutline(3, QSize(w, h)));
 }
 
-TEST(XPButtonProperties, WrittenInOrderAndReadBack) {
+TEST(XPButtonProperties, WrittenInOrderReadBackAndDefaultedWhenMissing) {
     XPButton a("XPButton1", "&Open ROM", nullptr);
     a.SetButtonType(7);
     a.SetEnabled(false);
@@ -100,24 +100,23 @@ TEST(XPButtonProperties, WrittenInOrderAndReadBack) {
     PropertyBag again;
     b.WriteProperties(again);
     EXPECT_EQ(again.Items(), bag.Items());
-}
 
-TEST(XPButtonProperties, MissingKeysTakeTheirReadDefaults) {
-    PropertyBag bag;
-    bag.Write("BCOL", std::to_string(0x123456));
-    bag.Write("FCOL", std::to_string(0x00FF00));
-    bag.Write("HAND", "True");  // never read back
-    bag.Write("PICPOS", "not a number");
-    XPButton b("XPButton1");
-    b.ReadProperties(bag);
+    // Missing keys take their read defaults.
+    PropertyBag sparse;
+    sparse.Write("BCOL", std::to_string(0x123456));
+    sparse.Write("FCOL", std::to_string(0x00FF00));
+    sparse.Write("HAND", "True");  // never read back
+    sparse.Write("PICPOS", "not a number");
+    XPButton c("XPButton2");
+    c.ReadProperties(sparse);
     // Without BCOLO and FCOLO the hover colours are the normal ones.
-    EXPECT_EQ(b.BackOver(), 0x123456u);
-    EXPECT_EQ(b.ForeOver(), 0x00FF00u);
-    EXPECT_EQ(b.ButtonType(), 2);  // not the new-instance style 3
-    EXPECT_EQ(b.Caption(), "");
-    EXPECT_EQ(b.PicturePosition(), 0);
+    EXPECT_EQ(c.BackOver(), 0x123456u);
+    EXPECT_EQ(c.ForeOver(), 0x00FF00u);
+    EXPECT_EQ(c.ButtonType(), 2);  // not the new-instance style 3
+    EXPECT_EQ(c.Caption(), "");
+    EXPECT_EQ(c.PicturePosition(), 0);
     PropertyBag written;
-    b.WriteProperties(written);
+    c.WriteProperties(written);
     EXPECT_EQ(written.Read("HAND"), "False");
 }
 
