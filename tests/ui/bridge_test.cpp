@@ -1,5 +1,6 @@
 // The conversions at the boundary between the logic and the Qt widgets:
 // texts and positions, and file-dialog filters.
+#include "ui/main_window.h"
 #include "ui/qt_prompter.h"
 #include "ui/text_bridge.h"
 
@@ -41,6 +42,11 @@ TEST(QtFilter, PairsBecomeQtFilterEntries) {
     // A description without its patterns is dropped rather than misread.
     EXPECT_EQ(ui::ToQtFilter("Text files|*.txt|Lonely"), QStringLiteral("Text files (*.txt)"));
     EXPECT_EQ(ui::ToQtFilter(""), QString());
+}
+
+TEST(TwipsToPixels, FifteenTwipsPerPixelAt96DpiRoundedHalfToEven) {
+    EXPECT_EQ(ui::TwipsToPixels(10050, 96), 670);
+    EXPECT_EQ(ui::TwipsToPixels(6885, 144), 688);  // 688.5
 }
 
 }  // namespace

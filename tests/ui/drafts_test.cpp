@@ -4,7 +4,10 @@
 // saves newest first and goes back before the chosen one.
 #include "main_window_fixture.h"
 #include "edit/drafts.h"
+#include "support/save_messages.h"
 #include "ui/history_dialog.h"
+
+#include <quillon/codec.h>
 
 #include <QTreeWidget>
 
@@ -47,7 +50,9 @@ TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftThatTheEntryOffersBack) {
     EXPECT_TRUE(session->drafts.empty());
 }
 
-TEST_F(MainWindowTest, UndoAndRedoKeysReloadTheTextAndTheHistoryWindowGoesBack) {
+// Typing counts towards the repoint; the longer text is saved elsewhere after
+// the question (where and how is checked below the window), then undone.
+TEST_F(MainWindowTest, SavingALongerTextRepointsAndTheUndoKeysAndHistoryWindowGoBack) {
     StartAndOpen();
     Select("Harbour", "Ferryman");
     const QString original = Text1();
@@ -55,11 +60,14 @@ TEST_F(MainWindowTest, UndoAndRedoKeysReloadTheTextAndTheHistoryWindowGoesBack) 
     auto* text1 = Find<QPlainTextEdit>("Text1");
     text1->moveCursor(QTextCursor::End);
     QTest::keyClicks(text1, " Again.");
+    const std::string encoded = EncodeText(session->controls.text1.Text(), false);  // in hex digits
+    EXPECT_EQ(Caption(*window, "lblRepoint"), QStringLiteral("%1 Characters to repoint.").arg(encoded.size() / 2));
     user.Yes();
     Click("Command2");
+    EXPECT_EQ(user.Take(), (std::vector<Shown>{kLonger, kSaved}));
+    EXPECT_EQ(Caption(*window, "Label3"), "E00001");
     const QString saved = Text1();
     ASSERT_TRUE(ReadFile(Rom()) != rom);
-    user.Take();
 
     window->show();
     window->activateWindow();

@@ -33,9 +33,6 @@ public:
     std::string text;
 };
 
-// Bytes of a hex text.
-inline std::string Bytes(const std::string& hex) { return QByteArray::fromHex(QByteArray::fromStdString(hex)).toStdString(); }
-
 // The child of `parent` named `name`; a failure when there is none.
 template <class W = QWidget>
 W* Child(const QObject& parent, const char* name) {
@@ -80,7 +77,6 @@ protected:
     static bool Italic(const QModelIndex& node) { return node.data(Qt::FontRole).value<QFont>().italic(); }
     void Select(const QString& section, const QString& key);
     QString Text1() { return Find<QPlainTextEdit>("Text1")->toPlainText(); }
-    std::string At(std::size_t offset, std::size_t count) { return ReadFile(Rom()).substr(offset, count); }
 
     TempDir dir;
     FakePrompter user;

@@ -1,66 +1,46 @@
 // The main window driven like a user would: start-up states, opening the
-// demonstration ROM, the tree menu, editing and saving texts, its tool windows
-// and leaving the program; the editor's marks on tags and on what would be
-// saved wrong. The logic below the window has its own story tests; these
-// check that the widgets reach it and mirror its state.
+// demonstration ROM, the tree menu, the editor and its marks, the Tools menu
+// and leaving the program. The logic below the window has its own story
+// tests; these check that the widgets reach it and mirror its state.
 #include "main_window_fixture.h"
 #include "offsets/add_offset_form.h"
 #include "offsets/startup.h"
-#include "support/save_messages.h"
 #include "ui/about_dialog.h"
 #include "ui/add_offset_dialog.h"
-#include "ui/add_script_dialog.h"
-#include "ui/search_dialog.h"
-
-#include <quillon/codec.h>
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
 #include <QHelpEvent>
 #include <QLineEdit>
-#include <QStatusBar>
 #include <QTextBlock>
 #include <QTextLayout>
 #include <QToolTip>
+#include <QTreeWidget>
 
 using namespace quillon;
 using namespace quillon::test;
 
 namespace {
 
-TEST_F(MainWindowTest, StartsWithNothingToEditAndOpensTheDemoRomWithOrWithoutItsOffsetFile) {
+TEST_F(MainWindowTest, StartsWithNothingToEditAndOpensTheDemoRom) {
     ASSERT_TRUE(StartUp(*session));
     EXPECT_EQ(user.Take().size(), 1u);  // the backup warning
     for (const char* name : {"XPButton3", "Command2", "Text1", "Option1_0", "Option1_1", "Check1", "TreeView1"})
         EXPECT_FALSE(Find(name)->isEnabled()) << name;
     for (const char* name : {"XPButton1", "XPButton2", "XPButton6", "XPButton4", "Command5"})
         EXPECT_TRUE(Find(name)->isEnabled()) << name;
-    EXPECT_FALSE(Child<QAction>(*window->ToolsMenu(), "mnuTextScript")->isEnabled());
+    for (const char* action : {"mnuTextScript", "mnuFindTexts"})
+        EXPECT_FALSE(Child<QAction>(*window->ToolsMenu(), action)->isEnabled()) << action;
 
-    // Without its offset file the ROM stays closed on No and opens with a blank one on Yes.
-    const std::string offsets = ReadFile(dir / "ini" / "QDME.ini");
-    std::filesystem::remove(dir / "ini" / "QDME.ini");
-    user.Then(Rom()).No();
-    Click("XPButton1");
-    EXPECT_FALSE(Find("TreeView1")->isEnabled());
-    user.Then(Rom()).Yes().No();  // a blank offset file; no scan for texts now
-    Click("XPButton1");
-    EXPECT_TRUE(user.answers.empty());
-    EXPECT_EQ(Tree()->model()->rowCount(), 0);
-    EXPECT_TRUE(Find("TreeView1")->isEnabled());
-
-    WriteFile(dir / "ini" / "QDME.ini", offsets);
     user.Then(Rom());
     Click("XPButton1");
     const QAbstractItemModel* tree = Tree()->model();
     ASSERT_EQ(tree->rowCount(), 4);
-    EXPECT_EQ(tree->index(1, 0).data().toString(), "Lighthouse");
-    EXPECT_EQ(tree->rowCount(tree->index(1, 0)), 7);
     EXPECT_FALSE(tree->index(0, 0).data(Qt::DecorationRole).value<QIcon>().isNull());
     for (const char* name : {"TreeView1", "XPButton3", "Text1"}) EXPECT_TRUE(Find(name)->isEnabled()) << name;
-    EXPECT_TRUE(Child<QAction>(*window->ToolsMenu(), "mnuTextScript")->isEnabled());
+    for (const char* action : {"mnuTextScript", "mnuFindTexts"})
+        EXPECT_TRUE(Child<QAction>(*window->ToolsMenu(), action)->isEnabled()) << action;
     EXPECT_EQ(Caption(*window, "Label4"), "QDME");
     EXPECT_FALSE(Find("Command2")->isEnabled());  // nothing shown until a text is chosen
 
@@ -88,13 +68,11 @@ TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAddsOnEnter) {
     EXPECT_EQ(tree->currentIndex(), Node("Harbour", "Gull"));
     tree->expandAll();
     emit tree->customContextMenuRequested(tree->visualRect(baker).center());
-    EXPECT_EQ(tree->currentIndex(), baker);
     EXPECT_TRUE(Text1().startsWith("Fresh rolls!"));
     ASSERT_TRUE(window->TreeMenu()->isVisible());
     Trigger(window->TreeMenu(), "mnuDelete");
     window->TreeMenu()->hide();
     EXPECT_TRUE(tree->model()->match(tree->model()->index(2, 0), Qt::DisplayRole, "Baker", 1, Qt::MatchRecursive).isEmpty());
-    EXPECT_EQ(tree->model()->rowCount(tree->model()->index(2, 0)), 7);  // the rest of the market stays
 
     // Through the add-offset window: a section chosen from its list, a name and an offset.
     user.Then(FakePrompter::AddOffsetAction([](AddOffsetForm& form) {
@@ -109,12 +87,18 @@ TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAddsOnEnter) {
         EXPECT_EQ(dialog.result(), QDialog::Accepted);
     }));
     Trigger(window->TreeMenu(), "mnuAddOffset");
-    EXPECT_EQ(user.Take().back(), Msg(Icon::Information, "Text added successfully!"));
     Select("Lighthouse", "Second look");
     EXPECT_TRUE(Text1().startsWith("Ahoy, [PLAYER]!"));  // the ferryman's text
 }
 
-TEST_F(MainWindowTest, TheEditorSwallowsShiftInsertAndItsTextMenuWorksOnTheSelection) {
+// The format drawn on the characters from `from`, `length` long, of the first line.
+QTextCharFormat FormatOf(QPlainTextEdit* editor, int from, int length) {
+    for (const QTextLayout::FormatRange& r : editor->document()->firstBlock().layout()->formats())
+        if (r.start == from && r.length == length) return r.format;
+    return {};
+}
+
+TEST_F(MainWindowTest, TheEditorSwallowsShiftInsertEditsTheSelectionAndMarksWhatWouldBeSavedWrong) {
     StartAndOpen();
     Select("Harbour", "Gull");
     auto* text1 = Find<QPlainTextEdit>("Text1");
@@ -134,28 +118,38 @@ TEST_F(MainWindowTest, TheEditorSwallowsShiftInsertAndItsTextMenuWorksOnTheSelec
     Trigger(window->TextMenu(), "ins_player");
     window->TextMenu()->hide();
     EXPECT_EQ(Text1(), "Kree! [PLAYER]!PASTED");
-    EXPECT_EQ(session->controls.text1.Text(), "Kree! [PLAYER]!PASTED");
     EXPECT_EQ(text1->textCursor().position(), 14);
-}
 
-TEST_F(MainWindowTest, TypingCountsTowardsTheRepointAndSavingALongerTextRepointsEveryPointer) {
-    StartAndOpen();
-    Select("Harbour", "Ferryman");  // its text has two pointers
-    auto* text1 = Find<QPlainTextEdit>("Text1");
-    text1->moveCursor(QTextCursor::End);
-    QTest::keyClicks(text1, " Again.");
-    const std::string edited = session->controls.text1.Text();
-    ASSERT_EQ(edited, "Ahoy, [PLAYER]!\r\nThe morning ferry is late again.\r\n\r\nThe fog rolled in before dawn. Again.");
-    const std::string encoded = Bytes(EncodeText(edited, false)) + '\xFF';
-    EXPECT_EQ(Caption(*window, "lblRepoint"), QStringLiteral("%1 Characters to repoint.").arg(encoded.size() - 1));
+    // Tags are coloured; what would be saved wrong is underlined, and saving asks first.
+    text1->setPlainText(QStringLiteral("[PLAYER] [PLAYR] [&HZZ] \u20AC"));
+    EXPECT_EQ(FormatOf(text1, 0, 8).underlineStyle(), QTextCharFormat::NoUnderline);
+    EXPECT_TRUE(FormatOf(text1, 0, 8).hasProperty(QTextFormat::ForegroundBrush));
+    for (auto [from, length] : {std::pair{9, 7}, {17, 6}, {24, 1}}) {
+        EXPECT_EQ(FormatOf(text1, from, length).underlineStyle(), QTextCharFormat::SpellCheckUnderline) << from;
+        EXPECT_EQ(FormatOf(text1, from, length).underlineColor(), QColor(Qt::red)) << from;
+    }
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    QTextCursor at(text1->document());
+    at.setPosition(11);
+    const QPoint over = text1->cursorRect(at).center();
+    QHelpEvent help(QEvent::ToolTip, over, text1->viewport()->mapToGlobal(over));
+    QApplication::sendEvent(text1->viewport(), &help);
+    EXPECT_EQ(QToolTip::text(), "[PLAYR] is not a tag: it is saved as its characters.");
 
-    user.Yes();
+    // What the question names is checked below the window.
+    const std::string before = ReadFile(Rom());
+    user.No();
     Click("Command2");
-    EXPECT_EQ(user.Take(), (std::vector<Shown>{kLonger, kSaved}));
-    // Free space starts at 0xE00000; one free byte stays in front of the text.
-    EXPECT_EQ(At(0xE00001, encoded.size()), encoded);
-    for (std::size_t pointer : {0x0F0000, 0x0F8000}) EXPECT_EQ(At(pointer, 4), Bytes("0100E008")) << pointer;
-    EXPECT_EQ(Caption(*window, "Label3"), "E00001");
+    const auto shown = user.Take();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].kind, Shown::Question);
+    EXPECT_EQ(ReadFile(Rom()), before);
+
+    text1->setFocus();
+    QTest::keyClick(text1, Qt::Key_Tab);
+    EXPECT_FALSE(Text1().contains(QLatin1Char('\t')));
+    EXPECT_FALSE(text1->hasFocus());
 }
 
 TEST_F(MainWindowTest, ExitAndTheCloseHotspotCloseEveryWindowWithoutAQuestion) {
@@ -197,52 +191,6 @@ TEST_F(MainWindowTest, AboutHelpAndLiveUpdateOpenModallyOverItOnALeftClickOnly) 
     EXPECT_TRUE(user.Take().empty());
 }
 
-TEST_F(MainWindowTest, SearchMatchesCaseByChoiceNamesTheEntryOfAMatchAndJumpsToIt) {
-    StartAndOpen();
-    ui::SearchDialog search(*session, clipboard, window.get());
-    auto status = [&] { return Child<QStatusBar>(search, "StatusBar1")->currentMessage(); };
-    auto* matchCase = Child<QCheckBox>(search, "chkMatchCase");
-    EXPECT_TRUE(matchCase->isChecked());
-    EXPECT_FALSE(Child(search, "Command2")->isEnabled());
-    QTest::keyClicks(Child(search, "Text1"), "THE LAMP HAS");
-    ClickChild(search, "Command1");
-    EXPECT_EQ(status(), "Result: Text could not be found!");
-    EXPECT_TRUE(Child(search, "cmdJump")->isHidden());
-
-    matchCase->setChecked(false);
-    ClickChild(search, "Command1");
-    const QString offset = Child<QLineEdit>(search, "Text2")->text();
-    EXPECT_EQ(status(), "Result: Text found at Offset " + offset + " (Decimal)! in Lighthouse / Keeper");
-    EXPECT_TRUE(Child<QPlainTextEdit>(search, "Text3")->toPlainText().contains("lamp has"));
-    EXPECT_TRUE(Child(search, "Command2")->isEnabled());
-    ASSERT_FALSE(Child(search, "cmdJump")->isHidden());
-    ClickChild(search, "cmdJump");
-    EXPECT_EQ(search.result(), QDialog::Accepted);
-    EXPECT_EQ(Tree()->currentIndex(), Node("Lighthouse", "Keeper"));
-    EXPECT_TRUE(Text1().startsWith("Welcome up"));
-    // The Japanese table previews only and blocks searching.
-    ClickChild(search, "Option1_1");
-    for (const char* name : {"Command1", "Command2", "Command4"})
-        EXPECT_FALSE(Child(search, name)->isEnabled()) << name;
-}
-
-TEST_F(MainWindowTest, TheScriptWindowWritesAScriptIntoFreeSpace) {
-    StartAndOpen();
-    ui::AddScriptDialog script(*session, window.get());
-    ClickChild(script, "Option1_1");
-    EXPECT_FALSE(Child(script, "txtOffset")->isEnabled());
-    EXPECT_TRUE(Child(script, "txtText")->isEnabled());
-    ClickChild(script, "Option1_0");
-    QTest::keyClicks(Child(script, "txtOffset"), "123456");
-    ClickChild(script, "Command1");
-    EXPECT_EQ(script.result(), QDialog::Accepted);
-    const auto shown = user.Take();
-    ASSERT_EQ(shown.size(), 1u);
-    ASSERT_EQ(shown[0].text.rfind("Saved script to offset ", 0), 0u) << shown[0];
-    const std::string offsetHex = shown[0].text.substr(23, shown[0].text.find('(') - 23);
-    EXPECT_EQ(At(std::stoul(offsetHex, nullptr, 16), 13), Bytes("6A5A0F005634120809036C0200"));
-}
-
 TEST_F(MainWindowTest, ExportAddsTxtToANameWithoutExtensionOnly) {
     StartAndOpen();
     Select("Harbour", "Gull");
@@ -255,52 +203,85 @@ TEST_F(MainWindowTest, ExportAddsTxtToANameWithoutExtensionOnly) {
     EXPECT_FALSE(std::filesystem::exists(dir / "gull"));
 }
 
-// The format drawn on the characters from `from`, `length` long, of the first line.
-QTextCharFormat FormatOf(QPlainTextEdit* editor, int from, int length) {
-    for (const QTextLayout::FormatRange& r : editor->document()->firstBlock().layout()->formats())
-        if (r.start == from && r.length == length) return r.format;
-    return {};
-}
-
-TEST_F(MainWindowTest, TheEditorMarksTagsAndWhatWouldBeSavedWrongAndAsksBeforeSavingIt) {
+// The fit check over the demonstration ROM and its own font: a line over the
+// box is marked with its width while typing.
+TEST_F(MainWindowTest, ALineOverTheBoxIsMarkedWhileTypingAndCheckAllListsTheWideTexts) {
     StartAndOpen();
-    Select("Harbour", "Gull");
     auto* text1 = Find<QPlainTextEdit>("Text1");
-    text1->setPlainText(QStringLiteral("[PLAYER] [PLAYR] [&HZZ] \u20AC"));
-    EXPECT_EQ(FormatOf(text1, 0, 8).underlineStyle(), QTextCharFormat::NoUnderline);
-    EXPECT_TRUE(FormatOf(text1, 0, 8).hasProperty(QTextFormat::ForegroundBrush));
-    for (auto [from, length] : {std::pair{9, 7}, {17, 6}, {24, 1}}) {
-        EXPECT_EQ(FormatOf(text1, from, length).underlineStyle(), QTextCharFormat::SpellCheckUnderline) << from;
-        EXPECT_EQ(FormatOf(text1, from, length).underlineColor(), QColor(Qt::red)) << from;
-    }
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
-    QTextCursor at(text1->document());
-    at.setPosition(11);
-    const QPoint over = text1->cursorRect(at).center();
-    QHelpEvent help(QEvent::ToolTip, over, text1->viewport()->mapToGlobal(over));
-    QApplication::sendEvent(text1->viewport(), &help);
-    EXPECT_EQ(QToolTip::text(), "[PLAYR] is not a tag: it is saved as its characters.");
+    Select("Lighthouse", "Lit");  // its first line is 255 px in the demo font
+    ASSERT_EQ(text1->extraSelections().size(), 1);
+    EXPECT_EQ(text1->extraSelections()[0].cursor.blockNumber(), 0);
+    EXPECT_EQ(text1->extraSelections()[0].format.toolTip(), "255 / 208 px");
+    EXPECT_EQ(Caption(*window, "lblFit"), "1 line too wide");
 
-    const std::string before = ReadFile(Rom());
-    user.No();
-    Click("Command2");
-    const auto shown = user.Take();
-    ASSERT_EQ(shown.size(), 1u);
-    EXPECT_EQ(shown[0].kind, Shown::Question);
-    for (const char* named : {"\"[PLAYR]\"", "\"[&HZZ]\"", "\"\u20AC\""})
-        EXPECT_NE(shown[0].text.find(named), std::string::npos) << named;
-    EXPECT_EQ(ReadFile(Rom()), before);
+    // Two wide lines, the second after an empty line (a new box); then none.
+    const QString wide = QStringLiteral("The lamp flares bright red, then settles to gold");
+    text1->setPlainText(wide + ".\n\n" + wide + "!");
+    ASSERT_EQ(text1->extraSelections().size(), 2);
+    EXPECT_EQ(text1->extraSelections()[1].cursor.blockNumber(), 2);
+    EXPECT_EQ(Caption(*window, "lblFit"), "2 lines too wide");
+    text1->setPlainText(QStringLiteral("Short."));
+    EXPECT_TRUE(text1->extraSelections().isEmpty());
+    EXPECT_EQ(Caption(*window, "lblFit"), "");
 
-    text1->setFocus();
-    QTest::keyClick(text1, Qt::Key_Tab);
-    EXPECT_FALSE(Text1().contains(QLatin1Char('\t')));
-    EXPECT_FALSE(text1->hasFocus());
+    // "Check all" lists the wide texts of the game; a double click opens one.
+    QStringList keys;
+    OnModals({[&](QWidget* dialog) {
+        auto* list = Child<QTreeWidget>(*dialog, "lstCheckAll");
+        for (int i = 0; i < list->topLevelItemCount(); ++i) {
+            const QTreeWidgetItem* item = list->topLevelItem(i);
+            keys << item->text(0) + "/" + item->text(1) + " " + item->text(4);
+        }
+        emit list->itemDoubleClicked(list->topLevelItem(2), 0);
+    }});
+    Trigger(window->ToolsMenu(), "mnuCheckAll");
+    EXPECT_EQ(keys, (QStringList{"Lighthouse/Lit 255 / 208 px", "Lighthouse/Cat 215 / 208 px",
+                                 "Market/Baker 221 / 208 px"}));
+    EXPECT_EQ(Caption(*window, "Label3"), "10031F");  // Baker opened
 }
 
-TEST(TwipsToPixels, FifteenTwipsPerPixelAt96DpiRoundedHalfToEven) {
-    EXPECT_EQ(ui::TwipsToPixels(10050, 96), 670);
-    EXPECT_EQ(ui::TwipsToPixels(6885, 144), 688);  // 688.5
+TEST_F(MainWindowTest, PointerCountAndReferencesWindowCopyingAnOffset) {
+    StartAndOpen();
+    Select("Lighthouse", "Keeper");
+    QStringList kinds;
+    QString copied, label;
+    OnModals({[&](QWidget* modal) {
+        label = Caption(*modal, "lblReferences");
+        auto* list = Child<QTreeWidget>(*modal, "lstReferences");
+        for (int i = 0; i < list->topLevelItemCount(); ++i) kinds << list->topLevelItem(i)->text(1);
+        if (QTreeWidgetItem* last = list->topLevelItem(list->topLevelItemCount() - 1)) {
+            emit list->itemDoubleClicked(last, 2);
+            copied = last->text(0);
+        }
+        modal->close();
+    }});
+    Trigger(window->TextMenu(), "mnuReferences");
+    ASSERT_FALSE(kinds.isEmpty());
+    EXPECT_EQ(Caption(*window, "lblPointers"), QStringLiteral("Pointers: %1").arg(kinds.size()));
+    EXPECT_TRUE(label.startsWith(QStringLiteral("%1 places hold the pointer to offset 10018A").arg(kinds.size())));
+    EXPECT_EQ(kinds.count(QStringLiteral("Aligned data")), kinds.size());  // the demo's pointer tables
+    EXPECT_FALSE(copied.isEmpty());
+    EXPECT_EQ(clipboard.text, copied.toStdString());
+}
+
+// The Tools menu's scan, export and import reach their commands with their
+// own titles and filters; what they report is checked below the window.
+TEST_F(MainWindowTest, ToolsMenuScanExportAndImportAskAndReport) {
+    StartAndOpen();
+    const std::filesystem::path po = dir / "demo.po";
+    EXPECT_EQ(Child<QAction>(*window->ToolsMenu(), "mnuFindTexts")->text(), "Find Texts in ROM...");
+    user.Then(po).Then(po);  // the scan finds nothing new; the import finds nothing translated
+    Trigger(window->ToolsMenu(), "mnuFindTexts");
+    Trigger(window->ToolsMenu(), "mnuExportAll");
+    Trigger(window->ToolsMenu(), "mnuImportTranslation");
+    const auto shown = user.Take();
+    ASSERT_EQ(shown.size(), 5u);
+    EXPECT_EQ(shown[0].title, "Find Texts in ROM");
+    EXPECT_EQ(window->findChild<QWidget*>(QStringLiteral("frmProgress")), nullptr);  // closed at the end
+    EXPECT_EQ(shown[1], (Shown{Shown::SaveFile, "Export All Texts", "PO files (*.po)|*.po|All files (*.*)|*.*"}));
+    EXPECT_NE(shown[2].text.find(" texts written to demo.po."), std::string::npos) << shown[2].text;
+    EXPECT_EQ(shown[3], (Shown{Shown::OpenFile, "Import Translation", "PO files (*.po)|*.po|All files (*.*)|*.*"}));
+    EXPECT_NE(shown[4].text.find("Nothing was written: no text changed."), std::string::npos) << shown[4].text;
 }
 
 }  // namespace

@@ -8,16 +8,12 @@
 #include "ui/add_script_dialog.h"
 #include "ui/explanation_dialogs.h"
 #include "ui/japanese_dialog.h"
-#include "ui/qt_prompter.h"
 #include "ui/search_dialog.h"
 #include "ui/add_offset_dialog.h"
 #include "ui/xp_button.h"
 #include "offsets/add_offset_form.h"
-#include "offsets/startup.h"
 
 #include <QApplication>
-#include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 
 using namespace quillon;
@@ -131,89 +127,6 @@ TEST_F(MainWindowTest, CornersAreSmoothWhereTheScreenCompositesAndCutByTheRegion
             if (const int a = qAlpha(shot.pixel(x, y)); a > 0 && a < 255) ++partial;
     EXPECT_GT(partial, 3);
     EXPECT_EQ(qAlpha(shot.pixel(0, 0)), 0);
-}
-
-// Answers from the script, but shows the add-offset window, and the messages
-// asked while a window is modal, as the program does.
-class QtWindowsPrompter : public FakePrompter {
-public:
-    void Message(Icon icon, std::string_view text, std::string_view title) override {
-        if (QApplication::activeModalWidget())
-            qt.Message(icon, text, title);
-        else
-            FakePrompter::Message(icon, text, title);
-    }
-    void ShowAddOffset(AddOffsetForm& form) override { qt.ShowAddOffset(form); }
-    ui::QtPrompter qt;
-};
-
-TEST_F(MainWindowTest, TheAddOffsetWindowBelongsToItsOpenerAndCancelIsOffOnlyAfterOffset) {
-    QtWindowsPrompter router;
-    session = std::make_unique<Session>(dir.path(), router);
-    window = std::make_unique<ui::MainWindow>(*session, clipboard);
-    router.qt.SetParent(window.get());
-    ASSERT_TRUE(StartUp(*session));
-    router.Then(Rom());
-    Click("XPButton1");
-    window->show();
-
-    struct Seen {
-        QWidget* owner = nullptr;
-        bool cancel = false;
-    };
-    auto see = [](Seen& into) {
-        return [&into](QWidget* w) {
-            into = {w->parentWidget(), Child(*w, "Command2")->isEnabled()};
-            static_cast<QDialog*>(w)->reject();
-        };
-    };
-
-    Seen offset, search, script;
-    QWidget *searchWindow = nullptr, *addOffsetWindow = nullptr, *messageOwner = nullptr;
-    router.Then(std::string("1048576"));
-    OnModals({see(offset)});
-    Click("Command5");
-
-    OnModals({[&](QWidget* w) {
-                  searchWindow = w;
-                  QTest::keyClicks(Child(*w, "Text1"), "lamp");
-                  ClickChild(*w, "Command1");
-                  ClickChild(*w, "Command3");
-                  static_cast<QDialog*>(w)->reject();
-              },
-              [&](QWidget* w) {
-                  addOffsetWindow = w;
-                  search = {w->parentWidget(), Child(*w, "Command2")->isEnabled()};
-                  // A refused name: the message box belongs to the add-offset window.
-                  Child<QLineEdit>(*w, "Text1")->setText(QStringLiteral("[bad]"));
-                  Child<QLineEdit>(*w, "Text2")->setText(QStringLiteral("Lamp"));
-                  ClickChild(*w, "Command1");
-                  static_cast<QDialog*>(w)->reject();
-              },
-              [&](QWidget* w) {
-                  messageOwner = w->parentWidget();
-                  static_cast<QMessageBox*>(w)->accept();
-              }});
-    Click("XPButton3");
-
-    OnModals({[&](QWidget* w) {
-                  QTest::keyClicks(Child(*w, "txtOffset"), "123456");
-                  Child<QAbstractButton>(*w, "Check1")->setChecked(true);
-                  ClickChild(*w, "Command1");
-              },
-              [](QWidget* w) { static_cast<QMessageBox*>(w)->accept(); },  // "Saved script to offset ..."
-              see(script)});
-    Trigger(window->ToolsMenu(), "mnuTextScript");
-
-    EXPECT_EQ(offset.owner, window.get());
-    EXPECT_FALSE(offset.cancel);
-    ASSERT_NE(searchWindow, nullptr);
-    EXPECT_EQ(search.owner, searchWindow);
-    EXPECT_TRUE(search.cancel);
-    EXPECT_EQ(messageOwner, addOffsetWindow);
-    EXPECT_NE(script.owner, window.get());
-    EXPECT_TRUE(script.owner && script.owner->objectName() == "frmAddScript");
-    EXPECT_TRUE(script.cancel);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 
 #include <QLabel>
 #include <QLinearGradient>
-#include <QPainter>
+#include <QPalette>
 #include <QWidget>
 
 namespace quillon::ui {
@@ -18,32 +18,23 @@ constexpr const char* kStyleNames[13] = {"Raised", "Framed",      "System", "Gra
                                          "Flat accent", "Pill", "Link", "Transparent", "Metal", "Oval"};
 constexpr const char* kStateNames[6] = {"Normal", "Hover", "Pressed", "Focused", "Disabled", "Checked"};
 
-// A soft diagonal ground, so that style 11 shows the pixels it takes.
-class Sheet : public QWidget {
-public:
-    using QWidget::QWidget;
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter p(this);
-        QLinearGradient g(0, 0, width(), height());
-        g.setColorAt(0, QColor(244, 247, 251));
-        g.setColorAt(1, QColor(214, 224, 238));
-        p.fillRect(rect(), g);
-        p.setPen(QColor(196, 206, 222));
-        p.drawLine(kMargin, kMargin + kHeaderHeight - 4, width() - kMargin, kMargin + kHeaderHeight - 4);
-    }
-};
-
 }  // namespace
 
 QWidget* MakeXPButtonGallery(QWidget* parent) {
-    auto* sheet = new Sheet(parent);
+    auto* sheet = new QWidget(parent);
     sheet->setObjectName(QStringLiteral("XPButtonGallery"));
     sheet->setWindowTitle(QStringLiteral("XPButton styles"));
     const int left = kMargin + kLabelWidth;
     sheet->setFixedSize(left + 6 * (kCellWidth + kGap) - kGap + kMargin,
                         kMargin + kHeaderHeight + 13 * (kCellHeight + kGap) - kGap + kMargin);
+    // A soft diagonal ground, so that style 11 shows the pixels it takes.
+    QLinearGradient ground(0, 0, sheet->width(), sheet->height());
+    ground.setColorAt(0, QColor(244, 247, 251));
+    ground.setColorAt(1, QColor(214, 224, 238));
+    QPalette palette = sheet->palette();
+    palette.setBrush(QPalette::Window, ground);
+    sheet->setPalette(palette);
+    sheet->setAutoFillBackground(true);
     QFont bold = sheet->font();
     bold.setBold(true);
     for (int s = 0; s < 6; ++s) {
