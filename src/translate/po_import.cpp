@@ -15,7 +15,7 @@
 #include <cctype>
 #include <map>
 #include <future>
-#include <optional>
+#include <memory>
 #include <unordered_map>
 
 namespace quillon {
@@ -109,44 +109,67 @@ std::size_t ImportPlan::Count(ImportKind kind) const {
         std::count_if(changes.begin(), changes.end(), [kind](const ImportChange& c) { return c.kind == kind; }));
 }
 
+// What the plan needs of the ROM and the offset file: their texts decoded,
+// the pointers to them and the free-space runs, each found in one pass.
+struct RomSide {
+    RomSide(const ImportRequest& request, Progress& progress)
+        : rom(request.rom),
+          image(rom.View()),
+          offsetText(io::ReadAll(request.offsetFile)),
+          entries(ReadOffsetEntries(offsetText)),
+          code(image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string_view()),
+          freeByte(FreeRun(code, 1)[0]),
+          texts(LoadEntryTexts(image, entries, freeByte, progress)),
+          current(Decoded(texts)),
+          pointers(image, Offsets(texts), progress),
+          freeSpace(image, freeByte,
+                    std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1),
+                                            kLowestPointable),
+                    std::uint64_t{kHighestPointable} + 1, progress) {}
+
+    static std::vector<std::string> Decoded(const std::vector<EntryText>& texts) {
+        std::vector<std::string> out(texts.size());
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            if (texts[i].problem.empty()) out[i] = DecodeText(texts[i].bytes, false);
+        return out;
+    }
+    static std::vector<std::uint32_t> Offsets(const std::vector<EntryText>& texts) {
+        std::vector<std::uint32_t> out;
+        for (const EntryText& t : texts)
+            if (t.problem.empty()) out.push_back(t.offset);
+        return out;
+    }
+
+    io::MappedFile rom;
+    std::string_view image;
+    std::string offsetText;
+    std::vector<OffsetEntry> entries;
+    std::string code;
+    char freeByte;
+    std::vector<EntryText> texts;    // point into `entries`
+    std::vector<std::string> current;  // each usable text as editor text
+    PointerIndex pointers;
+    FreeSpace freeSpace;
+};
+
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     // The PO file is read on a second thread while the ROM's side is prepared;
     // a PO file that cannot be read is reported first, as when read first.
     std::future<PoCatalog> reading = std::async(std::launch::async, [&request] { return ReadPo(request.po); });
-    std::optional<io::MappedFile> romFile;
-    std::string offsetText;
-    std::vector<OffsetEntry> entries;
-    std::vector<EntryText> texts;
-    std::vector<std::string> current;  // each text as editor text
-    std::optional<PointerIndex> pointers;
-    std::optional<FreeSpace> freeSpace;
-    std::string code;
-    char freeByte = '\xFF';
+    std::unique_ptr<RomSide> side;
     try {
-        romFile.emplace(request.rom);
-        offsetText = io::ReadAll(request.offsetFile);
-        entries = ReadOffsetEntries(offsetText);
-        const std::string_view image = romFile->View();
-        code = image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string_view();
-        freeByte = FreeRun(code, 1)[0];
-        texts = LoadEntryTexts(image, entries, freeByte, progress);
-        current.resize(texts.size());
-        std::vector<std::uint32_t> targets;
-        for (std::size_t i = 0; i < texts.size(); ++i) {
-            if (!texts[i].problem.empty()) continue;
-            current[i] = DecodeText(texts[i].bytes, false);
-            targets.push_back(texts[i].offset);
-        }
-        pointers.emplace(image, targets, progress);
-        const std::uint64_t firstFree = static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1);
-        freeSpace.emplace(image, freeByte, std::max<std::uint64_t>(firstFree, kLowestPointable),
-                          std::uint64_t{kHighestPointable} + 1, progress);
+        side = std::make_unique<RomSide>(request, progress);
     } catch (...) {
         reading.get();
         throw;
     }
     const PoCatalog catalog = reading.get();
-    const std::string_view image = romFile->View();
+    const std::string_view image = side->image;
+    const std::string& code = side->code;
+    const std::vector<EntryText>& texts = side->texts;
+    const std::vector<std::string>& current = side->current;
+    const PointerIndex& pointers = side->pointers;
+    FreeSpace& space = side->freeSpace;
     const std::string poCode = HeaderField(catalog, kGameCodeField);
     if (!poCode.empty() && poCode != Latin1ToUtf8(code))
         throw PoError("The PO file was exported from the game " + poCode + ", not from this ROM (" +
@@ -279,8 +302,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     // Moves: their pointers from the one pass over the image, then free space
     // handed out once for all of them.
     for (const Move& move : moves)
-        for (std::uint32_t at : pointers->Of(move.text->offset)) taken.push_back({at, at + 4u});
-    FreeSpace& space = *freeSpace;
+        for (std::uint32_t at : pointers.Of(move.text->offset)) taken.push_back({at, at + 4u});
     space.Exclude(std::move(taken));
 
     std::vector<bool> dropped(plan.changes.size(), false);
@@ -297,7 +319,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                  " to " + Hex(kHighestPointable));
             continue;
         }
-        const auto found = pointers->Of(change.offset);
+        const auto found = pointers.Of(change.offset);
         if (found.empty()) {
             drop("it needs moving, but no pointer to it was found");
             continue;
@@ -356,8 +378,8 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             if (auto to = movedTo.find(t.offset); to != movedTo.end()) values.emplace_back(t.entry, Hex(to->second));
         }
         plan.writes.offsetFile = request.offsetFile;
-        plan.writes.offsetBefore = offsetText;
-        plan.writes.offsetAfter = WithValues(offsetText, std::move(values));
+        plan.writes.offsetBefore = side->offsetText;
+        plan.writes.offsetAfter = WithValues(side->offsetText, std::move(values));
     }
     return plan;
 }
