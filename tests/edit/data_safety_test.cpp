@@ -41,6 +41,17 @@ bool Mentions(const std::vector<Shown>& shown, std::string_view text) {
     return false;
 }
 
+// A journal as the previous version wrote it: the same lines, checked by FNV-1a.
+std::string EarlierForm(const std::string& journal) {
+    std::string body = journal.substr(0, journal.rfind("end "));
+    body.replace(0, body.find('\n'), "QUILLON WRITE JOURNAL 2");
+    std::uint64_t h = 1469598103934665603ull;
+    for (char c : body) h = (h ^ static_cast<unsigned char>(c)) * 1099511628211ull;
+    char sum[24];
+    std::snprintf(sum, sizeof sum, "%016llx", static_cast<unsigned long long>(h));
+    return body + "end " + sum + "\n";
+}
+
 class Save : public ::testing::Test {
 protected:
     void Build(const RomBuilder& rom = Rom(), std::string_view settings = "FreeSpaceOffset=2097152",
@@ -296,7 +307,8 @@ TEST_F(Save, APendingJournalIsReplayedBeforeTheNextSaveAndNeverOverwritten) {
     EXPECT_THROW(CommitPlan(other), PlanRefused);
     EXPECT_EQ(ReadFile(JournalPath(w->Rom())), journal);
 
-    // The same session's next save replays it first, then saves.
+    // The same session's next save replays it first (also in its earlier form), then saves.
+    WriteFile(JournalPath(w->Rom()), EarlierForm(journal));
     w->user.Take();
     w->user.Yes();
     SaveText(w->session);
