@@ -17,10 +17,7 @@ TEST(HexToLong, ReadsHexOfEitherCaseAsSigned32BitsAndRefusesTheRest) {
 
 TEST(PadHex, GivesAnEvenNumberOfUpperCaseDigits) {
     const std::pair<std::int64_t, const char*> cases[] = {
-        {0, "00"},           {5, "05"},           {255, "FF"},       {0x123, "0123"}, {0x1000, "1000"},
-        {0x10000, "010000"}, {0xFFFFF, "0FFFFF"}, {0x71A2B4, "71A2B4"}, {0xF4240, "0F4240"},
-        {-1, "FFFFFFFF"},
-    };
+        {0, "00"}, {255, "FF"}, {0x123, "0123"}, {0x10000, "010000"}, {0x71A2B4, "71A2B4"}, {-1, "FFFFFFFF"}};
     for (auto [value, hex] : cases) EXPECT_EQ(PadHex(value), hex) << value;
 }
 
@@ -46,9 +43,8 @@ TEST(HexToBytes, TakesPairsAndAnOddLastDigitAlone) {
 
 // Offsets of up to six digits are padded to six, never shifted.
 TEST(PointerHex, RearrangesSixDigitsAndAppends08) {
-    const std::pair<const char*, const char*> cases[] = {{"71A2B4", "B4A27108"}, {"123456", "56341208"},
-                                                         {"100000", "00001008"}, {"abcdef", "EFCDAB08"},
-                                                         {"F4240", "40420F08"},  {"1", "01000008"}};
+    const std::pair<const char*, const char*> cases[] = {
+        {"71A2B4", "B4A27108"}, {"abcdef", "EFCDAB08"}, {"F4240", "40420F08"}, {"1", "01000008"}};
     for (auto [offset, pointer] : cases) EXPECT_EQ(PointerHex(offset), pointer) << offset;
     for (const char* bad : {"", "1000000", "FFFFFFF", "12345G", " 12345", "0x1234"})
         EXPECT_THROW(PointerHex(bad), TypeMismatch) << bad;

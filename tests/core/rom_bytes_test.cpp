@@ -16,14 +16,6 @@ protected:
     std::filesystem::path rom = dir / "rom.gba";
 };
 
-TEST_F(RomBytes, ReadBytesHexReadsCountBytesAndStopsAtTheEnd) {
-    WriteFile(rom, Bytes("0102A0FF7E"));
-    EXPECT_EQ(ReadBytesHex(rom, "0", 4), "0102A0FF");
-    EXPECT_EQ(ReadBytesHex(rom, "3", 4), "FF7E");
-    EXPECT_EQ(ReadBytesHex(rom, "5", 4), "");
-    EXPECT_EQ(ReadBytesHex(rom, "40", 1), "");
-}
-
 TEST_F(RomBytes, ReadBytesUntilReturnsTheBytesBeforeTheTerminator) {
     WriteFile(rom, Bytes("FF4100420A42FF"));
     EXPECT_EQ(ReadBytesUntil(rom, "0", 100, "FF"), "");

@@ -1,7 +1,5 @@
-#include "app/progress.h"
 #include "discover/discover.h"
 #include "discover/text_shape.h"
-#include "support/progress_recorder.h"
 #include "support/rom_builder.h"
 #include "support/temp_dir.h"
 
@@ -16,18 +14,18 @@ using test::Bytes;
 const std::string kHello = Bytes("C2D9E0E0E300E8DCD9E6D9AD");
 const std::string kGood = Bytes("C1E3E3D800D8D5EDAB");  // "Good day!"
 
+// The places each text command and aligned data make references are scored
+// by discover_figures; here the edges of the commands' arguments and the near
+// misses that stay suspect.
 TEST(ClassifyPlace, NamesTheRuleOfEachPlace) {
     struct Case {
         const char* before;  // hex of the bytes before the pointer
         std::uint32_t place;
         PlaceKind kind;
     } cases[] = {
-        {"0F00", 0x101, PlaceKind::ScriptOperand}, {"0F03", 0x103, PlaceKind::ScriptOperand},
-        {"0F04", 0x103, PlaceKind::Suspect},       {"6700", 0x101, PlaceKind::Suspect},
-        {"0067", 0x101, PlaceKind::ScriptOperand}, {"0078", 0x102, PlaceKind::ScriptOperand},
+        {"0F00", 0x101, PlaceKind::ScriptOperand}, {"0F04", 0x103, PlaceKind::Suspect},
         {"8502", 0x103, PlaceKind::ScriptOperand}, {"8503", 0x103, PlaceKind::Suspect},
-        {"009B", 0x101, PlaceKind::ScriptOperand}, {"00BD", 0x101, PlaceKind::ScriptOperand},
-        {"1234", 0x100, PlaceKind::AlignedData},   {"1234", 0x102, PlaceKind::Suspect},
+        {"6700", 0x101, PlaceKind::Suspect},       {"1234", 0x102, PlaceKind::Suspect},
     };
     for (const Case& c : cases) {
         std::string image(0x200, '\0');
@@ -90,21 +88,14 @@ TEST(DiscoverTexts, TakesReferencedTextsAndLeavesDecoys) {
     rom.Pointer(0x8000, 0x1001).Pointer(0x8004, 0x1001);          // two table slots
     rom.PutHex(0x8009, "0F00").Pointer(0x800B, 0x100E);            // a script operand
     rom.Pointer(0x8012, 0x2001);                                  // only a suspect place
-    rom.Pointer(0x8018, 0x1005);                                  // inside "Hello there."
     rom.Pointer(0x801C, 0x4000);                                  // at bytes without entry
     const auto found = DiscoverTexts(rom.bytes());
     ASSERT_EQ(found.size(), 2u);
     EXPECT_EQ(found[0].offset, 0x1001u);
     EXPECT_EQ(found[0].length, kHello.size());
-    EXPECT_EQ(found[0].preview, "Hello there.");
     EXPECT_EQ(found[0].pointers.size(), 2u);
     EXPECT_EQ(found[1].offset, 0x100Eu);
     EXPECT_EQ(found[1].pointers.at(0).kind, PlaceKind::ScriptOperand);
-
-    test::ProgressRecorder stop;
-    stop.stopAtStep = 1;
-    EXPECT_THROW(DiscoverTexts(rom.bytes(), &stop), Cancelled);
-    EXPECT_EQ(stop.open, 0);
 }
 
 TEST(Preview, OneLineCutAtWholeCharacters) {

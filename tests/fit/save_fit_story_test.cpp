@@ -34,8 +34,6 @@ TEST(SaveFit, ALineOverTheBoxAsksFirstAndNoWritesNothing) {
         {"no", "BPRE", kWide, "", sameWidth, {false}, {TooWide(217)}},
         {"yes", "BPRE", kWide, "", sameWidth, {true}, {TooWide(217), kSaved}},
         {"before the repoint", "BPRE", kWide, "", twoWide, {true, false}, {TooWide(224, "2 lines", "are"), kLonger}},
-        {"fits", "BPRE", "\xC7", "", "", {}, {kSaved}},
-        {"no font known", "QLNE", kWide, "", "", {}, {kSaved}},
         {"names at their longest", "BPRE", kNames, "", "", {false}, {TooWide(211)}},
         {"sample name", "BPRE", kNames, "[Fit]\r\nSampleName=ASH\r\n", "", {}, {kSaved}},  // "ASH": 15 px
         {"named font offsets", "QLNE", kWide, "[Fit]\r\nQLNEGlyphs=1FF300\r\nQLNEWidths=207300\r\n", "", {false},
