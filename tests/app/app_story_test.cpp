@@ -102,7 +102,6 @@ TEST_F(App, OpeningBuildsTheTreeFromAnExistingOffsetFile) {
     EXPECT_EQ(nodes[4].parent, 3u);
     const auto& c = w.session.controls;
     EXPECT_EQ(c.gameCode, "QLNE");
-    EXPECT_TRUE(c.treeEnabled && c.text1.enabled && c.searchEnabled && c.textScriptEnabled);
     EXPECT_FALSE(c.saveEnabled || c.tableEnabled || c.specialDialogEnabled || c.japaneseTable);
     EXPECT_EQ(c.repointCaption, "0 Characters left until repoint.");
     EXPECT_EQ(w.user.Take(), std::vector<Shown>({{Shown::OpenFile, "Open a Pokémon ROM...",
@@ -171,15 +170,6 @@ TEST_F(App, AnUnreadableRomOrAHeaderWithoutCodeIsRefused) {
 
 TEST_F(App, AddingWritesTheOffsetInHexAndSelectsTheNewEntry) {
     OpenStory();
-    AddOffsetForm form(w.session);  // the sections to choose from; a preset offset is locked
-    EXPECT_EQ(form.Sections(), (std::vector<std::string>{"Town", "Lab"}));
-    form.ChooseSection(1);
-    EXPECT_EQ(form.sectionName, "Lab");
-    EXPECT_TRUE(form.offsetEnabled && form.cancelEnabled);
-    AddOffsetForm preset(w.session, std::string("4096"));
-    EXPECT_EQ(preset.offsetDecimal, "4096");
-    EXPECT_TRUE(!preset.offsetEnabled && preset.cancelEnabled);  // only the "O&ffset" command disables Cancel
-    EXPECT_FALSE(AddOffsetForm(w.session, std::string("4096"), false).cancelEnabled);
     w.user.Take();
     EXPECT_TRUE(AddThroughWindow("Town", "Dad", "1000000"));
     EXPECT_EQ(ReadFile(w.OffsetFile()), "[Town]\r\nMom=100000\r\nSign=100010\r\nDad=F4240\r\n[Lab]\r\nOak=100020\r\n");

@@ -292,7 +292,7 @@ TEST_F(Tools, ScriptFreeSpaceWhosePointerWouldNeedOtherDigitsIsRefused) {
 
 TEST_F(Tools, ExportReplacesALongerFileWithTheTextAsLatin1) {
     const Shown done = Msg(Icon::Information, "Text exported successfully!", "Export done!");
-    const auto file = w.dir / "out.txt";
+    const auto file = w.dir / "out.text";  // any extension stays; a bare name gets ".txt"
     WriteFile(file, std::string(200, 'x'));
     EXPECT_EQ(Export("[PLAYER] café €\r\nline 2", file), std::vector<Shown>{done});
     EXPECT_EQ(ReadFile(file), "[PLAYER] caf\xE9 ?\r\nline 2");
@@ -301,6 +301,9 @@ TEST_F(Tools, ExportReplacesALongerFileWithTheTextAsLatin1) {
     EXPECT_EQ(Export("", file), std::vector<Shown>{done});
     EXPECT_TRUE(std::filesystem::exists(file));
     EXPECT_EQ(ReadFile(file), "");
+    EXPECT_EQ(Export("bare", w.dir / "bare"), std::vector<Shown>{done});
+    EXPECT_EQ(ReadFile(w.dir / "bare.txt"), "bare");
+    EXPECT_FALSE(std::filesystem::exists(w.dir / "bare"));
 
     w.user.Cancelled();
     ExportText(w.session);

@@ -49,13 +49,18 @@ TEST_F(MainWindowTest, StartsWithNothingToEditAndOpensTheDemoRom) {
     for (const char* name : {"Command2", "Option1_0", "Check1"}) EXPECT_TRUE(Find(name)->isEnabled()) << name;
 }
 
-TEST_F(MainWindowTest, TheTreeMenuSelectsOnRightClickDeletesAndAddsOnEnter) {
+TEST_F(MainWindowTest, TheTreeReloadsOnAClickItsMenuSelectsOnRightClickDeletesAndAddsOnEnter) {
     StartAndOpen();
     QTreeView* tree = Tree();
     const QModelIndex baker = Node("Market", "Baker");
     ASSERT_TRUE(baker.isValid());
-    // On empty space below the nodes: no menu, and the selection stays.
+    // A click on the selected node loads its text again.
     Select("Harbour", "Gull");
+    QTest::keyClicks(Find("Text1"), "xyz");
+    ASSERT_NE(Text1(), "Kree! Kree!");
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(Node("Harbour", "Gull")).center());
+    EXPECT_EQ(Text1(), "Kree! Kree!");
+    // On empty space below the nodes: no menu, and the selection stays.
     tree->collapseAll();
     const QPoint empty(tree->viewport()->width() / 2, tree->viewport()->height() - 4);
     ASSERT_FALSE(tree->indexAt(empty).isValid());
@@ -94,9 +99,13 @@ QTextCharFormat FormatOf(QPlainTextEdit* editor, int from, int length) {
     return {};
 }
 
-TEST_F(MainWindowTest, TheEditorSwallowsShiftInsertEditsTheSelectionAndMarksWhatWouldBeSavedWrong) {
+TEST_F(MainWindowTest, TheEditorExportsSwallowsShiftInsertEditsTheSelectionAndMarksWhatWouldBeSavedWrong) {
     StartAndOpen();
     Select("Harbour", "Gull");
+    user.Then(dir / "gull.txt");
+    Trigger(window->TextMenu(), "mnuExport");
+    EXPECT_EQ(ReadFile(dir / "gull.txt"), "Kree! Kree!");
+    user.Take();
     auto* text1 = Find<QPlainTextEdit>("Text1");
     QGuiApplication::clipboard()->setText(QStringLiteral("PASTED"));
     text1->moveCursor(QTextCursor::End);
@@ -185,18 +194,6 @@ TEST_F(MainWindowTest, AboutHelpAndLiveUpdateOpenModallyOverItOnALeftClickOnly) 
         EXPECT_TRUE(seen.modal) << title.toStdString();
     }
     EXPECT_TRUE(user.Take().empty());
-}
-
-TEST_F(MainWindowTest, ExportAddsTxtToANameWithoutExtensionOnly) {
-    StartAndOpen();
-    Select("Harbour", "Gull");
-    for (const char* name : {"gull", "gull.text"}) {
-        user.Then(dir / name);
-        Trigger(window->TextMenu(), "mnuExport");
-        const std::string written = std::string(name) == "gull" ? "gull.txt" : name;
-        EXPECT_EQ(ReadFile(dir / written), "Kree! Kree!") << name;
-    }
-    EXPECT_FALSE(std::filesystem::exists(dir / "gull"));
 }
 
 // The fit check over the demonstration ROM and its own font: a line over the
