@@ -102,8 +102,6 @@ TEST_F(App, OpeningBuildsTheTreeFromAnExistingOffsetFile) {
     EXPECT_EQ(nodes[4].parent, 3u);
     const auto& c = w.session.controls;
     EXPECT_EQ(c.gameCode, "QLNE");
-    EXPECT_FALSE(c.saveEnabled || c.tableEnabled || c.specialDialogEnabled || c.japaneseTable);
-    EXPECT_EQ(c.repointCaption, "0 Characters left until repoint.");
     EXPECT_EQ(w.user.Take(), std::vector<Shown>({{Shown::OpenFile, "Open a Pokémon ROM...",
                                                   "GameBoy Advance ROMs (*.gba;*.agb;*.bin)|*.agb;*.gba;*.bin|"
                                                   "All files (*.*)|*.*"}}));
