@@ -129,7 +129,6 @@ TEST_F(App, WithoutAnOffsetFileYesCreatesABlankOneAndNoLeavesTheRomClosed) {
                       "' ROM Language : Japanese\r\n' ROM Maker    : Nintendo\r\n'\r\n" + stars);
     EXPECT_TRUE(w.session.tree.Nodes().empty());
     EXPECT_TRUE(w.session.controls.treeEnabled && w.session.controls.japaneseTable);
-    EXPECT_FALSE(w.session.controls.tableEnabled);
 
     StoryRom().Save(w.Rom());  // QLNE: no offset file yet
     w.user.No();

@@ -247,8 +247,6 @@ TEST_F(Tools, ScriptEmptyBoxesDoNothingAndBadOffsetsSettingsAndRomsAreRefusedBef
     Script("").AddScript();
     auto textChosen = Script("123456");
     textChosen.ChooseOption(1);
-    EXPECT_TRUE(textChosen.frame3Enabled && textChosen.txtText.enabled && !textChosen.frame2Enabled &&
-                !textChosen.txtOffsetEnabled);
     textChosen.AddScript();
     EXPECT_TRUE(w.user.shown.empty());
     EXPECT_FALSE(textChosen.Closed());
