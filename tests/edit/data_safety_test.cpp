@@ -184,8 +184,6 @@ TEST_F(Save, SelectingShowsTheTextAndTheCounterTellsBytesLeftOrBytesToRepoint) {
 
     w->session.tree.Select(0);  // the section node
     Text_Load(w->session);
-    EXPECT_EQ(c.text1.Text(), "");
-    EXPECT_EQ(c.offsetCaption, "");
     EXPECT_FALSE(c.saveEnabled || c.tableEnabled || c.specialDialogEnabled);
     EXPECT_EQ(c.repointCaption, "0 Characters left until repoint.");
 }

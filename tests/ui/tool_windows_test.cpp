@@ -33,8 +33,8 @@ TEST(MenuExplanationWindow, PicturesExplainTheirItemOrOpenTheColourWindowOverIt)
     help.show();
     QTest::mouseClick(Child(help, "Image9"), Qt::RightButton);  // the right button explains nothing
     for (const char* picture : {"Image9", "Image1"}) ClickChild(help, picture);  // Image1 does nothing
-    EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Information, "This will insert the [&Hxx] tag which is used "
-                                                                     "to input hexadecimal values.")});
+    EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Information, "This will insert the [&Hxx] tag which is "
+                                                                     "used to input hexadecimal values.")});
     for (int image = 2; image <= 7; ++image) EXPECT_TRUE(MenuExplanation(image)) << image;
     const ModalSeen colours = OpenModal([&] { ClickChild(help, "Image8"); });
     EXPECT_EQ(colours.title, "Color Tag explanation");
