@@ -1,7 +1,6 @@
-// The text menus, their commands, the Japanese character list and the help pictures.
+// The text menus, their commands and the Japanese character list.
 #include "app/clipboard.h"
 #include "app/text_box.h"
-#include "edit/explanations.h"
 #include "edit/tag_commands.h"
 #include "edit/text_menus.h"
 #include "support/fake_prompter.h"
@@ -106,15 +105,4 @@ TEST(JapaneseList, CellsAppendHexTagsToTheEndOfTheSearchText) {
     EXPECT_EQ(search.Text(), "abc[&H06][&HAF]");
     EXPECT_EQ(search.SelectionStart(), 1u);
     EXPECT_EQ(search.SelectionLength(), 1u);
-}
-
-TEST(Explanations, PicturesExplainTheirItemOrOpenTheColourWindow) {
-    FakePrompter user;
-    EXPECT_EQ(ClickMenuExplanation(9, user), ExplanationClick::Message);
-    EXPECT_EQ(ClickMenuExplanation(8, user), ExplanationClick::OpenColorWindow);
-    EXPECT_EQ(ClickMenuExplanation(1, user), ExplanationClick::Nothing);
-    EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Information,
-                                                  "This will insert the [&Hxx] tag which is used to input "
-                                                  "hexadecimal values.")});
-    for (int image = 2; image <= 7; ++image) EXPECT_TRUE(MenuExplanation(image)) << image;
 }

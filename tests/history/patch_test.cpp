@@ -116,12 +116,10 @@ std::string Assemble(std::string_view body, std::string_view source, std::string
 
 TEST(BpsApply, RefusesWhatItCannotApplyFaithfully) {
     const std::string source = Noise(256, 3), target = Noise(256, 4), good = CreateBps(source, target);
-    std::string otherSource = source, flipped = good;
-    otherSource[100] ^= 1;
+    std::string flipped = good;
     flipped[good.size() / 2] ^= 1;
     const std::string s4 = source.substr(0, 4);
     const struct { const char* name; std::string source, patch, message; } cases[] = {
-        {"another_image", otherSource, good, "another image"},
         {"another_length", source + "x", good, "257"},
         {"damaged_patch", source, flipped, "checksum does not match its contents"},
         {"not_bps", source, "PATCHEOF", "not a BPS patch"},

@@ -1,7 +1,6 @@
 // The main window under the mouse and the keyboard as a new user meets it:
 // which press drags the window, which right-click opens which menu, what a
-// click on the selected node or a shared access key does, and the frames of
-// the auxiliary windows.
+// shared access key does, and the frames of the auxiliary windows.
 #include "main_window_fixture.h"
 #include "support/save_messages.h"
 #include "ui/about_dialog.h"
@@ -60,16 +59,6 @@ TEST_F(MainWindowTest, OnlyAPressOnTheBackgroundThatMovesDragsTheWindow) {
         EXPECT_EQ(moves, c.drags) << c.what;
     }
     EXPECT_TRUE(window->isVisible());  // the hotspot was left before the release
-}
-
-TEST_F(MainWindowTest, ClickingTheSelectedNodeLoadsItsTextAgain) {
-    StartAndOpen();
-    Select("Harbour", "Gull");
-    QTest::keyClicks(Find("Text1"), "xyz");
-    ASSERT_NE(Text1(), "Kree! Kree!");
-    QTreeView* tree = Tree();
-    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(Node("Harbour", "Gull")).center());
-    EXPECT_EQ(Text1(), "Kree! Kree!");
 }
 
 TEST_F(MainWindowTest, AnAccessKeySharedByTwoButtonsClicksTheFirstThatIsEnabled) {
