@@ -78,7 +78,6 @@ TEST_F(MainWindowTest, AnAccessKeySharedByTwoButtonsClicksTheFirstThatIsEnabled)
 
 TEST_F(MainWindowTest, OffsetIsAPlainButtonAndTheToolWindowsHaveFixedFrames) {
     EXPECT_NE(qobject_cast<QPushButton*>(Find("Command5")), nullptr);
-    EXPECT_EQ(qobject_cast<ui::XPButton*>(Find("Command5")), nullptr);
     EXPECT_EQ(Caption(*window, "lblTextborder"), "Textbox-Border");
 
     StartAndOpen();
