@@ -266,31 +266,27 @@ std::size_t InputFile::Read(std::uint64_t offset, char* out, std::size_t count) 
     return got;
 }
 
-MappedFile::MappedFile(const std::filesystem::path& path) {
+FileCopy::FileCopy(const std::filesystem::path& path) {
 #ifdef QUILLON_HAVE_MMAP
-    std::error_code ec;
-    if (!std::filesystem::is_directory(path, ec)) {
-        const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-        struct stat st {};
-        if (fd >= 0 && ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) {
-            const auto size = static_cast<std::size_t>(st.st_size);
-            void* p = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
-            if (p != MAP_FAILED) {
-                mapping_ = p;
-                view_ = {static_cast<const char*>(p), size};
-            }
+    InputFile in(path);
+    capacity_ = static_cast<std::size_t>(in.Size());
+    if (capacity_ > 0) {
+        void* p = ::mmap(nullptr, capacity_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE,
+                         -1, 0);
+        if (p != MAP_FAILED) {
+            buffer_ = p;
+            view_ = {static_cast<const char*>(p), in.Read(0, static_cast<char*>(p), capacity_)};
+            return;
         }
-        if (fd >= 0) ::close(fd);
-        if (mapping_) return;
     }
 #endif
     copy_ = ReadAll(path);
     view_ = copy_;
 }
 
-MappedFile::~MappedFile() {
+FileCopy::~FileCopy() {
 #ifdef QUILLON_HAVE_MMAP
-    if (mapping_) ::munmap(mapping_, view_.size());
+    if (buffer_) ::munmap(buffer_, capacity_);
 #endif
 }
 

@@ -64,22 +64,25 @@ private:
 // Whole file; throws FileError when it cannot be read.
 std::string ReadAll(const std::filesystem::path& path);
 
-// A whole file for reading, mapped from the system's cache where it can be
-// (no copy, no zero-filled buffer), else read into memory. For short read-only
-// work over a large file, such as planning a batch of writes.
-class MappedFile {
+// A whole file read into memory for short read-only work over a large file,
+// such as planning a batch of writes. The buffer is a copy, so another program
+// cutting the file short cannot fault the reader (a mapping of the file itself
+// would), and it is mapped and cleared by the system in one go instead of page
+// by page; a std::string would also be zero-filled first.
+class FileCopy {
 public:
-    explicit MappedFile(const std::filesystem::path& path);
-    ~MappedFile();
-    MappedFile(const MappedFile&) = delete;
-    MappedFile& operator=(const MappedFile&) = delete;
+    explicit FileCopy(const std::filesystem::path& path);
+    ~FileCopy();
+    FileCopy(const FileCopy&) = delete;
+    FileCopy& operator=(const FileCopy&) = delete;
 
     std::string_view View() const { return view_; }
 
 private:
     std::string_view view_;
-    void* mapping_ = nullptr;
-    std::string copy_;  // when the file could not be mapped
+    void* buffer_ = nullptr;
+    std::size_t capacity_ = 0;
+    std::string copy_;  // where no such buffer can be had
 };
 
 // Overwrites bytes in place without truncating; lengthens the file when the

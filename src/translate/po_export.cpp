@@ -36,7 +36,7 @@ std::string Comments(const EntryText& t, std::size_t pointers, const fit::Font* 
 }  // namespace
 
 ExportSummary ExportPo(const ExportRequest& request, Progress& progress) {
-    const io::MappedFile romFile(request.rom);
+    const io::FileCopy romFile(request.rom);
     const std::string_view image = romFile.View();
     const std::string offsetText = io::ReadAll(request.offsetFile);
     const std::vector<OffsetEntry> entries = ReadOffsetEntries(offsetText);

@@ -140,7 +140,7 @@ struct RomSide {
         return out;
     }
 
-    io::MappedFile rom;
+    io::FileCopy rom;
     std::string_view image;
     std::string offsetText;
     std::vector<OffsetEntry> entries;
