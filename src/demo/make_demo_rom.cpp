@@ -1,9 +1,11 @@
 // Writes the demonstration ROM image quillon-demo.gba and its offset file
 // ini/QDME.ini into the folder given as the only argument. The texts tell a
 // short story of a seaside town; they exist only to be edited.
+#include "core/hex_text.h"
 #include "demo/demo_font.h"
 
 #include <quillon/codec.h>
+#include <quillon/rom.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -70,22 +72,9 @@ const std::vector<Entry> kEntries = {
 // The texts that a second pointer also refers to.
 const std::vector<std::size_t> kSecondPointerTexts = {0, 8, 15, 23};
 
-std::string HexToBytes(const std::string& hex) {
-    std::string out;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
-        out.push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-    return out;
-}
-
 void PutPointer(std::string& rom, std::size_t at, std::size_t target) {
     const std::uint32_t value = 0x08000000u + static_cast<std::uint32_t>(target);
     for (int i = 0; i < 4; ++i) rom[at + i] = static_cast<char>((value >> (8 * i)) & 0xFF);
-}
-
-std::string Hex(std::size_t value) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "%zX", value);
-    return buf;
 }
 
 }  // namespace
@@ -118,7 +107,7 @@ int main(int argc, char** argv) {
     std::vector<std::size_t> offsets;
     std::size_t at = kFirstText;
     for (const Entry& e : kEntries) {
-        std::string bytes = HexToBytes(quillon::EncodeText(e.text, false));
+        std::string bytes = quillon::HexToBytes(quillon::EncodeText(e.text, false));
         offsets.push_back(at);
         rom.replace(at, bytes.size(), bytes);
         at += bytes.size();
@@ -139,7 +128,7 @@ int main(int argc, char** argv) {
             section = kEntries[i].section;
             ini += "[" + section + "]\r\n";
         }
-        ini += std::string(kEntries[i].name) + "=" + Hex(offsets[i]) + "\r\n";
+        ini += std::string(kEntries[i].name) + "=" + quillon::PlainHex(offsets[i]) + "\r\n";
     }
     std::ofstream iniFile(out / "ini" / "QDME.ini", std::ios::binary | std::ios::trunc);
     iniFile << ini;

@@ -1,4 +1,5 @@
 #include "discover/offset_merge.h"
+#include "core/hex_text.h"
 
 #include "offsets/ini_document.h"
 
@@ -11,12 +12,6 @@ namespace quillon::discover {
 namespace {
 
 constexpr std::size_t kMaxKeyBytes = 30;
-
-std::string Hex(std::uint32_t value, const char* format = "%X") {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, format, value);
-    return buf;
-}
 
 // Offsets that the file's entries hold already, in any section.
 std::set<std::uint32_t> ListedOffsets(const ini::IniDocument& doc) {
@@ -91,7 +86,7 @@ std::string KeyNameFor(std::string_view preview, std::uint32_t offset) {
         from = to + 1;
     }
     for (std::size_t at; (at = name.find("Parent")) != std::string::npos;) name[at] = 'p';
-    if (name.empty()) name = "Text " + Hex(offset, "%06X");
+    if (name.empty()) name = "Text " + PlainHex(offset, 6);
     return name;
 }
 
@@ -122,13 +117,13 @@ Merge MergeFoundTexts(std::string_view offsetFile, const std::vector<FoundText>&
             const std::size_t runEnd = std::min(end, i + kMaxSectionEntries);
             const std::uint32_t first = split ? fresh[i]->offset : area << 16;
             const std::uint32_t last = split ? fresh[runEnd - 1]->offset : (area << 16) | 0xFFFF;
-            const std::string name = Unique("Texts " + Hex(first, "%06X") + "-" + Hex(last, "%06X"), sectionNames, " (%d)");
+            const std::string name = Unique("Texts " + PlainHex(first, 6) + "-" + PlainHex(last, 6), sectionNames, " (%d)");
             merge.text += "[" + name + "]\r\n";
             ++merge.sections;
             NameSet keys;
             for (; i < runEnd; ++i) {
                 const std::string key = Unique(KeyNameFor(fresh[i]->preview, fresh[i]->offset), keys, " %d");
-                merge.text += key + "=" + Hex(fresh[i]->offset) + "\r\n";
+                merge.text += key + "=" + PlainHex(fresh[i]->offset) + "\r\n";
                 ++merge.added;
             }
         }

@@ -1,4 +1,5 @@
 #include "edit/save_text.h"
+#include "core/hex_text.h"
 
 #include "app/session.h"
 #include "edit/free_space.h"
@@ -23,12 +24,6 @@ namespace {
 constexpr std::string_view kAskTitle = "Do you really want to do that?";
 constexpr std::int32_t kLowestPointable = 0x100000;
 constexpr std::int32_t kHighestPointable = 0xFFFFFF;
-
-std::string PlainHex(std::int32_t value) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "%X", static_cast<unsigned>(value));
-    return buf;
-}
 
 std::string Repeat(std::string_view piece, std::size_t times) {
     std::string out;

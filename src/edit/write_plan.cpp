@@ -1,4 +1,5 @@
 #include "edit/write_plan.h"
+#include "core/hex_text.h"
 
 #include "core/file_io.h"
 #include "history/history.h"
@@ -36,12 +37,6 @@ void AppendField(std::string& out, std::string_view bytes) {
     }
 }
 std::string Unfield(const std::string& field) { return field == "-" ? std::string() : HexToBytes(field); }
-
-std::string OffsetText(std::uint64_t offset) {
-    char buf[24];
-    std::snprintf(buf, sizeof buf, "%llX", static_cast<unsigned long long>(offset));
-    return buf;
-}
 
 // CRC-32 over the journal's lines, so a damaged journal is never replayed.
 std::string Checksum(std::string_view text) {
@@ -162,13 +157,13 @@ void CheckShape(const WritePlan& plan) {
     for (const auto& w : plan.romWrites) {
         if (w.before.size() != w.after.size())
             throw PlanRefused("Internal error: a write would change the length of the bytes at offset " +
-                              OffsetText(w.offset) + ".");
+                              PlainHex(w.offset) + ".");
         if (w.after.empty()) continue;
         if (w.offset < kFirstWritableOffset)
-            throw PlanRefused("Offset " + OffsetText(w.offset) +
+            throw PlanRefused("Offset " + PlainHex(w.offset) +
                               " lies inside the cartridge header (below C0), which Quillon never writes.");
         if (w.offset + w.after.size() > plan.romSize)
-            throw PlanRefused("The bytes at offset " + OffsetText(w.offset) + " would reach past the end of the ROM (" +
+            throw PlanRefused("The bytes at offset " + PlainHex(w.offset) + " would reach past the end of the ROM (" +
                               std::to_string(plan.romSize) + " bytes); Quillon never changes the ROM's length.");
         sorted.push_back(&w);
     }
@@ -176,7 +171,7 @@ void CheckShape(const WritePlan& plan) {
     for (std::size_t i = 1; i < sorted.size(); ++i)
         if (sorted[i - 1]->offset + sorted[i - 1]->after.size() > sorted[i]->offset)
             throw PlanRefused("Internal error: two writes of one save overlap at offset " +
-                              OffsetText(sorted[i]->offset) + ".");
+                              PlainHex(sorted[i]->offset) + ".");
 }
 
 constexpr std::string_view kChangedOutside = "The ROM was changed outside Quillon since the text was loaded";
@@ -191,7 +186,7 @@ void CheckUnchanged(const WritePlan& plan) {
         std::string now(w.before.size(), '\0');
         now.resize(rom.Read(w.offset, now.data(), now.size()));
         if (now != w.before)
-            throw ChangedOnDisk(std::string(kChangedOutside) + ": the bytes at offset " + OffsetText(w.offset) +
+            throw ChangedOnDisk(std::string(kChangedOutside) + ": the bytes at offset " + PlainHex(w.offset) +
                                 " differ from the ones it read.");
     }
     if (plan.offsetFile && ReadIfExists(*plan.offsetFile) != plan.offsetBefore)
@@ -264,7 +259,7 @@ std::vector<RomWrite> RangesFor(const std::filesystem::path& rom, const std::vec
     io::InputFile in(rom);
     for (const Span& s : merged) {
         if (s.end > in.Size())
-            throw PlanRefused("The bytes at offset " + OffsetText(s.begin) + " would reach past the end of the ROM (" +
+            throw PlanRefused("The bytes at offset " + PlainHex(s.begin) + " would reach past the end of the ROM (" +
                               std::to_string(in.Size()) + " bytes); Quillon never changes the ROM's length.");
         RomWrite w;
         w.offset = s.begin;
@@ -356,7 +351,7 @@ Recovery RecoverPending(const std::filesystem::path& rom) {
             if (now == w.after)
                 back.romWrites.push_back(w);
             else
-                differing.push_back(OffsetText(w.offset));
+                differing.push_back(PlainHex(w.offset));
         }
     }
     if (!differing.empty()) {

@@ -1,4 +1,5 @@
 #include "fit/fit_settings.h"
+#include "core/hex_text.h"
 
 #include "app/session.h"
 
@@ -41,12 +42,6 @@ std::optional<std::uint32_t> HexOffset(std::string_view text) {
     return static_cast<std::uint32_t>(HexToLong(text));
 }
 
-std::string Hex(std::uint32_t v) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "%X", v);
-    return buf;
-}
-
 }  // namespace
 
 FitSettings ReadFitSettings(const std::filesystem::path& settingsFile, std::string_view gameCode) {
@@ -69,8 +64,8 @@ void WriteSampleName(const std::filesystem::path& settingsFile, std::string_view
 
 void WriteNamedFont(const std::filesystem::path& settingsFile, std::string_view gameCode,
                     std::optional<FontPlace> place) {
-    Write(settingsFile, std::string(gameCode) + "Glyphs", place ? Hex(place->glyphs) : std::string());
-    Write(settingsFile, std::string(gameCode) + "Widths", place ? Hex(place->widths) : std::string());
+    Write(settingsFile, std::string(gameCode) + "Glyphs", place ? PlainHex(place->glyphs) : std::string());
+    Write(settingsFile, std::string(gameCode) + "Widths", place ? PlainHex(place->widths) : std::string());
 }
 
 FontResult SessionFont(const Session& session, FitSettings* settingsOut) {

@@ -1,4 +1,5 @@
 #include "fit/font.h"
+#include "core/hex_text.h"
 
 #include "core/file_io.h"
 
@@ -29,12 +30,6 @@ constexpr std::size_t kVersionAt = 0xBC;
 // Reads `count` bytes at `offset`; fewer at the end of the image.
 using Reader = std::function<std::string(std::uint64_t offset, std::size_t count)>;
 
-std::string Hex(std::uint64_t value) {
-    char buf[24];
-    std::snprintf(buf, sizeof buf, "0x%llX", static_cast<unsigned long long>(value));
-    return buf;
-}
-
 std::string Printable(std::string_view code) {
     std::string out;
     for (char c : code) out.push_back(c >= 0x20 && c < 0x7F ? c : '?');
@@ -45,13 +40,13 @@ std::optional<std::uint32_t> ReadPointer(const Reader& read, std::uint64_t image
                                          std::string& why, std::string_view what) {
     std::string p = read(at, 4);
     if (p.size() < 4) {
-        why = "no fit check: the image ends before the pointer to the " + std::string(what) + " at " + Hex(at) + ".";
+        why = "no fit check: the image ends before the pointer to the " + std::string(what) + " at " + PrefixedHex(at) + ".";
         return std::nullopt;
     }
     std::uint32_t value = 0;
     for (int i = 3; i >= 0; --i) value = value << 8 | static_cast<std::uint8_t>(p[static_cast<std::size_t>(i)]);
     if (value < kRomBase || value - kRomBase >= imageSize) {
-        why = "no fit check: the pointer to the " + std::string(what) + " at " + Hex(at) + " (" + Hex(value) +
+        why = "no fit check: the pointer to the " + std::string(what) + " at " + PrefixedHex(at) + " (" + PrefixedHex(value) +
               ") does not point into the image.";
         return std::nullopt;
     }
@@ -84,11 +79,11 @@ FontResult Locate(const Reader& read, std::uint64_t imageSize, std::optional<Fon
         place = {*glyphs, *widths};
     }
     if (std::uint64_t{place.widths} + kWidthCount > imageSize) {
-        result.why = "no fit check: the glyph widths at " + Hex(place.widths) + " reach past the end of the image.";
+        result.why = "no fit check: the glyph widths at " + PrefixedHex(place.widths) + " reach past the end of the image.";
         return result;
     }
     if (std::uint64_t{place.glyphs} + kGlyphCount * kGlyphBytes > imageSize) {
-        result.why = "no fit check: the glyph pictures at " + Hex(place.glyphs) + " reach past the end of the image.";
+        result.why = "no fit check: the glyph pictures at " + PrefixedHex(place.glyphs) + " reach past the end of the image.";
         return result;
     }
     Font font;

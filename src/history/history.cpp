@@ -1,4 +1,5 @@
 #include "history/history.h"
+#include "core/hex_text.h"
 
 #include "core/file_io.h"
 
@@ -106,12 +107,6 @@ void Trim(std::vector<HistoryEntry> entries, std::uint64_t limit) {
     }
 }
 
-std::string Hex(std::uint64_t v) {
-    char s[24];
-    std::snprintf(s, sizeof s, "0x%llX", static_cast<unsigned long long>(v));
-    return s;
-}
-
 // The plan that puts back the state before `saved`.
 WritePlan Reversed(const WritePlan& saved, const fs::path& rom, std::string command) {
     WritePlan plan;
@@ -168,7 +163,7 @@ Found Check(const WritePlan& plan, std::string_view what) {
     for (const RomWrite& w : plan.romWrites) {
         now.resize(w.before.size());
         now.resize(rom.Read(w.offset, now.data(), now.size()));
-        check(now, w.before, w.after, Hex(w.offset) + "-" + Hex(w.offset + w.before.size() - 1));
+        check(now, w.before, w.after, PrefixedHex(w.offset) + "-" + PrefixedHex(w.offset + w.before.size() - 1));
     }
     if (plan.offsetFile) {
         std::string text;

@@ -1,4 +1,5 @@
 #include "offsets/add_offset_form.h"
+#include "core/hex_text.h"
 
 #include "app/session.h"
 #include "core/file_io.h"
@@ -16,13 +17,6 @@ namespace quillon {
 namespace {
 
 bool HasLineBreak(std::string_view s) { return s.find_first_of("\r\n") != std::string_view::npos; }
-
-// Upper-case hex digits without leading zeros: 1000000 gives F4240.
-std::string PlainHex(std::uint32_t value) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "%X", value);
-    return buf;
-}
 
 // Changes the open game's offset file through the one writer, so the change
 // is guarded, journaled and kept in the history. False when it could not be

@@ -1,4 +1,5 @@
 #include "offsets/offset_text.h"
+#include "core/hex_text.h"
 
 #include <charconv>
 #include <cstdio>
@@ -22,12 +23,6 @@ std::optional<std::uint32_t> Digits(std::string_view s, int base) {
 
 bool HexPrefixed(std::string_view s) { return s.size() > 2 && s[0] == '0' && (s[1] == 'x' || s[1] == 'X'); }
 
-std::string Hex(std::uint32_t value) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "0x%X", value);
-    return buf;
-}
-
 }  // namespace
 
 std::optional<std::uint32_t> ParseDecimalOrHexOffset(std::string_view text) {
@@ -41,7 +36,7 @@ std::string DecimalBoxEcho(std::string_view text) {
     if (text.empty()) return {};
     const auto value = ParseDecimalOrHexOffset(text);
     if (!value) return "not a number";
-    return "= " + (HexPrefixed(text) ? std::to_string(*value) : Hex(*value));
+    return "= " + (HexPrefixed(text) ? std::to_string(*value) : PrefixedHex(*value));
 }
 
 std::string HexBoxEcho(std::string_view text) {

@@ -1,4 +1,5 @@
 #include "tools/add_script.h"
+#include "core/hex_text.h"
 
 #include "app/session.h"
 #include "core/file_io.h"
@@ -26,13 +27,6 @@ std::optional<std::int32_t> PointerTarget(std::string_view hex) {
     std::from_chars(hex.data(), hex.data() + hex.size(), value, 16);
     if (!InPointerRange(value)) return std::nullopt;
     return static_cast<std::int32_t>(value);
-}
-
-// Upper-case hex digits without leading zeros.
-std::string PlainHex(std::int32_t value) {
-    char buf[16];
-    std::snprintf(buf, sizeof buf, "%X", static_cast<unsigned>(value));
-    return buf;
 }
 
 constexpr std::string_view kNothingWritten = "\r\nNothing was written.";

@@ -1,4 +1,5 @@
 #include "translate/po_export.h"
+#include "core/hex_text.h"
 
 #include "core/file_io.h"
 #include "edit/free_space.h"
@@ -22,9 +23,7 @@ std::string HeaderString(std::string_view image, std::size_t at, std::size_t cou
 
 std::string Comments(const EntryText& t, std::size_t pointers, const fit::Font* font,
                      const fit::MeasureOptions& options) {
-    char offset[16];
-    std::snprintf(offset, sizeof offset, "%X", static_cast<unsigned>(t.offset));
-    std::string out = std::string("Offset: ") + offset + "\nBytes: " + std::to_string(t.bytes.size()) +
+    std::string out = "Offset: " + PlainHex(t.offset) + "\nBytes: " + std::to_string(t.bytes.size()) +
                       "\nRoom before a repoint: " + std::to_string(t.room) +
                       " bytes\nPointers: " + std::to_string(pointers);
     if (font)

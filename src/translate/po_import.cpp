@@ -1,4 +1,5 @@
 #include "translate/po_import.h"
+#include "core/hex_text.h"
 
 #include "core/file_io.h"
 #include "edit/free_space.h"
@@ -20,12 +21,6 @@
 
 namespace quillon {
 namespace {
-
-std::string Hex(std::uint64_t value) {
-    char buf[20];
-    std::snprintf(buf, sizeof buf, "%llX", static_cast<unsigned long long>(value));
-    return buf;
-}
 
 // Ranges the plan writes; no two may overlap.
 class Ranges {
@@ -253,7 +248,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                 if (translated[planned->second].newText == tr.newText)
                     ++plan.unchanged;
                 else
-                    refuse(t.context, "another entry with the same offset " + Hex(t.offset) + " gets another text");
+                    refuse(t.context, "another entry with the same offset " + PlainHex(t.offset) + " gets another text");
                 continue;
             }
             if (tr.same) {
@@ -315,8 +310,8 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             refuse(change.context, std::move(reason));
         };
         if (change.offset < kLowestPointable || change.offset > kHighestPointable) {
-            drop("it needs moving, and pointers can only be rewritten for offsets from " + Hex(kLowestPointable) +
-                 " to " + Hex(kHighestPointable));
+            drop("it needs moving, and pointers can only be rewritten for offsets from " + PlainHex(kLowestPointable) +
+                 " to " + PlainHex(kHighestPointable));
             continue;
         }
         const auto found = pointers.Of(change.offset);
@@ -375,7 +370,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         std::vector<std::pair<const OffsetEntry*, std::string>> values;
         for (const EntryText& t : texts) {
             if (!t.problem.empty()) continue;
-            if (auto to = movedTo.find(t.offset); to != movedTo.end()) values.emplace_back(t.entry, Hex(to->second));
+            if (auto to = movedTo.find(t.offset); to != movedTo.end()) values.emplace_back(t.entry, PlainHex(to->second));
         }
         plan.writes.offsetFile = request.offsetFile;
         plan.writes.offsetBefore = side->offsetText;

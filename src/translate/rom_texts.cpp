@@ -1,4 +1,5 @@
 #include "translate/rom_texts.h"
+#include "core/hex_text.h"
 
 #include "core/codec/tables.h"
 #include "edit/text_view.h"
@@ -13,14 +14,6 @@
 
 namespace quillon {
 namespace {
-
-std::string Hex(std::uint64_t value) {
-    char buf[20];
-    auto [end, ec] = std::to_chars(buf, buf + sizeof buf, value, 16);
-    std::string out(buf, end);
-    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return std::toupper(c); });
-    return out;
-}
 
 // Tags the encoder knows, longest first.
 const std::vector<std::string>& Vocabulary() {
@@ -132,9 +125,9 @@ std::vector<EntryText> LoadEntryTexts(std::string_view image, const std::vector<
         if (e.value.empty() || e.value.size() > 8 || ec != std::errc() || end != e.value.data() + e.value.size()) {
             t.problem = "its offset '" + Latin1ToUtf8(e.value) + "' is not a hexadecimal number";
         } else if (offset < kFirstWritableOffset) {
-            t.problem = "its offset " + Hex(offset) + " lies in the cartridge header";
+            t.problem = "its offset " + PlainHex(offset) + " lies in the cartridge header";
         } else if (offset >= image.size()) {
-            t.problem = "its offset " + Hex(offset) + " lies past the end of the ROM";
+            t.problem = "its offset " + PlainHex(offset) + " lies past the end of the ROM";
         } else {
             t.offset = static_cast<std::uint32_t>(offset);
             starts.push_back(t.offset);
