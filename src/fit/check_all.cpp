@@ -11,17 +11,6 @@
 #include <unordered_set>
 
 namespace quillon::fit {
-namespace {
-
-std::string Lower(std::string_view s) {
-    std::string out(s);
-    for (char& c : out)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return out;
-}
-
-}  // namespace
-
 CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, const Font& font,
                        const MeasureOptions& options) {
     CheckReport report;
@@ -29,7 +18,7 @@ CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, 
     ini::IniDocument doc{std::string(offsetFileText)};
     std::unordered_set<std::string> seen;
     for (const auto& section : doc.Sections()) {
-        if (section.name.empty() || !seen.insert(Lower(section.name)).second) continue;
+        if (section.name.empty() || !seen.insert(ini::FoldedName(section.name)).second) continue;
         for (const auto& key : doc.Keys(section)) {
             const std::string value(ini::TrimBlanks(key.value));
             std::int32_t offset = -1;

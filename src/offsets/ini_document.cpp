@@ -54,6 +54,12 @@ bool NamesEqual(std::string_view a, std::string_view b) {
     return true;
 }
 
+std::string FoldedName(std::string_view name) {
+    std::string out(name);
+    for (char& c : out) c = FoldAscii(c);
+    return out;
+}
+
 IniDocument::IniDocument(std::string text) : text_(std::move(text)) {
     const std::size_t n = text_.size();
     const char* d = text_.data();

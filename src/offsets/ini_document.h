@@ -30,6 +30,8 @@ bool IsBlank(char c);
 std::string_view TrimBlanks(std::string_view s);
 // Equal names, letters A-Z matching a-z.
 bool NamesEqual(std::string_view a, std::string_view b);
+// The name with A-Z as a-z: one key for all the names NamesEqual matches.
+std::string FoldedName(std::string_view name);
 
 class IniDocument {
 public:

@@ -35,13 +35,6 @@ const char* DrawSectionImage(std::mt19937& rng) {
     return kPeople[std::min<std::size_t>(k, 8)];
 }
 
-std::string Lower(std::string_view s) {
-    std::string out(s);
-    for (char& c : out)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return out;
-}
-
 // A value without the quotes around it.
 std::string_view Unquoted(std::string_view value) {
     if (value.size() >= 2 && value.front() == '"' && value.back() == '"') value = value.substr(1, value.size() - 2);
@@ -153,7 +146,7 @@ void LoadTree(Session& session, const SelectionMemo& memo) {
         // Keys of a section name come from its first section, as a lookup by name gives them.
         std::unordered_map<std::string, const ini::IniDocument::Section*> firstByName;
         firstByName.reserve(doc.Sections().size());
-        for (const auto& section : doc.Sections()) firstByName.emplace(Lower(section.name), &section);
+        for (const auto& section : doc.Sections()) firstByName.emplace(ini::FoldedName(section.name), &section);
         session.tree.Reserve(static_cast<std::size_t>(std::count(doc.Text().begin(), doc.Text().end(), '\n')) + 1);
 
         std::mt19937 rng(static_cast<std::uint32_t>(
@@ -170,7 +163,7 @@ void LoadTree(Session& session, const SelectionMemo& memo) {
             if (memo.any && memo.key.empty() && memo.section == section.name && !session.tree.Selected())
                 session.tree.Select(parent);
             keysOfSection.clear();
-            for (const auto& key : doc.Keys(*firstByName.at(Lower(section.name)))) {
+            for (const auto& key : doc.Keys(*firstByName.at(ini::FoldedName(section.name)))) {
                 if (!keysOfSection.insert(key.name).second) {
                     session.prompter.Message(
                         Icon::Critical,

@@ -7,26 +7,16 @@
 #include <unordered_set>
 
 namespace quillon {
-namespace {
-
-std::string Lower(std::string_view s) {
-    std::string out(s);
-    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return std::tolower(c); });
-    return out;
-}
-
-}  // namespace
-
 std::vector<OffsetEntry> ReadOffsetEntries(std::string_view fileText) {
     ini::IniDocument doc{std::string(fileText)};
     std::vector<OffsetEntry> entries;
     std::unordered_set<std::string> sectionsSeen;
     std::unordered_set<std::string> keysSeen;
     for (const auto& section : doc.Sections()) {
-        if (section.name.empty() || !sectionsSeen.insert(Lower(section.name)).second) continue;
+        if (section.name.empty() || !sectionsSeen.insert(ini::FoldedName(section.name)).second) continue;
         keysSeen.clear();
         for (const auto& line : doc.Keys(section)) {
-            if (!keysSeen.insert(Lower(line.name)).second) continue;
+            if (!keysSeen.insert(ini::FoldedName(line.name)).second) continue;
             entries.push_back({std::string(section.name), std::string(line.name), std::string(line.value),
                                static_cast<std::size_t>(line.value.data() - doc.Text().data())});
         }
