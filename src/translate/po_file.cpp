@@ -11,10 +11,8 @@
 #include <csetjmp>
 #include <memory>
 
-#if __has_include(<sys/mman.h>)
 #include <sys/mman.h>
 #include <unistd.h>
-#endif
 
 namespace quillon {
 namespace {
@@ -117,6 +115,41 @@ void CheckCharset(const std::string& declared) {
         throw PoError("The PO file is written in " + name + "; save it as UTF-8.");
 }
 
+// A file that lives in memory only, for the library, which reads and
+// writes files by name: nothing is left beside the user's files, and no file
+// of theirs can be in the way.
+class MemoryFile {
+public:
+    MemoryFile() : fd_(::memfd_create("po", MFD_CLOEXEC)) {}
+    ~MemoryFile() {
+        if (fd_ >= 0) ::close(fd_);
+    }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    bool Usable() const { return fd_ >= 0; }
+    std::string Name() const { return "/proc/self/fd/" + std::to_string(fd_); }
+
+    bool Write(std::string_view text) {
+        for (std::string_view rest = text; !rest.empty();) {
+            const ::ssize_t n = ::pwrite(fd_, rest.data(), rest.size(), static_cast<::off_t>(text.size() - rest.size()));
+            if (n <= 0) return false;
+            rest.remove_prefix(static_cast<std::size_t>(n));
+        }
+        return true;
+    }
+    std::string Contents() const {
+        std::string out;
+        char buf[1 << 16];
+        for (::ssize_t n; (n = ::pread(fd_, buf, sizeof buf, static_cast<::off_t>(out.size()))) > 0;)
+            out.append(buf, static_cast<std::size_t>(n));
+        return out;
+    }
+
+private:
+    int fd_ = -1;
+};
+
 // libgettextpo converts a file declared as UTF-8 (or ASCII) to UTF-8 through
 // iconv one character at a time, which makes reading about three times
 // slower. It reads a file whose charset is the template placeholder "CHARSET"
@@ -125,34 +158,16 @@ void CheckCharset(const std::string& declared) {
 class ByteForByteCopy {
 public:
     explicit ByteForByteCopy(const std::filesystem::path& path) {
-#if __has_include(<sys/mman.h>)
         std::string text = io::ReadAll(path);
         const DeclaredCharset charset = FindCharset(text);
-        if (!charset.name.empty()) CheckCharset(charset.name);
-        if (charset.name.empty() || Lower(charset.name) == "charset") return;
+        if (charset.name.empty()) return;
+        CheckCharset(charset.name);
+        if (Lower(charset.name) == "charset" || !memory_.Usable()) return;
         text.replace(charset.at, charset.name.size(), "CHARSET");
-        fd_ = ::memfd_create("po", MFD_CLOEXEC);
-        if (fd_ < 0) return;
-        for (std::string_view rest = text; !rest.empty();) {
-            const ::ssize_t n = ::write(fd_, rest.data(), rest.size());
-            if (n <= 0) {
-                ::close(fd_);
-                fd_ = -1;
-                return;
-            }
-            rest.remove_prefix(static_cast<std::size_t>(n));
-        }
-        name_ = "/proc/self/fd/" + std::to_string(fd_);
+        if (!memory_.Write(text)) return;
+        name_ = memory_.Name();
         declared_ = charset.name;
-#endif
     }
-    ~ByteForByteCopy() {
-#if __has_include(<sys/mman.h>)
-        if (fd_ >= 0) ::close(fd_);
-#endif
-    }
-    ByteForByteCopy(const ByteForByteCopy&) = delete;
-    ByteForByteCopy& operator=(const ByteForByteCopy&) = delete;
 
     // The name to hand to the library, or empty to read the file itself.
     const std::string& Name() const { return name_; }
@@ -160,7 +175,7 @@ public:
     const std::string& Declared() const { return declared_; }
 
 private:
-    int fd_ = -1;
+    MemoryFile memory_;
     std::string name_;
     std::string declared_;
 };
@@ -185,22 +200,22 @@ void WritePo(const std::filesystem::path& path, const PoCatalog& catalog) {
     }
     po_message_iterator_free(it);
 
-    const std::filesystem::path temporary = path.string() + ".part";
+    // The library writes into memory (or, without that, a scratch file beside
+    // the PO file); the PO file itself is replaced whole.
+    MemoryFile memory;
+    const std::string scratch = memory.Usable() ? memory.Name() : path.string() + ".part";
+    if (!memory.Usable() && std::filesystem::exists(std::filesystem::symlink_status(scratch)))
+        throw PoError("The PO file could not be written: '" + scratch + "' is in the way.");
     ComplaintScope scope;
-    const bool written = GuardedWrite(file.get(), temporary.string().c_str());
-    if (!written || !scope.complaints.first.empty()) {
-        io::RemoveFile(temporary);
+    scope.complaints.readName = scratch;
+    scope.complaints.userName = path.string();
+    const bool written = GuardedWrite(file.get(), scratch.c_str());
+    std::string contents;
+    if (written && scope.complaints.first.empty()) contents = memory.Usable() ? memory.Contents() : io::ReadAll(scratch);
+    if (!memory.Usable()) io::RemoveFile(scratch);
+    if (!written || !scope.complaints.first.empty())
         throw PoError("The PO file could not be written: " +
                       (scope.complaints.first.empty() ? path.string() : scope.complaints.first));
-    }
-    std::string contents;
-    try {
-        contents = io::ReadAll(temporary);
-        io::RemoveFile(temporary);
-    } catch (...) {
-        io::RemoveFile(temporary);
-        throw;
-    }
     io::ReplaceFile(path, contents);
 }
 

@@ -39,7 +39,9 @@ protected:
 // One message per entry with what a translator needs; entries whose text
 // cannot be read are listed with the reason.
 TEST_F(Export, OneMessagePerEntryAndTheReasonsForTheOthers) {
+    WriteFile(w.dir / "out.po.part", "the user's own file");
     const PoCatalog po = Run();
+    EXPECT_EQ(ReadFile(w.dir / "out.po.part"), "the user's own file");
     const std::vector<PoMessage> expected = {
         {"Town/Mom", "Hello\nthere [PLAYER]", "",
          {"Offset: 100000\nBytes: 14\nRoom before a repoint: 2 bytes\nPointers: 2\n"}, false},
