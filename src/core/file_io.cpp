@@ -128,13 +128,6 @@ void WritePatches(const std::filesystem::path& path, const std::vector<Patch>& p
     Sync(f.get(), path);
 }
 
-void ResizeFile(const std::filesystem::path& path, std::uint64_t size) {
-    CheckHook(path);
-    std::error_code ec;
-    std::filesystem::resize_file(path, size, ec);
-    if (ec) ThrowFileError(path, "write", ec.value());
-}
-
 namespace {
 
 // Writes `contents` to a new file with a unique name beside `target`, created

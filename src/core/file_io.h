@@ -99,9 +99,6 @@ struct Patch {
 // to disk once at the end. Each block counts as one write for the hook.
 void WritePatches(const std::filesystem::path& path, const std::vector<Patch>& patches);
 
-// Cuts or lengthens a file to `size` bytes.
-void ResizeFile(const std::filesystem::path& path, std::uint64_t size);
-
 // Replaces (or creates) a whole file through a temporary file in the same
 // folder and a rename, so a crash leaves either the old or the new contents.
 // The temporary file has a unique name and is created exclusively; a link at

@@ -25,7 +25,6 @@ struct EntryText {
     std::string problem;          // why the text cannot be used; empty when it can
     std::string bytes;            // the text without its 0xFF terminator
     std::size_t room = 0;         // bytes it may grow in place
-    bool specialDialog = false;   // its line breaks are all 0xFE
 };
 
 // Reads every entry's text. Room counts the free-space bytes behind the

@@ -56,7 +56,6 @@ public:
 
     // Whether the rounded corners are drawn antialiased over a translucent
     // window (a screen that composites windows) instead of cut by a region.
-    bool SmoothCorners() const { return smoothCorners_; }
     void SetSmoothCorners(bool smooth);
 
     // Hands the window to the window manager's move; tests replace it.
