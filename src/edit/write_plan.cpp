@@ -307,7 +307,13 @@ CommitResult CommitPlan(const WritePlan& plan) {
         }
         return result;
     }
-    KeepJournal(plan, journal);  // the history keeps it as an entry, or it is removed
+    try {
+        KeepJournal(plan, journal);  // the history keeps it as an entry, or it is removed
+    } catch (const FileError& e) {
+        // Every write landed but the journal stays; like a cut-off save, it
+        // puts the old state back before the next write or when the ROM is opened.
+        return {CommitOutcome::JournalKept, e.what()};
+    }
     return result;
 }
 

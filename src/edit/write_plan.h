@@ -78,7 +78,9 @@ std::vector<RomWrite> RangesFor(const std::filesystem::path& rom, const std::vec
 // Guards, journals and writes `plan`. Throws PlanRefused (or ChangedOnDisk)
 // before anything is written when a range lies outside the file or in its
 // header, the file's length or any expected bytes differ, the offset file
-// changed, a file or folder cannot be written, or a journal is pending.
+// changed, a file or folder cannot be written, or a journal is pending; a
+// FileError means the journal could not be made, and nothing was written.
+// A journal that stays after the writes counts as JournalKept.
 CommitResult CommitPlan(const WritePlan& plan);
 
 // A journal read back (from the history, which keeps them); nothing when it

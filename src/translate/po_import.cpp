@@ -424,11 +424,7 @@ CommitResult ApplyImport(const ImportPlan& plan) {
     try {
         return CommitPlan(plan.writes);
     } catch (const FileError& e) {
-        // The journal could not be made (nothing written) or not removed
-        // (it puts the old state back when the ROM is opened again).
-        std::error_code ec;
-        const bool kept = std::filesystem::exists(JournalPath(plan.writes.rom), ec);
-        return {kept ? CommitOutcome::JournalKept : CommitOutcome::RolledBack, e.what()};
+        return {CommitOutcome::RolledBack, e.what()};  // the journal could not be made: nothing written
     }
 }
 
