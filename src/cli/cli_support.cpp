@@ -4,6 +4,7 @@
 #include "core/file_io.h"
 #include "edit/free_space.h"
 #include "edit/write_plan.h"
+#include "translate/rom_texts.h"
 
 #include <quillon/header.h>
 #include <quillon/rom.h>
@@ -105,14 +106,6 @@ void TerminalProgress::End() {
     std::fflush(stderr);
 }
 
-std::string ForTerminal(std::string_view text) {
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
-        out += text[i];
-    }
-    return out;
-}
+std::string ForTerminal(std::string_view text) { return ToPoText(text); }  // LF line ends, as in PO files
 
 }  // namespace quillon::cli
