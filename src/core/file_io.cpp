@@ -262,13 +262,20 @@ std::size_t InputFile::Read(std::uint64_t offset, char* out, std::size_t count) 
 FileCopy::FileCopy(const std::filesystem::path& path) {
 #ifdef QUILLON_HAVE_MMAP
     InputFile in(path);
-    capacity_ = static_cast<std::size_t>(in.Size());
-    if (capacity_ > 0) {
-        void* p = ::mmap(nullptr, capacity_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE,
-                         -1, 0);
+    const auto size = static_cast<std::size_t>(in.Size());
+    // The buffer starts on a 2 MiB boundary and asks for huge pages, so that a
+    // 16 MiB image costs eight page faults instead of four thousand.
+    constexpr std::size_t kHugePage = std::size_t{2} << 20;
+    if (size > 0) {
+        capacity_ = size + kHugePage;
+        void* p = ::mmap(nullptr, capacity_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         if (p != MAP_FAILED) {
             buffer_ = p;
-            view_ = {static_cast<const char*>(p), in.Read(0, static_cast<char*>(p), capacity_)};
+            auto* start = reinterpret_cast<char*>((reinterpret_cast<std::uintptr_t>(p) + kHugePage - 1) & ~(kHugePage - 1));
+#ifdef MADV_HUGEPAGE
+            ::madvise(start, size, MADV_HUGEPAGE);  // a hint: without huge pages the copy still works
+#endif
+            view_ = {start, in.Read(0, start, size)};
             return;
         }
     }

@@ -67,8 +67,8 @@ std::string ReadAll(const std::filesystem::path& path);
 // A whole file read into memory for short read-only work over a large file,
 // such as planning a batch of writes. The buffer is a copy, so another program
 // cutting the file short cannot fault the reader (a mapping of the file itself
-// would), and it is mapped and cleared by the system in one go instead of page
-// by page; a std::string would also be zero-filled first.
+// would), held in huge pages where the system has them; a std::string would
+// also be zero-filled first.
 class FileCopy {
 public:
     explicit FileCopy(const std::filesystem::path& path);

@@ -55,29 +55,36 @@ bool SavedAsSpecialDialog(std::string_view bytes) {
 // between them, so that a whole import is a few large writes.
 constexpr std::uint64_t kJoinGap = 256;
 
-std::vector<RomWrite> Merged(std::vector<RomWrite> sorted, std::string_view image) {
-    std::vector<RomWrite> merged;
-    for (RomWrite& w : sorted) {
-        if (!merged.empty()) {
-            RomWrite& last = merged.back();
-            const std::uint64_t end = last.offset + last.after.size();
-            if (w.offset <= end + kJoinGap) {
-                const std::string_view between = image.substr(end, w.offset - end);
-                last.before.append(between).append(w.before);
-                last.after.append(between).append(w.after);
-                continue;
-            }
-        }
-        merged.push_back(std::move(w));
+// New bytes for the image at an offset; the old ones are read from the image
+// when the writes are joined.
+struct Pending {
+    std::uint64_t offset;
+    std::string after;
+};
+
+std::vector<RomWrite> Joined(std::vector<Pending> pending, std::string_view image) {
+    std::sort(pending.begin(), pending.end(), [](const Pending& a, const Pending& b) { return a.offset < b.offset; });
+    std::vector<RomWrite> joined;
+    for (std::size_t first = 0, last; first < pending.size(); first = last) {
+        std::uint64_t end = pending[first].offset + pending[first].after.size();
+        for (last = first + 1; last < pending.size() && pending[last].offset <= end + kJoinGap; ++last)
+            end = std::max<std::uint64_t>(end, pending[last].offset + pending[last].after.size());
+        RomWrite& w = joined.emplace_back();
+        w.offset = pending[first].offset;
+        w.before = image.substr(w.offset, end - w.offset);
+        w.after = w.before;
+        for (std::size_t k = first; k < last; ++k)
+            w.after.replace(pending[k].offset - w.offset, pending[k].after.size(), pending[k].after);
     }
-    return merged;
+    return joined;
 }
 
 // A text that outgrew its room, waiting for its pointers and free space.
 struct Move {
-    std::size_t change;  // index into the plan's changes
+    std::size_t change;   // index into the plan's changes
+    std::size_t pending;  // the write that frees its old place
     const EntryText* text;
-    std::string bytes;   // new bytes, without terminator
+    std::string bytes;    // new bytes, without terminator
 };
 
 // A translated message worked out ahead of the plan: its entry, its text and
@@ -91,6 +98,9 @@ struct Translated {
     Encoded encoded;             // when not the same
     int widest = 0;
     int linesOver = 0;
+    ImportKind kind = ImportKind::InPlace;
+    std::size_t newLength = 0;   // of the encoded text, without terminator
+    std::string after;           // the bytes written at the text's place
 };
 
 std::string Plural(std::size_t n, std::string_view one, std::string_view many) {
@@ -105,7 +115,8 @@ std::size_t ImportPlan::Count(ImportKind kind) const {
 }
 
 // What the plan needs of the ROM and the offset file: their texts decoded,
-// the pointers to them and the free-space runs, each found in one pass.
+// the pointers to them and the free-space runs, each found in one pass, and
+// the game's font. It is made while the PO file is read.
 struct RomSide {
     RomSide(const ImportRequest& request, Progress& progress)
         : rom(request.rom),
@@ -120,7 +131,15 @@ struct RomSide {
           freeSpace(image, freeByte,
                     std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1),
                                             kLowestPointable),
-                    std::uint64_t{kHighestPointable} + 1, progress) {}
+                    std::uint64_t{kHighestPointable} + 1, progress),
+          font(fit::LocateFont(image, request.fit.named)) {
+        byContext.reserve(texts.size());
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            byContext.emplace(texts[i].context, i);
+            if (texts[i].problem.empty())
+                taken.push_back({texts[i].offset, texts[i].offset + texts[i].bytes.size() + 1});
+        }
+    }
 
     static std::vector<std::string> Decoded(const std::vector<EntryText>& texts) {
         std::vector<std::string> out(texts.size());
@@ -145,6 +164,9 @@ struct RomSide {
     std::vector<std::string> current;  // each usable text as editor text
     PointerIndex pointers;
     FreeSpace freeSpace;
+    fit::FontResult font;
+    std::unordered_map<std::string_view, std::size_t> byContext;  // entry name: index into `texts`
+    std::vector<FreeSpace::Range> taken;                          // the texts' bytes and terminators
 };
 
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
@@ -169,17 +191,10 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     if (!poCode.empty() && poCode != Latin1ToUtf8(code))
         throw PoError("The PO file was exported from the game " + poCode + ", not from this ROM (" +
                       Latin1ToUtf8(code) + ").");
-    const fit::FontResult font = fit::LocateFont(image, request.fit.named);
+    const fit::FontResult& font = side->font;
     const fit::MeasureOptions measure = request.fit.Options();
-
-    std::unordered_map<std::string_view, std::size_t> byContext;
-    byContext.reserve(texts.size());
-    std::vector<FreeSpace::Range> taken;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        byContext.emplace(texts[i].context, i);
-        if (texts[i].problem.empty())
-            taken.push_back({texts[i].offset, texts[i].offset + texts[i].bytes.size() + 1});
-    }
+    const auto& byContext = side->byContext;
+    std::vector<FreeSpace::Range>& taken = side->taken;
 
     ImportPlan plan;
     plan.writes.command = "Import Translation";
@@ -209,6 +224,24 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                 tr.widest = measured.WidestWidth();
                 tr.linesOver = measured.overCount;
             }
+            if (!tr.encoded.refusal.empty()) continue;
+            // What lands at the text's place: the new text padded to the old
+            // length, grown into the free bytes behind it, or free bytes.
+            const EntryText& t = texts[tr.text];
+            const std::size_t oldLength = t.bytes.size();
+            tr.newLength = tr.encoded.bytes.size();
+            if (tr.newLength <= oldLength) {
+                tr.kind = tr.newLength == oldLength ? ImportKind::InPlace : ImportKind::Shorter;
+                tr.after = std::move(tr.encoded.bytes);
+                tr.after.append(oldLength - tr.newLength + 1, '\xFF');
+            } else if (tr.newLength - oldLength <= t.room) {
+                tr.kind = ImportKind::Grown;
+                tr.after = std::move(tr.encoded.bytes);
+                tr.after += '\xFF';
+            } else {
+                tr.kind = ImportKind::Moved;
+                tr.after = FreeRun(code, oldLength + 1);
+            }
         }
     };
     {
@@ -221,6 +254,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     Ranges written;
     std::unordered_map<std::uint32_t, std::size_t> plannedAt;  // offset: the message whose text goes there
     std::vector<Move> moves;
+    std::vector<Pending> pending;
     {
         ProgressStage stage(progress, "Planning the import", catalog.messages.size());
         for (std::size_t m = 0; m < catalog.messages.size(); ++m) {
@@ -255,42 +289,23 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                 ++plan.unchanged;
                 continue;
             }
-            Encoded& encoded = tr.encoded;
-            if (!encoded.refusal.empty()) {
-                refuse(t.context, encoded.refusal);
+            if (!tr.encoded.refusal.empty()) {
+                refuse(t.context, tr.encoded.refusal);
                 continue;
             }
-            const std::size_t oldLength = t.bytes.size();
-            const std::size_t newLength = encoded.bytes.size();
-            ImportChange change{t.context, ImportKind::InPlace, t.offset, t.offset, oldLength, newLength, 0,
-                                tr.widest, tr.linesOver};
-            RomWrite write{t.offset, {}, {}};
-            if (newLength <= oldLength) {
-                change.kind = newLength == oldLength ? ImportKind::InPlace : ImportKind::Shorter;
-                write.before = image.substr(t.offset, oldLength + 1);
-                write.after = encoded.bytes + std::string(oldLength - newLength + 1, '\xFF');
-            } else if (newLength - oldLength <= t.room) {
-                change.kind = ImportKind::Grown;
-                write.before = image.substr(t.offset, newLength + 1);
-                write.after = encoded.bytes + '\xFF';
-            } else {
-                change.kind = ImportKind::Moved;
-                write.before = image.substr(t.offset, oldLength + 1);
-                write.after = FreeRun(code, oldLength + 1);
-            }
-            const std::uint64_t end = t.offset + write.before.size();
+            const std::uint64_t end = t.offset + tr.after.size();
             if (written.Overlaps(t.offset, end)) {
                 refuse(t.context, "it overlaps another changed text");
                 continue;
             }
             written.Add(t.offset, end);
             plannedAt.emplace(t.offset, m);
-            if (change.kind == ImportKind::Grown) taken.push_back({t.offset, end + 1});
-            if (change.kind == ImportKind::Moved) {
-                moves.push_back({plan.changes.size(), &t, std::move(encoded.bytes)});
-            }
-            plan.writes.romWrites.push_back(std::move(write));
-            plan.changes.push_back(std::move(change));
+            if (tr.kind == ImportKind::Grown) taken.push_back({t.offset, end + 1});
+            if (tr.kind == ImportKind::Moved)
+                moves.push_back({plan.changes.size(), pending.size(), &t, std::move(tr.encoded.bytes)});
+            plan.changes.push_back({t.context, tr.kind, t.offset, t.offset, t.bytes.size(), tr.newLength, 0,
+                                    tr.widest, tr.linesOver});
+            pending.push_back({t.offset, std::move(tr.after)});
         }
     }
 
@@ -307,6 +322,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         auto drop = [&](std::string reason) {
             written.Remove(move.text->offset);
             dropped[move.change] = true;
+            pending[move.pending].after.clear();  // the text stays where it is
             refuse(change.context, std::move(reason));
         };
         if (change.offset < kLowestPointable || change.offset > kHighestPointable) {
@@ -340,30 +356,21 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         change.pointers = found.size();
         plan.freeUsed += move.bytes.size() + 1;
         movedTo[change.offset] = *target;
-        const std::string oldPointer = PointerBytes(change.offset);
         const std::string newPointer = PointerBytes(*target);
-        for (std::uint32_t at : found) plan.writes.romWrites.push_back({at, oldPointer, newPointer});
-        plan.writes.romWrites.push_back({*target, std::string(image.substr(*target, move.bytes.size() + 1)), move.bytes + '\xFF'});
+        for (std::uint32_t at : found) pending.push_back({at, newPointer});
+        pending.push_back({*target, move.bytes + '\xFF'});
     }
     plan.freeLeft = space.Left();
 
     // Refused moves leave their text as it was.
     if (std::find(dropped.begin(), dropped.end(), true) != dropped.end()) {
         std::vector<ImportChange> kept;
-        std::vector<RomWrite> keptWrites;
-        std::unordered_map<std::uint32_t, bool> droppedAt;
-        for (std::size_t i = 0; i < plan.changes.size(); ++i)
-            if (dropped[i]) droppedAt[plan.changes[i].offset] = true;
         for (std::size_t i = 0; i < plan.changes.size(); ++i)
             if (!dropped[i]) kept.push_back(std::move(plan.changes[i]));
-        for (auto& w : plan.writes.romWrites)
-            if (!droppedAt.count(static_cast<std::uint32_t>(w.offset))) keptWrites.push_back(std::move(w));
         plan.changes = std::move(kept);
-        plan.writes.romWrites = std::move(keptWrites);
+        std::erase_if(pending, [](const Pending& p) { return p.after.empty(); });
     }
-    std::sort(plan.writes.romWrites.begin(), plan.writes.romWrites.end(),
-              [](const RomWrite& a, const RomWrite& b) { return a.offset < b.offset; });
-    plan.writes.romWrites = Merged(std::move(plan.writes.romWrites), image);
+    plan.writes.romWrites = Joined(std::move(pending), image);
 
     // Every entry naming a moved text follows it.
     if (!movedTo.empty()) {
