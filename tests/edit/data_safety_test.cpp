@@ -59,13 +59,6 @@ protected:
         w = std::make_unique<Workspace>(settings);
         w->OpenAt(rom, offsets, "Town", key);
     }
-    // Mom reads "Hello" CR LF "i"; Kana holds accented letters ("kaki" in the
-    // Japanese table), Long no terminator within 10000 bytes, Bad no offset.
-    void BuildView() {
-        RomBuilder rom = Rom().Put(0x100000, Bytes("C2D9E0E0E3FEDDFF")).Put(0x100200, Bytes("0607FF"));
-        Build(rom.Fill(0x180000, 12000, '\xBB'), "FreeSpaceOffset=2097152",
-              kOffsets + "Kana=100200\r\nLong=180000\r\nBad=XYZ\r\n");
-    }
     // Mom edited to a text that must move: a repoint with three pointers.
     void Prepared() {
         Build();
@@ -172,8 +165,12 @@ TEST_F(Save, RefusalsComeBeforeTheFirstWrite) {
     }
 }
 
-TEST_F(Save, SelectingShowsTheTextAndTheCounterTellsBytesLeftOrBytesToRepoint) {
-    BuildView();
+// Mom reads "Hello" CR LF "i"; Kana holds accented letters ("kaki" in the
+// Japanese table), Long no terminator within 10000 bytes, Bad no offset.
+TEST_F(Save, SelectingShowsTheTextInEitherTableAndTheCounterTellsBytesLeftOrBytesToRepoint) {
+    RomBuilder rom = Rom().Put(0x100000, Bytes("C2D9E0E0E3FEDDFF")).Put(0x100200, Bytes("0607FF"));
+    Build(rom.Fill(0x180000, 12000, '\xBB'), "FreeSpaceOffset=2097152",
+          kOffsets + "Kana=100200\r\nLong=180000\r\nBad=XYZ\r\n");
     auto& c = w->session.controls;
     EXPECT_EQ(c.text1.Text(), "Hello\r\ni");
     const std::pair<const char*, const char*> cases[] = {
@@ -197,27 +194,19 @@ TEST_F(Save, SelectingShowsTheTextAndTheCounterTellsBytesLeftOrBytesToRepoint) {
     Text_Load(w->session);
     EXPECT_FALSE(c.saveEnabled || c.tableEnabled || c.specialDialogEnabled);
     EXPECT_EQ(c.repointCaption, "0 Characters left until repoint.");
-}
 
-TEST_F(Save, TheJapaneseTableShowsTheTextReadOnly) {
-    BuildView();
     w->Select("Town", "Kana");
-    EXPECT_EQ(w->session.controls.text1.Text(), "ÉÊ");
+    EXPECT_EQ(c.text1.Text(), "ÉÊ");
     ChooseTable(w->session, true);
-    EXPECT_EQ(w->session.controls.text1.Text(), "kaki");
-    EXPECT_TRUE(w->session.controls.text1.readOnly);
-    EXPECT_FALSE(w->session.controls.saveEnabled);
+    EXPECT_EQ(c.text1.Text(), "kaki");
+    EXPECT_TRUE(c.text1.readOnly && !c.saveEnabled);
     ChooseTable(w->session, false);
-    EXPECT_FALSE(w->session.controls.text1.readOnly);
-    EXPECT_TRUE(w->session.controls.saveEnabled);
-}
+    EXPECT_TRUE(!c.text1.readOnly && c.saveEnabled);
 
-TEST_F(Save, ALongTextIsCutAtTenThousandBytesAndABadOffsetShowsNothingNew) {
-    BuildView();
     w->Select("Town", "Long");
-    EXPECT_EQ(w->session.controls.text1.Text(), std::string(10000, 'A'));
+    EXPECT_EQ(c.text1.Text(), std::string(10000, 'A'));
     w->Select("Town", "Bad");
-    EXPECT_EQ(w->session.controls.offsetCaption, "XYZ");
+    EXPECT_EQ(c.offsetCaption, "XYZ");
     EXPECT_EQ(w->session.oldTextLength, 0);
     EXPECT_TRUE(w->user.Take().empty());  // errors end the load silently
 }
