@@ -13,10 +13,13 @@
 
 #include <quillon/errors.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace quillon;
 using namespace quillon::test;
+using ::testing::HasSubstr;
+using ::testing::ThrowsMessage;
 
 namespace {
 
@@ -36,9 +39,7 @@ protected:
         for (int k = 0; k < kTexts; ++k) {
             const std::uint32_t at = 0x100000 + 0x40 * k;
             image.Put(at, Bytes("C2D9E0E0E3FF")).Pointer(0x50000 + 8 * k, at).Pointer(0x60004 + 8 * k, at);
-            char line[32];
-            std::snprintf(line, sizeof line, "T%d=%X\r\n", k, at);
-            ini += line;
+            ini += "T" + std::to_string(k) + "=" + PadHex(at) + "\r\n";
         }
         image.Save(rom);
         w.WriteOffsetFile(ini);
@@ -73,14 +74,9 @@ protected:
     }
     // Writes `bytes` at `offset` and a line into the offset file, through the writer.
     void Write(std::uint64_t offset, std::string bytes) {
-        WritePlan plan;
-        plan.command = "Save Text";
-        plan.rom = rom;
-        plan.romSize = io::FileSize(rom);
-        plan.romWrites = RangesFor(rom, {{offset, std::move(bytes)}});
-        plan.offsetFile = ini;
-        plan.offsetBefore = ReadFile(ini);
-        plan.offsetAfter = *plan.offsetBefore + "K" + std::to_string(offset) + "=1\r\n";
+        const std::string before = ReadFile(ini), after = before + "K" + std::to_string(offset) + "=1\r\n";
+        const WritePlan plan{"Save Text", "", rom, io::FileSize(rom), RangesFor(rom, {{offset, std::move(bytes)}}),
+                             ini, before, after};
         ASSERT_EQ(CommitPlan(plan).outcome, CommitOutcome::Written);
     }
 
@@ -148,12 +144,7 @@ TEST_F(History, UndoNamesEveryChangedRangeAndChangesNothing) {
     Write(0x3000, "ijkl");
     PatchFile(rom, 0x3001, "X");
     const State before = Now();
-    try {
-        UndoLastSave(rom);
-        ADD_FAILURE() << "undone";
-    } catch (const ChangedOnDisk& e) {
-        EXPECT_NE(std::string(e.what()).find("0x3000-0x3003"), std::string::npos) << e.what();
-    }
+    EXPECT_THAT([&] { UndoLastSave(rom); }, ThrowsMessage<ChangedOnDisk>(HasSubstr("0x3000-0x3003")));
     EXPECT_EQ(Now(), before);
     EXPECT_FALSE(ListHistory(rom).entries.front().undone);
 }
