@@ -15,12 +15,15 @@
 #include <quillon/core.h>
 #include <quillon/rom.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
 
 using namespace quillon;
 using namespace quillon::test;
+using ::testing::ElementsAre;
+using ::testing::Field;
 
 namespace {
 
@@ -238,9 +241,8 @@ TEST_F(Save, ATextOpenedByItsDecimalOffsetIsSavedWithoutTouchingAnEntry) {
     w->user.Take();
     w->user.Then(std::string("12x"));
     ViewOffset(w->session);
-    auto last = w->user.Take();
-    ASSERT_EQ(last.size(), 2u);  // the prompt and a message, no add-offset window for "12x"
-    EXPECT_EQ(last.back().kind, Shown::Message);
+    // The prompt and a message, no add-offset window for "12x".
+    EXPECT_THAT(w->user.Take(), ElementsAre(Field(&Shown::kind, Shown::Input), Field(&Shown::kind, Shown::Message)));
 }
 
 // A journal with only old bytes in its ranges (cut after write 1) is removed
@@ -409,8 +411,6 @@ TEST_F(Save, BytesTheEditorCannotReproduceAreNamedAndSavingAsksFirst) {
     EXPECT_NE(note.find("from byte 2 on, the ROM holds FE FE C3"), std::string::npos) << note;
     w->user.No();
     SaveText(w->session);
-    auto shown = w->user.Take();
-    ASSERT_EQ(shown.size(), 1u);
-    EXPECT_EQ(shown[0].kind, Shown::Question);
+    EXPECT_THAT(w->user.Take(), ElementsAre(Field(&Shown::kind, Shown::Question)));
     EXPECT_EQ(w->RomBytes(), rom.bytes());
 }

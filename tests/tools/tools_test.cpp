@@ -28,6 +28,11 @@ Shown Saved(std::string_view hex) {
                                       "to use the script.");
 }
 
+// One critical message that names `part`.
+auto OneCritical(const std::string& part) {
+    return ElementsAre(AllOf(Field(&Shown::icon, Icon::Critical), Field(&Shown::text, HasSubstr(part))));
+}
+
 class Tools : public ::testing::Test {
 protected:
     // A text with its terminator, encoded as the game stores it.
@@ -72,10 +77,7 @@ protected:
         return {shown.begin() + 1, shown.end()};
     }
     void ExpectExportFails(const std::filesystem::path& target, std::string_view reason) {
-        auto shown = Export("new", target);
-        ASSERT_EQ(shown.size(), 1u);
-        EXPECT_EQ(shown[0].icon, Icon::Critical);
-        EXPECT_NE(shown[0].text.find(reason), std::string::npos) << shown[0].text;
+        EXPECT_THAT(Export("new", target), OneCritical(std::string(reason)));
     }
 
     Workspace w;  // FreeSpaceOffset=2097152: StoryRom's free space begins at 0x200000
@@ -256,10 +258,7 @@ TEST_F(Tools, ScriptEmptyBoxesDoNothingAndBadOffsetsSettingsAndRomsAreRefusedBef
     Settings("FreeSpaceOffset=2097152\r\n");
     MakeReadOnly(w.Rom());
     Script("123456").AddScript();
-    auto shown = w.user.Take();
-    ASSERT_EQ(shown.size(), 1u);
-    EXPECT_EQ(shown[0].icon, Icon::Critical);
-    EXPECT_NE(shown[0].text.find("is write-protected"), std::string::npos) << shown[0].text;
+    EXPECT_THAT(w.user.Take(), OneCritical("is write-protected"));
     EXPECT_EQ(w.RomBytes(), StoryRom().bytes());
     EXPECT_FALSE(FileExists(JournalPath(w.Rom())));
 }
