@@ -30,16 +30,12 @@ struct CliRun {
 // A program folder of its own (a copy of the executable with ini/settings.ini).
 class Cli : public ::testing::Test {
 protected:
-    void SetUp() override {
-        std::filesystem::create_directory(dir / "ini");
-        std::filesystem::copy_file(QUILLON_CLI_PATH, dir / "quillon-cli");
-        WriteFile(dir / "ini" / "settings.ini", "[Settings]\r\nFreeSpaceOffset=2097152\r\n");
-    }
+    void SetUp() override { std::filesystem::copy_file(QUILLON_CLI_PATH, dir / "quillon-cli"); }
     // Runs the program; "ROM" stands for the image, a leading "@" for the program folder.
     CliRun Run(std::vector<std::string> args) const {
         std::string command = Quoted((dir / "quillon-cli").string());
         for (auto& a : args) {
-            if (a == "ROM") a = Rom().string();
+            if (a == "ROM") a = w.Rom().string();
             if (a.starts_with("@")) a = (dir / a.substr(1)).string();
             command += " " + Quoted(a);
         }
@@ -47,16 +43,8 @@ protected:
         const int raw = std::system((command + " </dev/null").c_str());
         return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ReadFile(dir / "out.txt"), ReadFile(dir / "err.txt")};
     }
-    std::filesystem::path Rom() const { return dir / "game.gba"; }
-    std::filesystem::path OffsetFile(std::string_view code = "QLNE") const {
-        return dir / "ini" / (std::string(code) + ".ini");
-    }
-    std::string Hex(std::uint32_t v) const {
-        char b[16];
-        std::snprintf(b, sizeof b, "%X", v);
-        return b;
-    }
-    TempDir dir;
+    Workspace w;
+    const TempDir& dir = w.dir;
 };
 
 struct Case {
@@ -69,7 +57,7 @@ TEST_F(Cli, CommandsPrintWhatTheyFoundAndFailuresOneLine) {
     StoryRom()
         .Put(0x100010, Bytes(EncodeText("Hello there,\r\nfriend.", false)) + "\xFF")
         .Put(0x100040, Bytes(EncodeText("Say hello", false)) + "\xFF")
-        .Save(Rom());
+        .Save(w.Rom());
     WriteFile(dir / "short", "tiny");
     const Case found[] = {
         {"info", {"info", "ROM"}, "Game code: QLNE\n"},
@@ -110,8 +98,8 @@ TEST_F(Cli, CommandsPrintWhatTheyFoundAndFailuresOneLine) {
 
 TEST_F(Cli, ExportsAndImportsThroughAPoFile) {
     const GeneratedGame game = MakeGame(3u << 20, 40, 3);
-    WriteFile(Rom(), game.image);
-    WriteFile(OffsetFile(), game.offsetFile);
+    WriteFile(w.Rom(), game.image);
+    WriteFile(w.OffsetFile(), game.offsetFile);
     // The first text grows past its room, the second stays as long.
     PoCatalog po;
     po.messages = {{"Section 0/Text 0", "-", "A much longer first text that must move away", {}, false},
@@ -130,14 +118,14 @@ TEST_F(Cli, ExportsAndImportsThroughAPoFile) {
     CliRun dry = Run(with({"--dry-run"}, 0));
     EXPECT_EQ(dry.status, 0) << dry.err;
     EXPECT_NE(dry.out.find("1 moved to free space (2 pointers rewritten)"), std::string::npos) << dry.out;
-    EXPECT_TRUE(ReadFile(Rom()) == game.image);
+    EXPECT_TRUE(ReadFile(w.Rom()) == game.image);
 
     // The free space from the option.
     CliRun run = Run(with({"--free-space-offset", std::to_string(game.freeFrom + 1)}, 2));
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.err, "");  // no progress line off a terminal
     EXPECT_NE(run.out.find("Written: 2 texts saved"), std::string::npos) << run.out;
-    EXPECT_NE(ReadFile(OffsetFile()).find("Text 0=" + Hex(game.freeFrom + 1)), std::string::npos);
+    EXPECT_NE(ReadFile(w.OffsetFile()).find("Text 0=" + PadHex(game.freeFrom + 1)), std::string::npos);
 
     // Without settings.ini and without the option there is no free space to use.
     std::filesystem::remove(dir / "ini" / "settings.ini");
@@ -152,8 +140,8 @@ TEST_F(Cli, CheckListsTheTextsOverTheBoxOfKnownOrNamedFonts) {
             .Font()
             .Put(0x100000, Bytes("C2DDFF"))                                   // "Hi"
             .Put(0x100010, Bytes("C2DDFE") + std::string(31, '\xC7') + "\xFF")  // "Hi", then 31 x "M": 217 px
-            .Save(Rom());
-        WriteFile(OffsetFile(code), "[Town]\r\nMom=100000\r\nSign=100010\r\n");
+            .Save(w.Rom());
+        WriteFile(w.OffsetFile(code), "[Town]\r\nMom=100000\r\nSign=100010\r\n");
         const std::string listed = "Town/Sign  100010  line 2  217 / 208 px  " + std::string(31, 'M') +
                                    "\n1 of 2 texts have a line over the message box.\n";
         CliRun run = Run({"check", "ROM"});
@@ -177,7 +165,7 @@ TEST_F(Cli, ScanPrintsTheTextsOrAddsTheNewOnesToTheOffsetFile) {
         .Put(0x180000, "\xFF" + Bytes("C2D9E0E0E300E8DCD9E6D9AD") + "\xFF" + Bytes("C1E3E3D800D8D5EDAB") + "\xFF")
         .Pointer(0x190000, 0x180001)
         .PutHex(0x190006, "67").Pointer(0x190007, 0x18000E)
-        .Save(Rom());
+        .Save(w.Rom());
     CliRun run = Run({"scan", "ROM"});
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("180001  "), std::string::npos) << run.out;

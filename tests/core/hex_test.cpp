@@ -15,13 +15,12 @@ TEST(HexToLong, ReadsHexOfEitherCaseAsSigned32BitsAndRefusesTheRest) {
         EXPECT_THROW(HexToLong(bad), TypeMismatch) << bad;
 }
 
-TEST(PadHex, GivesAnEvenNumberOfUpperCaseDigits) {
+// PadHex gives an even number of upper-case digits; every byte value survives
+// ByteHex, HexByte and HexToBytes; HexToBytes takes pairs and an odd last digit alone.
+TEST(ByteConversions, PadHexAndEveryByteValueSurvivesTheRoundTrip) {
     const std::pair<std::int64_t, const char*> cases[] = {
         {0, "00"}, {255, "FF"}, {0x123, "0123"}, {0x10000, "010000"}, {0x71A2B4, "71A2B4"}, {-1, "FFFFFFFF"}};
     for (auto [value, hex] : cases) EXPECT_EQ(PadHex(value), hex) << value;
-}
-
-TEST(ByteConversions, EveryByteValueSurvivesTheRoundTrip) {
     for (int v = 0; v < 256; ++v) {
         char c = static_cast<char>(v);
         std::string hex = ByteHex(c);
@@ -32,9 +31,6 @@ TEST(ByteConversions, EveryByteValueSurvivesTheRoundTrip) {
     }
     EXPECT_THROW(HexByte("100"), TypeMismatch);
     EXPECT_THROW(HexByte("zz"), TypeMismatch);
-}
-
-TEST(HexToBytes, TakesPairsAndAnOddLastDigitAlone) {
     EXPECT_EQ(HexToBytes(""), "");
     EXPECT_EQ(HexToBytes("ABC"), std::string("\xAB\x0C", 2));
     EXPECT_EQ(HexToBytes("00ff10"), std::string("\x00\xFF\x10", 3));

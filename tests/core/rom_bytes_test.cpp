@@ -3,12 +3,15 @@
 #include "support/rom_builder.h"
 #include "support/temp_dir.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
 
 using namespace quillon;
 using namespace quillon::test;
+using ::testing::HasSubstr;
+using ::testing::ThrowsMessage;
 
 class RomBytes : public ::testing::Test {
 protected:
@@ -60,18 +63,11 @@ TEST_F(RomBytes, FailuresWriteNothing) {
     EXPECT_THROW(WriteBytesHex(rom, "0", "FF"), FileError);
     EXPECT_EQ(ReadFile(rom), Bytes("00112233"));
     EXPECT_EQ(ReadBytesHex(rom, "0", 2), "0011");  // reading a protected file is fine
-}
 
-TEST_F(RomBytes, MissingFileRaisesFileErrorWithPathAndReason) {
+    // A missing file raises a FileError with its path and the reason.
     auto missing = dir / "nope.gba";
-    try {
-        ReadBytesHex(missing, "0", 4);
-        FAIL() << "no error";
-    } catch (const FileError& e) {
-        std::string what = e.what();
-        EXPECT_NE(what.find("nope.gba"), std::string::npos) << what;
-        EXPECT_NE(what.find("No such file"), std::string::npos) << what;
-    }
+    EXPECT_THAT([&] { ReadBytesHex(missing, "0", 4); },
+                ThrowsMessage<FileError>(::testing::AllOf(HasSubstr("nope.gba"), HasSubstr("No such file"))));
     EXPECT_THROW(WriteBytesHex(missing, "0", "00"), FileError);
     EXPECT_FALSE(FileExists(missing));  // a failed write creates nothing
     EXPECT_FALSE(FileExists(""));

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace quillon::discover {
 namespace {
 
@@ -51,10 +53,8 @@ TEST(FindReferences, FileInBlocksFindsWhatMemoryFinds) {
     const auto inFile = FindReferencesInFile(dir / "rom.gba", target);
     ASSERT_EQ(inMemory.size(), 5u);
     ASSERT_EQ(inFile.size(), inMemory.size());
-    for (std::size_t i = 0; i < inFile.size(); ++i) {
-        EXPECT_EQ(inFile[i].place, inMemory[i].place);
-        EXPECT_EQ(inFile[i].kind, inMemory[i].kind) << i;
-    }
+    for (std::size_t i = 0; i < inFile.size(); ++i)
+        EXPECT_EQ(std::pair(inFile[i].place, inFile[i].kind), std::pair(inMemory[i].place, inMemory[i].kind)) << i;
     EXPECT_EQ(inMemory[3].kind, PlaceKind::ScriptOperand);  // 85 01 before it, across no edge
 }
 
@@ -91,11 +91,9 @@ TEST(DiscoverTexts, TakesReferencedTextsAndLeavesDecoys) {
     rom.Pointer(0x801C, 0x4000);                                  // at bytes without entry
     const auto found = DiscoverTexts(rom.bytes());
     ASSERT_EQ(found.size(), 2u);
-    EXPECT_EQ(found[0].offset, 0x1001u);
-    EXPECT_EQ(found[0].length, kHello.size());
-    EXPECT_EQ(found[0].pointers.size(), 2u);
-    EXPECT_EQ(found[1].offset, 0x100Eu);
-    EXPECT_EQ(found[1].pointers.at(0).kind, PlaceKind::ScriptOperand);
+    EXPECT_EQ(std::tuple(found[0].offset, found[0].length, found[0].pointers.size()),
+              std::tuple(0x1001u, kHello.size(), 2u));
+    EXPECT_EQ(std::pair(found[1].offset, found[1].pointers.at(0).kind), std::pair(0x100Eu, PlaceKind::ScriptOperand));
 }
 
 TEST(Preview, OneLineCutAtWholeCharacters) {

@@ -133,22 +133,16 @@ TEST(FitMeasure, WidthsAreTheSumOfTheGlyphsCodesTakeNoRoomAndNamesTheirLongest) 
     }
 }
 
-TEST(FitMeasure, LinesOverTheBox) {
+TEST(FitMeasure, LinesOverTheBoxAndPagingTwoLinesABoxScrollAndNewBox) {
     const Font font = TestFont();
     // 0x04 is 7 px wide, 0x00 (space) 3: 29 x 7 + 5 x 3 = 218; 29 x 7 + 1 x 5 = 208.
     const std::string x29(29, '\x04');
-    const Measure m = MeasureBytes(x29 + "\xBB\xFE" + x29 + std::string(5, '\x00'), font);
-    ASSERT_EQ(m.lines.size(), 2u);
-    EXPECT_EQ(m.lines[0].width, 208);
-    EXPECT_FALSE(m.lines[0].over);
-    EXPECT_EQ(m.lines[1].width, 218);
-    EXPECT_TRUE(m.lines[1].over);
-    EXPECT_EQ(m.overCount, 1);
-    EXPECT_EQ(m.widestLine, 1);
-}
+    const Measure o = MeasureBytes(x29 + "\xBB\xFE" + x29 + std::string(5, '\x00'), font);
+    ASSERT_EQ(o.lines.size(), 2u);
+    EXPECT_EQ(std::pair(o.lines[0].width, o.lines[0].over), std::pair(208, false));
+    EXPECT_EQ(std::pair(o.lines[1].width, o.lines[1].over), std::pair(218, true));
+    EXPECT_EQ(std::pair(o.overCount, o.widestLine), std::pair(1, 1));
 
-TEST(FitMeasure, PagingTwoLinesABoxScrollAndNewBox) {
-    const Font font = TestFont();
     // a FE b FA c FB d: the second break scrolls, the empty line starts a box.
     const Measure m = MeasureText("a\r\nb\r\nc\r\n\r\nd", false, font);
     EXPECT_EQ(m.bytes, Bytes("D5FED6FAD7FBD8"));
@@ -157,12 +151,9 @@ TEST(FitMeasure, PagingTwoLinesABoxScrollAndNewBox) {
     EXPECT_EQ(m.boxes[0].lines, (std::vector<int>{0, 1}));
     EXPECT_EQ(m.boxes[1].lines, (std::vector<int>{1, 2}));  // b stays in view above c
     EXPECT_EQ(m.boxes[2].lines, (std::vector<int>{3}));
-    const int boxes[] = {0, 0, 1, 2}, rows[] = {0, 1, 1, 0}, editor[] = {0, 1, 2, 4};
-    for (std::size_t i = 0; i < 4; ++i) {
-        EXPECT_EQ(m.lines[i].box, boxes[i]) << i;
-        EXPECT_EQ(m.lines[i].row, rows[i]) << i;
-        EXPECT_EQ(m.lines[i].editorLine, editor[i]) << i;
-    }
+    const std::tuple<int, int, int> places[] = {{0, 0, 0}, {0, 1, 1}, {1, 1, 2}, {2, 0, 4}};  // box, row, editor line
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_EQ(std::tuple(m.lines[i].box, m.lines[i].row, m.lines[i].editorLine), places[i]) << i;
     EXPECT_TRUE(m.editorLinesExact);
     EXPECT_EQ(m.hiddenLines, 0);
 

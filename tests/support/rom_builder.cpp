@@ -27,11 +27,7 @@ RomBuilder& RomBuilder::Put(std::size_t offset, std::string_view bytes) {
 
 RomBuilder& RomBuilder::PutHex(std::size_t offset, std::string_view hex) { return Put(offset, Bytes(hex)); }
 
-RomBuilder& RomBuilder::Pointer(std::size_t offset, std::uint32_t target) {
-    std::string bytes(4, '\0');
-    PutPointer(bytes, 0, target);
-    return Put(offset, bytes);
-}
+RomBuilder& RomBuilder::Pointer(std::size_t offset, std::uint32_t target) { return Put(offset, PointerTo(target)); }
 
 RomBuilder& RomBuilder::Fill(std::size_t offset, std::size_t count, char byte) {
     return Put(offset, std::string(count, byte));
@@ -46,14 +42,5 @@ RomBuilder& RomBuilder::Font(std::string_view glyphs, char version, std::uint32_
 }
 
 void RomBuilder::Save(const std::filesystem::path& path) const { WriteFile(path, bytes_); }
-
-std::string Bytes(std::string_view hex) {
-    if (hex.size() % 2 || hex.find_first_not_of("0123456789ABCDEFabcdef") != std::string_view::npos)
-        throw std::invalid_argument("not hex: " + std::string(hex));
-    std::string out;
-    for (std::size_t i = 0; i < hex.size(); i += 2)
-        out.push_back(static_cast<char>(std::stoi(std::string(hex.substr(i, 2)), nullptr, 16)));
-    return out;
-}
 
 }  // namespace quillon::test

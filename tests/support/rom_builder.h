@@ -1,4 +1,6 @@
 #pragma once
+#include <quillon/rom.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -33,15 +35,13 @@ private:
     std::string bytes_;
 };
 
-// The four bytes of a pointer to `target` (0x08000000 + target, little-endian) at `at`.
-inline void PutPointer(std::string& image, std::size_t at, std::uint32_t target) {
-    for (int i = 0; i < 4; ++i) image[at + i] = static_cast<char>((0x08000000u + target) >> (8 * i) & 0xFF);
-}
+// The four bytes of a pointer to `target` (0x08000000 + target, little-endian).
+inline std::string PointerTo(std::uint32_t target) { return HexToBytes(PointerHex(PadHex(target))); }
 
 // The tests' glyph widths: 3 + byte % 5 pixels (the widest, 7, first at 0x04).
 inline int FontWidth(int byte) { return 3 + byte % 256 % 5; }
 
 // Hex text to bytes, for test data ("C2DD" gives two bytes).
-std::string Bytes(std::string_view hex);
+inline std::string Bytes(std::string_view hex) { return HexToBytes(hex); }
 
 }  // namespace quillon::test

@@ -56,7 +56,7 @@ GeneratedGame MakeGame(std::size_t size, std::size_t count, std::uint32_t seed) 
         at += static_cast<std::uint32_t>(bytes.size() + 1 + (t.room ? t.room + 1 : 0) + 1);
         t.pointers.push_back(static_cast<std::uint32_t>(firstTable + 4 * i));
         if (i % 5 == 0) t.pointers.push_back(static_cast<std::uint32_t>(secondTable + 4 * (i / 5)));
-        for (std::uint32_t p : t.pointers) PutPointer(game.image, p, t.offset);
+        for (std::uint32_t p : t.pointers) game.image.replace(p, 4, PointerTo(t.offset));
         if (section != t.section) {
             section = t.section;
             game.offsetFile += "[" + section + "]\r\n";

@@ -61,12 +61,11 @@ TEST_F(Export, OneMessagePerEntryAndTheReasonsForTheOthers) {
     ASSERT_EQ(summary.skipped.size(), skipped.size());
     for (std::size_t i = 0; i < skipped.size(); ++i)
         EXPECT_EQ(std::tie(summary.skipped[i].context, summary.skipped[i].reason), std::tie(skipped[i].first, skipped[i].second));
-}
 
-TEST_F(Export, OneSectionAndTheCurrentTextsAsTranslations) {
-    const PoCatalog po = Run("Town", true);
-    ASSERT_EQ(po.messages.size(), 2u);
-    EXPECT_EQ(po.messages[0].str, po.messages[0].id);
+    // One section, with the current texts as translations.
+    const PoCatalog town = Run("Town", true);
+    ASSERT_EQ(town.messages.size(), 2u);
+    EXPECT_EQ(town.messages[0].str, town.messages[0].id);
     EXPECT_TRUE(summary.skipped.empty());
     EXPECT_THROW(Run("Nowhere"), std::invalid_argument);
 }

@@ -12,6 +12,7 @@
 #include <quillon/codec.h>
 #include <quillon/rom.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,6 +20,8 @@
 
 using namespace quillon;
 using namespace quillon::test;
+using ::testing::HasSubstr;
+using ::testing::ThrowsMessage;
 
 namespace {
 
@@ -217,12 +220,7 @@ TEST_F(ImportKinds, PlanningReportsProgressStopsOnRequestAndChecksTheGameAndTheF
     for (auto [text, named] : {std::pair{header + "ISO-8859-1\\n\"\n", std::string("written in iso-8859-1")},
                                {header + "UTF-8\\n\"\n\nmsgctxt \"A/Same\"\nmsgid \"-\"\nmsgstr \"J\n", s.po.string() + ":"}}) {
         WriteFile(s.po, text);
-        try {
-            s.Plan();
-            ADD_FAILURE() << text;
-        } catch (const PoError& e) {
-            EXPECT_NE(std::string(e.what()).find(named), std::string::npos) << e.what();
-        }
+        EXPECT_THAT([&] { s.Plan(); }, ThrowsMessage<PoError>(HasSubstr(named))) << text;
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <set>
+#include <tuple>
 
 using namespace quillon;
 using namespace quillon::test;
@@ -67,9 +68,8 @@ TEST_F(Check, FetchesBothFilesThenComparesTheVersions) {
         CheckAndWait();
         ASSERT_EQ(server.Requests().size(), before + 2);  // a wrong path would have failed the check
         EXPECT_NE(server.Requests()[before].head.find("cache-control: no-cache"), std::string::npos);
-        EXPECT_EQ(form->lblUpdateMsg, c.status);
-        EXPECT_EQ(form->cmdDownloadVisible, c.offered);
-        EXPECT_EQ(form->cmdCheckVisible, !c.offered);
+        EXPECT_EQ(std::tuple(form->lblUpdateMsg, form->cmdDownloadVisible, form->cmdCheckVisible),
+                  std::tuple(c.status, c.offered, !c.offered));
         EXPECT_EQ(user.Take(), c.shown);
     }
 }
@@ -145,8 +145,7 @@ TEST_F(Download, ACheckedUpdateLandsByteExactWithProgressInSteps) {
     ASSERT_GE(progress.size(), 3u);  // the start, at least one step between, the last notice
     EXPECT_LT(progress[progress.size() - 2].first, 65536);
     EXPECT_EQ(progress.back().second, "Downloaded: 65536 / 65536 Bytes.");
-    EXPECT_EQ(form->progMax, 65536);
-    EXPECT_EQ(form->progValue, 0);
+    EXPECT_EQ(std::pair(form->progMax, form->progValue), std::pair(65536, 0));
     EXPECT_EQ(form->lblUpdateMsg, "Update successfull.");
     EXPECT_EQ(user.Take(), std::vector<Shown>{Msg(Icon::Information,
                                                   "The update was successfull.\r\nCheck the Updates folder!",
