@@ -157,7 +157,18 @@ protected:
     QStringList seen;
 };
 
-TEST_F(XPButtonEvents, OnlyLeftClicksClickAndTheirEventsComeInOrder) {
+// Hover, mouse, keyboard, focus, check-box behaviour and disabling, in turn.
+TEST_F(XPButtonEvents, AStoryOfMouseAndKeys) {
+    // Hover starts once and ends with MOUSEOUT.
+    QTest::mouseMove(b(), QPoint(20, 10));
+    QTest::mouseMove(b(), QPoint(30, 12));
+    EXPECT_TRUE(b()->CurrentDrawingState().hover);
+    QTest::mouseMove(&window, QPoint(390, 110));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !seen.isEmpty() && seen.last() == "MOUSEOUT"; }, 1000));
+    EXPECT_FALSE(b()->CurrentDrawingState().hover);
+    EXPECT_EQ(Take(), (QStringList{"MouseOver", "MOUSEOUT"}));
+
+    // Only left clicks click, and their events come in order.
     QTest::mouseClick(b(), Qt::LeftButton, Qt::ShiftModifier, QPoint(5, 6));
     EXPECT_EQ(Take(), (QStringList{"MouseDown 1 1 5 6", "MouseUp 1 1 5 6", "Click", "clicked 0"}));
     // A double click is a new press, reported at the origin.
@@ -178,9 +189,10 @@ TEST_F(XPButtonEvents, OnlyLeftClicksClickAndTheirEventsComeInOrder) {
     EXPECT_EQ(Take(), (QStringList{"MouseDown 2 0 5 6", "MouseUp 2 0 5 6"}));
     QTest::mousePress(b(), Qt::LeftButton, {}, QPoint(5, 6));
     EXPECT_NE(Look(b()), normal);
-}
+    QTest::mouseRelease(b(), Qt::LeftButton, {}, QPoint(5, 6));
+    Take();
 
-TEST_F(XPButtonEvents, SpaceAndTheAccessKeyClickUnlessDisabled) {
+    // Space and the access key click.
     b()->setFocus();
     QTest::keyPress(b(), Qt::Key_Space);
     EXPECT_TRUE(b()->CurrentDrawingState().pressed);
@@ -195,16 +207,17 @@ TEST_F(XPButtonEvents, SpaceAndTheAccessKeyClickUnlessDisabled) {
     QTest::keyClick(b(), Qt::Key_Space);
     EXPECT_EQ(Clicks(), 0);
     QObject::disconnect(clear);
-    Take();
-    b()->SetEnabled(false);
-    QTest::mouseClick(b(), Qt::LeftButton);
-    QTest::keyClick(b(), Qt::Key_Space);
-    QTest::keyClick(&window, Qt::Key_A, Qt::AltModifier);
-    b()->click();
-    EXPECT_EQ(Take(), QStringList());
-}
 
-TEST_F(XPButtonEvents, CheckBoxBehaviourTogglesValueOncePerClick) {
+    // The arrow keys move the focus without clicking.
+    buttons[1]->setFocus();
+    const std::pair<Qt::Key, int> moves[] = {{Qt::Key_Right, 2}, {Qt::Key_Left, 1}, {Qt::Key_Up, 0}, {Qt::Key_Down, 1}};
+    for (auto [key, focused] : moves) {
+        QTest::keyClick(QApplication::focusWidget(), key);
+        EXPECT_TRUE(buttons[focused]->hasFocus()) << key;
+    }
+    EXPECT_EQ(Clicks(), 0);
+
+    // As a check box, the value toggles once per click.
     b()->SetCheckBoxBehaviour(true);
     QTest::mouseClick(b(), Qt::LeftButton);
     EXPECT_TRUE(b()->Value());
@@ -216,27 +229,15 @@ TEST_F(XPButtonEvents, CheckBoxBehaviourTogglesValueOncePerClick) {
     EXPECT_TRUE(b()->Value());
     QTest::keyClick(&window, Qt::Key_A, Qt::AltModifier);
     EXPECT_FALSE(b()->Value());
-}
 
-TEST_F(XPButtonEvents, ArrowKeysMoveTheFocusWithoutClicking) {
-    buttons[1]->setFocus();
-    ASSERT_TRUE(buttons[1]->hasFocus());
-    const std::pair<Qt::Key, int> moves[] = {{Qt::Key_Right, 2}, {Qt::Key_Left, 1}, {Qt::Key_Up, 0}, {Qt::Key_Down, 1}};
-    for (auto [key, focused] : moves) {
-        QTest::keyClick(QApplication::focusWidget(), key);
-        EXPECT_TRUE(buttons[focused]->hasFocus()) << key;
-    }
-    EXPECT_EQ(Clicks(), 0);
-}
-
-TEST_F(XPButtonEvents, HoverStartsOnceAndEndsWithMouseOut) {
-    QTest::mouseMove(b(), QPoint(20, 10));
-    QTest::mouseMove(b(), QPoint(30, 12));
-    EXPECT_TRUE(b()->CurrentDrawingState().hover);
-    QTest::mouseMove(&window, QPoint(390, 110));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !seen.isEmpty() && seen.last() == "MOUSEOUT"; }, 1000));
-    EXPECT_FALSE(b()->CurrentDrawingState().hover);
-    EXPECT_EQ(Take(), (QStringList{"MouseOver", "MOUSEOUT"}));
+    // Disabled, nothing clicks.
+    Take();
+    b()->SetEnabled(false);
+    QTest::mouseClick(b(), Qt::LeftButton);
+    QTest::keyClick(b(), Qt::Key_Space);
+    QTest::keyClick(&window, Qt::Key_A, Qt::AltModifier);
+    b()->click();
+    EXPECT_EQ(Take(), QStringList());
 }
 
 // Every state cell of the gallery looks different from its normal cell.
