@@ -16,7 +16,9 @@ using namespace quillon::test;
 
 namespace {
 
-TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftThatTheEntryOffersBack) {
+// Then typing counts towards the repoint; the longer text is saved elsewhere
+// after the question (where and how is checked below the window), then undone.
+TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftAndALongerTextRepointsAndIsUndone) {
     StartAndOpen();
     Select("Harbour", "Gull");
     Find<QPlainTextEdit>("Text1")->moveCursor(QTextCursor::End);
@@ -48,12 +50,7 @@ TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftThatTheEntryOffersBack) {
     emit Find<QLabel>("lblDraft")->linkActivated(QStringLiteral("discard"));
     EXPECT_EQ(Text1(), "Kree! Kree!");
     EXPECT_TRUE(session->drafts.empty());
-}
 
-// Typing counts towards the repoint; the longer text is saved elsewhere after
-// the question (where and how is checked below the window), then undone.
-TEST_F(MainWindowTest, SavingALongerTextRepointsAndTheUndoKeysAndHistoryWindowGoBack) {
-    StartAndOpen();
     Select("Harbour", "Ferryman");
     const QString original = Text1();
     const std::string rom = ReadFile(Rom());
@@ -69,9 +66,7 @@ TEST_F(MainWindowTest, SavingALongerTextRepointsAndTheUndoKeysAndHistoryWindowGo
     const QString saved = Text1();
     ASSERT_TRUE(ReadFile(Rom()) != rom);
 
-    window->show();
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    Show();
     QTest::keyClick(text1, Qt::Key_Z, Qt::ControlModifier | Qt::AltModifier);
     EXPECT_EQ(Text1(), original);
     QTest::keyClick(text1, Qt::Key_Y, Qt::ControlModifier | Qt::AltModifier);

@@ -23,38 +23,28 @@ using namespace quillon::test;
 
 namespace {
 
-TEST_F(MainWindowTest, StartsWithNothingToEditAndOpensTheDemoRom) {
+TEST_F(MainWindowTest, StartsWithNothingToEditOpensTheDemoRomAndTheTreeReloadsDeletesAndAdds) {
     ASSERT_TRUE(StartUp(*session));
-    for (const char* name : {"XPButton3", "Command2", "Text1", "Option1_0", "Option1_1", "Check1", "TreeView1"})
-        EXPECT_FALSE(Find(name)->isEnabled()) << name;
-    for (const char* name : {"XPButton1", "XPButton2", "XPButton6", "XPButton4", "Command5"})
-        EXPECT_TRUE(Find(name)->isEnabled()) << name;
-    for (const char* action : {"mnuTextScript", "mnuFindTexts"})
-        EXPECT_FALSE(Child<QAction>(*window->ToolsMenu(), action)->isEnabled()) << action;
+    ExpectEnabled(*window, {"XPButton3", "Command2", "Text1", "Option1_0", "Option1_1", "Check1", "TreeView1",
+                            "mnuTextScript", "mnuFindTexts"}, false);
+    ExpectEnabled(*window, {"XPButton1", "XPButton2", "XPButton6", "XPButton4", "Command5"}, true);
 
     user.Then(Rom());
     Click("XPButton1");
-    const QAbstractItemModel* tree = Tree()->model();
-    ASSERT_EQ(tree->rowCount(), 4);
-    EXPECT_FALSE(tree->index(0, 0).data(Qt::DecorationRole).value<QIcon>().isNull());
-    for (const char* name : {"TreeView1", "XPButton3", "Text1"}) EXPECT_TRUE(Find(name)->isEnabled()) << name;
-    for (const char* action : {"mnuTextScript", "mnuFindTexts"})
-        EXPECT_TRUE(Child<QAction>(*window->ToolsMenu(), action)->isEnabled()) << action;
+    QTreeView* tree = Tree();
+    ASSERT_EQ(tree->model()->rowCount(), 4);
+    EXPECT_FALSE(tree->model()->index(0, 0).data(Qt::DecorationRole).value<QIcon>().isNull());
+    ExpectEnabled(*window, {"TreeView1", "XPButton3", "Text1", "mnuTextScript", "mnuFindTexts"}, true);
     EXPECT_EQ(Caption(*window, "Label4"), "QDME");
     EXPECT_FALSE(Find("Command2")->isEnabled());  // nothing shown until a text is chosen
 
     Select("Lighthouse", "Keeper");
     EXPECT_EQ(Text1(), "Welcome up, [PLAYER].\nThe lamp has not been lit for a week.\n\nCould you find me some oil?");
     EXPECT_EQ(Caption(*window, "Label3"), "10018A");
-    for (const char* name : {"Command2", "Option1_0", "Check1"}) EXPECT_TRUE(Find(name)->isEnabled()) << name;
-}
+    ExpectEnabled(*window, {"Command2", "Option1_0", "Check1"}, true);
 
-TEST_F(MainWindowTest, TheTreeReloadsOnAClickItsMenuSelectsOnRightClickDeletesAndAddsOnEnter) {
-    StartAndOpen();
-    QTreeView* tree = Tree();
-    const QModelIndex baker = Node("Market", "Baker");
-    ASSERT_TRUE(baker.isValid());
     // A click on the selected node loads its text again.
+    const QModelIndex baker = Node("Market", "Baker");
     Select("Harbour", "Gull");
     QTest::keyClicks(Find("Text1"), "xyz");
     ASSERT_NE(Text1(), "Kree! Kree!");
@@ -99,7 +89,7 @@ QTextCharFormat FormatOf(QPlainTextEdit* editor, int from, int length) {
     return {};
 }
 
-TEST_F(MainWindowTest, TheEditorExportsSwallowsShiftInsertEditsTheSelectionAndMarksWhatWouldBeSavedWrong) {
+TEST_F(MainWindowTest, TheEditorExportsSwallowsShiftInsertMarksWhatWouldBeSavedWrongAndExitAsksNothing) {
     StartAndOpen();
     Select("Harbour", "Gull");
     user.Then(dir / "gull.txt");
@@ -133,8 +123,7 @@ TEST_F(MainWindowTest, TheEditorExportsSwallowsShiftInsertEditsTheSelectionAndMa
         EXPECT_EQ(FormatOf(text1, from, length).underlineStyle(), QTextCharFormat::SpellCheckUnderline) << from;
         EXPECT_EQ(FormatOf(text1, from, length).underlineColor(), QColor(Qt::red)) << from;
     }
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    Show();
     QTextCursor at(text1->document());
     at.setPosition(11);
     const QPoint over = text1->cursorRect(at).center();
@@ -155,15 +144,10 @@ TEST_F(MainWindowTest, TheEditorExportsSwallowsShiftInsertEditsTheSelectionAndMa
     QTest::keyClick(text1, Qt::Key_Tab);
     EXPECT_FALSE(Text1().contains(QLatin1Char('\t')));
     EXPECT_FALSE(text1->hasFocus());
-}
 
-TEST_F(MainWindowTest, ExitAndTheCloseHotspotCloseEveryWindowWithoutAQuestion) {
-    StartAndOpen();
-    Select("Harbour", "Gull");
-    QTest::keyClicks(Find("Text1"), "x");  // an unsaved edit
+    // Exit and the close hotspot close every window, over the unsaved edit, without a question.
     for (const char* exit : {"XPButton2", "Image4"}) {
-        window->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+        Show();
         ui::AboutDialog about(window.get());
         about.show();
         Click(exit);
@@ -176,8 +160,7 @@ TEST_F(MainWindowTest, ExitAndTheCloseHotspotCloseEveryWindowWithoutAQuestion) {
 // A left click opens its window modally over the main window; a right click
 // on a hotspot opens, closes or minimizes nothing.
 TEST_F(MainWindowTest, AboutHelpAndLiveUpdateOpenModallyOverItOnALeftClickOnly) {
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    Show();
     auto right = [&](const char* name) { return [this, name] { QTest::mouseClick(Find(name), Qt::RightButton); }; };
     const std::pair<std::function<void()>, QString> cases[] = {
         {[&] { Click("XPButton4"); }, "About Quillon"},
@@ -197,8 +180,10 @@ TEST_F(MainWindowTest, AboutHelpAndLiveUpdateOpenModallyOverItOnALeftClickOnly) 
 }
 
 // The fit check over the demonstration ROM and its own font: a line over the
-// box is marked with its width while typing.
-TEST_F(MainWindowTest, ALineOverTheBoxIsMarkedWhileTypingAndCheckAllListsTheWideTexts) {
+// box is marked with its width while typing. Then the references window, and
+// the Tools menu's scan, export and import, which reach their commands with
+// their own titles and filters (what they report is checked below the window).
+TEST_F(MainWindowTest, FitMarksCheckAllReferencesAndTheToolsMenusScanExportAndImport) {
     StartAndOpen();
     auto* text1 = Find<QPlainTextEdit>("Text1");
     Select("Lighthouse", "Lit");  // its first line is 255 px in the demo font
@@ -231,10 +216,7 @@ TEST_F(MainWindowTest, ALineOverTheBoxIsMarkedWhileTypingAndCheckAllListsTheWide
     EXPECT_EQ(keys, (QStringList{"Lighthouse/Lit 255 / 208 px", "Lighthouse/Cat 215 / 208 px",
                                  "Market/Baker 221 / 208 px"}));
     EXPECT_EQ(Caption(*window, "Label3"), "10031F");  // Baker opened
-}
 
-TEST_F(MainWindowTest, PointerCountAndReferencesWindowCopyingAnOffset) {
-    StartAndOpen();
     Select("Lighthouse", "Keeper");
     QStringList kinds;
     QString copied, label;
@@ -255,12 +237,7 @@ TEST_F(MainWindowTest, PointerCountAndReferencesWindowCopyingAnOffset) {
     EXPECT_EQ(kinds.count(QStringLiteral("Aligned data")), kinds.size());  // the demo's pointer tables
     EXPECT_FALSE(copied.isEmpty());
     EXPECT_EQ(clipboard.text, copied.toStdString());
-}
 
-// The Tools menu's scan, export and import reach their commands with their
-// own titles and filters; what they report is checked below the window.
-TEST_F(MainWindowTest, ToolsMenuScanExportAndImportAskAndReport) {
-    StartAndOpen();
     const std::filesystem::path po = dir / "demo.po";
     EXPECT_EQ(Child<QAction>(*window->ToolsMenu(), "mnuFindTexts")->text(), "Find Texts in ROM...");
     user.Then(po).Then(po);  // the scan finds nothing new; the import finds nothing translated

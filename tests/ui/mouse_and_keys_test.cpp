@@ -20,11 +20,11 @@ using namespace quillon::test;
 
 namespace {
 
-TEST_F(MainWindowTest, OnlyAPressOnTheBackgroundThatMovesDragsTheWindow) {
+// Then a shared access key clicks the first enabled button of the two.
+TEST_F(MainWindowTest, OnlyAPressOnTheBackgroundThatMovesDragsTheWindowAndAnAccessKeyClicksTheFirstEnabled) {
     StartAndOpen();
     Select("Harbour", "Gull");
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    Show();
     int moves = 0;
     window->systemMove = [&] { ++moves; };
     QWidget* editor = Find<QPlainTextEdit>("Text1")->viewport();
@@ -59,15 +59,9 @@ TEST_F(MainWindowTest, OnlyAPressOnTheBackgroundThatMovesDragsTheWindow) {
         EXPECT_EQ(moves, c.drags) << c.what;
     }
     EXPECT_TRUE(window->isVisible());  // the hotspot was left before the release
-}
 
-TEST_F(MainWindowTest, AnAccessKeySharedByTwoButtonsClicksTheFirstThatIsEnabled) {
-    StartAndOpen();
-    window->show();
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     // "S&ave Text" comes before "&About": with a text shown, Alt+A saves it.
-    Select("Harbour", "Gull");
+    Show();
     QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier);
     EXPECT_EQ(user.Take(), std::vector<Shown>{kSaved});
     // With saving disabled the same keys open the about window.
@@ -76,7 +70,21 @@ TEST_F(MainWindowTest, AnAccessKeySharedByTwoButtonsClicksTheFirstThatIsEnabled)
     EXPECT_EQ(seen.title, "About Quillon");
 }
 
-TEST_F(MainWindowTest, OffsetIsAPlainButtonAndTheToolWindowsHaveFixedFrames) {
+// The main window's corners are smooth where the screen composites and cut by
+// the region elsewhere.
+TEST_F(MainWindowTest, CornersOffsetAsAPlainButtonAndTheToolWindowsFixedFrames) {
+    ASSERT_FALSE(ui::ScreenComposites());  // the offscreen platform
+    EXPECT_FALSE(window->mask().isEmpty());
+    window->SetSmoothCorners(true);
+    EXPECT_TRUE(window->mask().isEmpty());
+    const QImage shot = window->grab().toImage();
+    int partial = 0;  // pixels of the top-left curve that blend into what lies behind
+    for (int y = 0; y < 20; ++y)
+        for (int x = 0; x < 20; ++x)
+            if (const int a = qAlpha(shot.pixel(x, y)); a > 0 && a < 255) ++partial;
+    EXPECT_GT(partial, 3);
+    EXPECT_EQ(qAlpha(shot.pixel(0, 0)), 0);
+
     EXPECT_NE(qobject_cast<QPushButton*>(Find("Command5")), nullptr);
     EXPECT_EQ(Caption(*window, "lblTextborder"), "Textbox-Border");
 
@@ -101,20 +109,6 @@ TEST_F(MainWindowTest, OffsetIsAPlainButtonAndTheToolWindowsHaveFixedFrames) {
         const QSize table(ui::TwipsToPixels(width, w->logicalDpiX()), ui::TwipsToPixels(height, w->logicalDpiY()));
         EXPECT_EQ(w->size(), table.expandedTo(w->minimumSizeHint())) << name;
     }
-}
-
-TEST_F(MainWindowTest, CornersAreSmoothWhereTheScreenCompositesAndCutByTheRegionElsewhere) {
-    ASSERT_FALSE(ui::ScreenComposites());  // the offscreen platform
-    EXPECT_FALSE(window->mask().isEmpty());
-    window->SetSmoothCorners(true);
-    EXPECT_TRUE(window->mask().isEmpty());
-    const QImage shot = window->grab().toImage();
-    int partial = 0;  // pixels of the top-left curve that blend into what lies behind
-    for (int y = 0; y < 20; ++y)
-        for (int x = 0; x < 20; ++x)
-            if (const int a = qAlpha(shot.pixel(x, y)); a > 0 && a < 255) ++partial;
-    EXPECT_GT(partial, 3);
-    EXPECT_EQ(qAlpha(shot.pixel(0, 0)), 0);
 }
 
 }  // namespace

@@ -82,8 +82,9 @@ TEST_F(UpdateWindow, MirrorsACheckAndADownloadAndClosesOnCancel) {
 }
 
 // Offset boxes that cannot be misread: 0x reads as hexadecimal in the decimal
-// boxes, and every box shows beside it what it read.
-TEST_F(MainWindowTest, OffsetBoxesEchoWhatTheyReadAndTakeHexWrittenWith0x) {
+// boxes, and every box shows beside it what it read. Then the preview draws
+// box by box and follows the editor.
+TEST_F(MainWindowTest, OffsetBoxesEchoWhatTheyReadAndThePreviewFollowsTheEditor) {
     StartAndOpen();
     AddOffsetForm form(*session);
     ui::AddOffsetDialog addOffset(form);
@@ -116,14 +117,11 @@ TEST_F(MainWindowTest, OffsetBoxesEchoWhatTheyReadAndTakeHexWrittenWith0x) {
     }});
     EXPECT_EQ(qt.Input("Text Offset", "Enter Text Offset to view (Dec):", "0"), "0x186F5");
     EXPECT_TRUE(label.endsWith(QStringLiteral("= 100085"))) << label.toStdString();
-}
 
-TEST_F(MainWindowTest, PreviewDrawsBoxByBoxAndFollowsTheEditor) {
-    StartAndOpen();
     Select("Harbour", "Ferryman");  // two boxes: two lines, then one
     EXPECT_EQ(Child<QAction>(*window->TextMenu(), "mnuPreview")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_G));
     Trigger(window->TextMenu(), "mnuPreview");
-    auto* preview = window->findChild<ui::PreviewDialog*>(QStringLiteral("frmPreview"));
+    auto* preview = Find<ui::PreviewDialog>("frmPreview");
     ASSERT_NE(preview, nullptr);
     EXPECT_TRUE(preview->isVisible());
     EXPECT_FALSE(preview->isModal());
@@ -169,9 +167,7 @@ TEST_F(MainWindowTest, SearchScriptAndAddOffsetWindowsOverTheirOpener) {
     session = std::make_unique<Session>(dir.path(), router);
     window = std::make_unique<ui::MainWindow>(*session, clipboard);
     router.qt.SetParent(window.get());
-    ASSERT_TRUE(StartUp(*session));
-    router.Then(Rom());
-    Click("XPButton1");
+    StartAndOpen(&router);
     window->show();
 
     struct Seen {
@@ -215,8 +211,7 @@ TEST_F(MainWindowTest, SearchScriptAndAddOffsetWindowsOverTheirOpener) {
                   ClickChild(*w, "cmdJump");
                   // The Japanese table previews only and blocks searching.
                   ClickChild(*w, "Option1_1");
-                  for (const char* name : {"Command1", "Command2", "Command4"})
-                      EXPECT_FALSE(Child(*w, name)->isEnabled()) << name;
+                  ExpectEnabled(*w, {"Command1", "Command2", "Command4"}, false);
               },
               [&](QWidget* w) {
                   addOffsetWindow = w;
