@@ -1,18 +1,33 @@
 // The main window driven like a user would: start-up states, opening the
-// demonstration ROM, the tree menu, the editor and its marks, the Tools menu
-// and leaving the program. The logic below the window has its own story
-// tests; these check that the widgets reach it and mirror its state.
+// demonstration ROM, the tree with its menu and filter, the editor and its
+// marks, drafts, undo and history, the Tools menu, the mouse and keyboard as a
+// new user meets them, and leaving the program. The logic below the window has
+// its own story tests; these check that the widgets reach it and mirror its
+// state.
 #include "main_window_fixture.h"
+#include "edit/drafts.h"
+#include "edit/text_view.h"
 #include "offsets/add_offset_form.h"
+#include "offsets/offset_file.h"
 #include "offsets/startup.h"
+#include "support/save_messages.h"
 #include "ui/about_dialog.h"
 #include "ui/add_offset_dialog.h"
+#include "ui/add_script_dialog.h"
+#include "ui/explanation_dialogs.h"
+#include "ui/history_dialog.h"
+#include "ui/japanese_dialog.h"
+#include "ui/search_dialog.h"
+#include "ui/xp_button.h"
+
+#include <quillon/codec.h>
 
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QHelpEvent>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTextBlock>
 #include <QTextLayout>
 #include <QToolTip>
@@ -23,7 +38,18 @@ using namespace quillon::test;
 
 namespace {
 
-TEST_F(MainWindowTest, StartsWithNothingToEditOpensTheDemoRomAndTheTreeReloadsDeletesAndAdds) {
+// "Section/Key" of every text the tree shows.
+QStringList TreeRows(const QAbstractItemModel& tree) {
+    QStringList rows;
+    for (int s = 0; s < tree.rowCount(); ++s) {
+        const QModelIndex section = tree.index(s, 0);
+        for (int k = 0; k < tree.rowCount(section); ++k)
+            rows << section.data().toString() + '/' + tree.index(k, 0, section).data().toString();
+    }
+    return rows;
+}
+
+TEST_F(MainWindowTest, StartsWithNothingToEditOpensTheDemoRomAndTheTreeReloadsFiltersDeletesAndAdds) {
     ASSERT_TRUE(StartUp(*session));
     ExpectEnabled(*window, {"XPButton3", "Command2", "Text1", "Option1_0", "Option1_1", "Check1", "TreeView1",
                             "mnuTextScript", "mnuFindTexts"}, false);
@@ -44,12 +70,55 @@ TEST_F(MainWindowTest, StartsWithNothingToEditOpensTheDemoRomAndTheTreeReloadsDe
     ExpectEnabled(*window, {"Command2", "Option1_0", "Check1"}, true);
 
     // A click on the selected node loads its text again.
-    const QModelIndex baker = Node("Market", "Baker");
     Select("Harbour", "Gull");
     QTest::keyClicks(Find("Text1"), "xyz");
     ASSERT_NE(Text1(), "Kree! Kree!");
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(Node("Harbour", "Gull")).center());
     EXPECT_EQ(Text1(), "Kree! Kree!");
+
+    // The filter shows the matches, in expanded sections; clearing it restores
+    // the tree, the selection and the text, and the offset file is untouched.
+    const QStringList all = TreeRows(*tree->model());
+    const std::string offsets = ReadFile(dir / "ini" / "QDME.ini");
+    auto* filter = Find<QLineEdit>("txtTreeFilter");
+    const struct {
+        const char* typed;
+        QStringList shown;
+    } cases[] = {
+        {"rival", {"Town/Rival", "Town/Rival again"}},
+        {"0x10018a", {"Lighthouse/Keeper"}},
+        {"1000D", {"Harbour/Sign"}},
+        {"LIGHTHOUSE",
+         {"Lighthouse/Keeper", "Lighthouse/Stairs", "Lighthouse/Logbook", "Lighthouse/Lamp", "Lighthouse/Lit",
+          "Lighthouse/Window", "Lighthouse/Cat"}},
+        {"zzz", {}},
+    };
+    for (const auto& c : cases) {
+        filter->clear();
+        QTest::keyClicks(filter, c.typed);
+        EXPECT_EQ(TreeRows(*tree->model()), c.shown) << c.typed;
+        for (int s = 0; s < tree->model()->rowCount(); ++s)
+            EXPECT_TRUE(tree->isExpanded(tree->model()->index(s, 0))) << c.typed;
+    }
+    filter->clear();
+    EXPECT_EQ(TreeRows(*tree->model()), all);
+    EXPECT_EQ(tree->currentIndex(), Node("Harbour", "Gull"));
+    EXPECT_EQ(Text1(), "Kree! Kree!");
+    EXPECT_EQ(ReadFile(dir / "ini" / "QDME.ini"), offsets);
+
+    // A section keeps the picture of its people across rebuilds.
+    auto people = [&] {
+        QList<qint64> icons;
+        for (const char* section : {"Harbour", "Lighthouse", "Market", "Town"})
+            icons << Tree()->model()->index(0, 0, Section(section)).data(Qt::DecorationRole).value<QIcon>().cacheKey();
+        return icons;
+    };
+    const QList<qint64> first = people();
+    for (int rebuild = 0; rebuild < 5; ++rebuild) {
+        Tree_Load(*session);
+        EXPECT_EQ(people(), first) << "rebuild " << rebuild;
+    }
+
     // On empty space below the nodes: no menu, and the selection stays.
     tree->collapseAll();
     const QPoint empty(tree->viewport()->width() / 2, tree->viewport()->height() - 4);
@@ -58,7 +127,7 @@ TEST_F(MainWindowTest, StartsWithNothingToEditOpensTheDemoRomAndTheTreeReloadsDe
     EXPECT_FALSE(window->TreeMenu()->isVisible());
     EXPECT_EQ(tree->currentIndex(), Node("Harbour", "Gull"));
     tree->expandAll();
-    emit tree->customContextMenuRequested(tree->visualRect(baker).center());
+    emit tree->customContextMenuRequested(tree->visualRect(Node("Market", "Baker")).center());
     EXPECT_TRUE(Text1().startsWith("Fresh rolls!"));
     ASSERT_TRUE(window->TreeMenu()->isVisible());
     Trigger(window->TreeMenu(), "mnuDelete");
@@ -252,6 +321,192 @@ TEST_F(MainWindowTest, FitMarksCheckAllReferencesAndTheToolsMenusScanExportAndIm
     EXPECT_NE(shown[2].text.find(" texts written to demo.po."), std::string::npos) << shown[2].text;
     EXPECT_EQ(shown[3], (Shown{Shown::OpenFile, "Import Translation", "PO files (*.po)|*.po|All files (*.*)|*.*"}));
     EXPECT_NE(shown[4].text.find("Nothing was written: no text changed."), std::string::npos) << shown[4].text;
+}
+
+TEST_F(MainWindowTest, SectionsOfALargeOffsetFileStartCollapsed) {
+    const struct {
+        int sections, keys;
+        bool expanded;
+    } cases[] = {{4, 20, true}, {40, 10, false}};
+    for (const auto& c : cases) {
+        std::string ini;
+        for (int s = 0; s < c.sections; ++s) {
+            ini += "[Map " + std::to_string(s) + "]\r\n";
+            for (int k = 0; k < c.keys; ++k) ini += "Person " + std::to_string(k) + "=100000\r\n";
+        }
+        WriteFile(dir / "ini" / "QDME.ini", ini);
+        StartAndOpen();
+        const QAbstractItemModel* tree = Tree()->model();
+        ASSERT_EQ(tree->rowCount(), c.sections);
+        for (int s = 0; s < c.sections; ++s)
+            EXPECT_EQ(Tree()->isExpanded(tree->index(s, 0)), c.expanded) << c.sections << " sections, row " << s;
+        // A text chosen elsewhere (a search's jump) opens its section.
+        const auto& nodes = session->tree.Nodes();
+        std::size_t person = 0;
+        while (person < nodes.size() && !(nodes[person].text == "Person 2" && nodes[*nodes[person].parent].text == "Map 3"))
+            ++person;
+        SelectNode(*session, person);
+        EXPECT_EQ(Tree()->currentIndex(), Node("Map 3", "Person 2"));
+        EXPECT_TRUE(Tree()->isExpanded(Section("Map 3")));
+        EXPECT_TRUE(Text1().startsWith("Ahoy"));
+    }
+}
+
+// Then typing counts towards the repoint; the longer text is saved elsewhere
+// after the question (where and how is checked below the window), then undone.
+TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftAndALongerTextRepointsAndIsUndone) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    Find<QPlainTextEdit>("Text1")->moveCursor(QTextCursor::End);
+    QTest::keyClicks(Find("Text1"), " Kree?");
+    Select("Harbour", "Ferryman");
+    EXPECT_TRUE(Italic(Node("Harbour", "Gull")));
+    EXPECT_FALSE(Italic(Node("Harbour", "Ferryman")));
+    EXPECT_TRUE(Find("lblDraft")->isHidden());
+
+    // Back on the entry: the ROM's text, and the bar that offers the draft.
+    Select("Harbour", "Gull");
+    EXPECT_EQ(Text1(), "Kree! Kree!");
+    ASSERT_FALSE(Find("lblDraft")->isHidden());
+    EXPECT_TRUE(Caption(*window, "lblDraft").startsWith("Unsaved changes from "));
+    emit Find<QLabel>("lblDraft")->linkActivated(QStringLiteral("restore"));
+    EXPECT_EQ(Text1(), "Kree! Kree! Kree?");
+    EXPECT_TRUE(Find("lblDraft")->isHidden());
+    EXPECT_FALSE(Italic(Node("Harbour", "Gull")));
+
+    // Leaving the program keeps it beside the ROM; the next start offers it.
+    Click("XPButton2");
+    EXPECT_TRUE(std::filesystem::exists(DraftFile(Rom())));
+    window.reset();
+    session = std::make_unique<Session>(dir.path(), user);
+    window = std::make_unique<ui::MainWindow>(*session, clipboard);
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    EXPECT_EQ(Text1(), "Kree! Kree!");
+    emit Find<QLabel>("lblDraft")->linkActivated(QStringLiteral("discard"));
+    EXPECT_EQ(Text1(), "Kree! Kree!");
+    EXPECT_TRUE(session->drafts.empty());
+
+    Select("Harbour", "Ferryman");
+    const QString original = Text1();
+    const std::string rom = ReadFile(Rom());
+    auto* text1 = Find<QPlainTextEdit>("Text1");
+    text1->moveCursor(QTextCursor::End);
+    QTest::keyClicks(text1, " Again.");
+    const std::string encoded = EncodeText(session->controls.text1.Text(), false);  // in hex digits
+    EXPECT_EQ(Caption(*window, "lblRepoint"), QStringLiteral("%1 Characters to repoint.").arg(encoded.size() / 2));
+    user.Yes();
+    Click("Command2");
+    EXPECT_EQ(user.Take(), (std::vector<Shown>{kLonger, kSaved}));
+    EXPECT_EQ(Caption(*window, "Label3"), "E00001");
+    const QString saved = Text1();
+    ASSERT_TRUE(ReadFile(Rom()) != rom);
+
+    Show();
+    QTest::keyClick(text1, Qt::Key_Z, Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(Text1(), original);
+    QTest::keyClick(text1, Qt::Key_Y, Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(Text1(), saved);
+    EXPECT_EQ(user.Take().size(), 2u);  // "Undone: ..." and "Redone: ..."
+
+    ui::HistoryDialog history(*session, window.get());
+    auto* list = Child<QTreeWidget>(history, "lstHistory");
+    ASSERT_EQ(list->topLevelItemCount(), 1);
+    EXPECT_EQ(list->topLevelItem(0)->text(2), "Save Text");
+    list->setCurrentItem(list->topLevelItem(0));
+    ClickChild(history, "cmdGoBack");
+    EXPECT_EQ(list->topLevelItem(0)->text(5), "undone");
+}
+
+// Then a shared access key clicks the first enabled button of the two.
+TEST_F(MainWindowTest, OnlyAPressOnTheBackgroundThatMovesDragsTheWindowAndAnAccessKeyClicksTheFirstEnabled) {
+    StartAndOpen();
+    Select("Harbour", "Gull");
+    Show();
+    int moves = 0;
+    window->systemMove = [&] { ++moves; };
+    QWidget* editor = Find<QPlainTextEdit>("Text1")->viewport();
+    const QPoint background(30, 90);
+    struct Case {
+        const char* what;
+        QWidget* at;
+        QPoint from;
+        Qt::MouseButton button;
+        bool release;  // released before the pointer moves: a click
+        int drags;
+    } cases[] = {
+        {"a right press in the editor", editor, {20, 20}, Qt::RightButton, false, 0},
+        {"a press on the close hotspot", Find("Image4"), {5, 5}, Qt::LeftButton, false, 0},
+        {"a click on the background", window.get(), background, Qt::LeftButton, true, 0},
+        {"a press on the background", window.get(), background, Qt::LeftButton, false, 1},
+        {"a right press on the background", window.get(), background, Qt::RightButton, false, 1},
+    };
+    for (const Case& c : cases) {
+        moves = 0;
+        QTest::mousePress(c.at, c.button, {}, c.from);
+        if (c.at == editor) {  // the right press opened the tag menu and nothing else
+            EXPECT_TRUE(window->TextMenu()->isVisible());
+            window->TextMenu()->hide();
+        }
+        if (c.release) QTest::mouseRelease(c.at, c.button, {}, c.from);
+        QMouseEvent move(QEvent::MouseMove, QPointF(c.from + QPoint(30, 30)),
+                         QPointF(c.at->mapToGlobal(c.from + QPoint(30, 30))), Qt::NoButton,
+                         c.release ? Qt::NoButton : c.button, {});
+        QApplication::sendEvent(c.at, &move);
+        if (!c.release) QTest::mouseRelease(c.at, c.button, {}, c.from + QPoint(30, 30));
+        EXPECT_EQ(moves, c.drags) << c.what;
+    }
+    EXPECT_TRUE(window->isVisible());  // the hotspot was left before the release
+
+    // "S&ave Text" comes before "&About": with a text shown, Alt+A saves it.
+    Show();
+    QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier);
+    EXPECT_EQ(user.Take(), std::vector<Shown>{kSaved});
+    // With saving disabled the same keys open the about window.
+    Tree()->setCurrentIndex(Tree()->model()->index(0, 0));
+    const ModalSeen seen = OpenModal([&] { QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier); });
+    EXPECT_EQ(seen.title, "About Quillon");
+}
+
+// The main window's corners are smooth where the screen composites and cut by
+// the region elsewhere.
+TEST_F(MainWindowTest, CornersOffsetAsAPlainButtonAndTheToolWindowsFixedFrames) {
+    ASSERT_FALSE(ui::ScreenComposites());  // the offscreen platform
+    EXPECT_FALSE(window->mask().isEmpty());
+    window->SetSmoothCorners(true);
+    EXPECT_TRUE(window->mask().isEmpty());
+    const QImage shot = window->grab().toImage();
+    int partial = 0;  // pixels of the top-left curve that blend into what lies behind
+    for (int y = 0; y < 20; ++y)
+        for (int x = 0; x < 20; ++x)
+            if (const int a = qAlpha(shot.pixel(x, y)); a > 0 && a < 255) ++partial;
+    EXPECT_GT(partial, 3);
+    EXPECT_EQ(qAlpha(shot.pixel(0, 0)), 0);
+
+    EXPECT_NE(qobject_cast<QPushButton*>(Find("Command5")), nullptr);
+    EXPECT_EQ(Caption(*window, "lblTextborder"), "Textbox-Border");
+
+    StartAndOpen();
+    AddOffsetForm form(*session);
+    ui::SearchDialog search(*session, clipboard, window.get());
+    ui::AddOffsetDialog addOffset(form, window.get());
+    ui::AboutDialog about(window.get());
+    ui::JapaneseDialog list([](int) {}, window.get());
+    ui::MenuExplanationDialog menus(user, window.get());
+    ui::ColorExplanationDialog colours(&menus);
+    ui::AddScriptDialog script(*session, window.get());
+    const std::tuple<QDialog*, int, int> windows[] = {
+        {&search, 8355, 3015}, {&addOffset, 2760, 4140}, {&about, 6615, 6225},  {&list, 7500, 8370},
+        {&menus, 5295, 4140},  {&colours, 12030, 3570},  {&script, 4425, 3465}};
+    for (auto [w, width, height] : windows) {
+        const std::string name = w->objectName().toStdString();
+        const Qt::WindowFlags flags = w->windowFlags();
+        EXPECT_TRUE(flags.testFlag(Qt::Tool)) << name;
+        EXPECT_FALSE(flags.testFlag(Qt::WindowMinimizeButtonHint) || flags.testFlag(Qt::WindowMaximizeButtonHint)) << name;
+        EXPECT_EQ(w->minimumSize(), w->maximumSize()) << name;
+        const QSize table(ui::TwipsToPixels(width, w->logicalDpiX()), ui::TwipsToPixels(height, w->logicalDpiY()));
+        EXPECT_EQ(w->size(), table.expandedTo(w->minimumSizeHint())) << name;
+    }
 }
 
 }  // namespace
