@@ -18,7 +18,6 @@
 #include "ui/history_dialog.h"
 #include "ui/japanese_dialog.h"
 #include "ui/search_dialog.h"
-#include "ui/xp_button.h"
 
 #include <quillon/codec.h>
 
@@ -81,10 +80,7 @@ TEST_F(MainWindowTest, StartsWithNothingToEditOpensTheDemoRomAndTheTreeReloadsFi
     const QStringList all = TreeRows(*tree->model());
     const std::string offsets = ReadFile(dir / "ini" / "QDME.ini");
     auto* filter = Find<QLineEdit>("txtTreeFilter");
-    const struct {
-        const char* typed;
-        QStringList shown;
-    } cases[] = {
+    const std::pair<const char*, QStringList> cases[] = {
         {"rival", {"Town/Rival", "Town/Rival again"}},
         {"0x10018a", {"Lighthouse/Keeper"}},
         {"1000D", {"Harbour/Sign"}},
@@ -93,12 +89,12 @@ TEST_F(MainWindowTest, StartsWithNothingToEditOpensTheDemoRomAndTheTreeReloadsFi
           "Lighthouse/Window", "Lighthouse/Cat"}},
         {"zzz", {}},
     };
-    for (const auto& c : cases) {
+    for (const auto& [typed, shown] : cases) {
         filter->clear();
-        QTest::keyClicks(filter, c.typed);
-        EXPECT_EQ(TreeRows(*tree->model()), c.shown) << c.typed;
+        QTest::keyClicks(filter, typed);
+        EXPECT_EQ(TreeRows(*tree->model()), shown) << typed;
         for (int s = 0; s < tree->model()->rowCount(); ++s)
-            EXPECT_TRUE(tree->isExpanded(tree->model()->index(s, 0))) << c.typed;
+            EXPECT_TRUE(tree->isExpanded(tree->model()->index(s, 0))) << typed;
     }
     filter->clear();
     EXPECT_EQ(TreeRows(*tree->model()), all);
@@ -158,7 +154,7 @@ QTextCharFormat FormatOf(QPlainTextEdit* editor, int from, int length) {
     return {};
 }
 
-TEST_F(MainWindowTest, TheEditorExportsSwallowsShiftInsertMarksWhatWouldBeSavedWrongAndExitAsksNothing) {
+TEST_F(MainWindowTest, TheEditorMarksWhatWouldBeSavedWrongAboutAndHelpOpenModallyAndExitAsksNothing) {
     StartAndOpen();
     Select("Harbour", "Gull");
     user.Then(dir / "gull.txt");
@@ -214,22 +210,8 @@ TEST_F(MainWindowTest, TheEditorExportsSwallowsShiftInsertMarksWhatWouldBeSavedW
     EXPECT_FALSE(Text1().contains(QLatin1Char('\t')));
     EXPECT_FALSE(text1->hasFocus());
 
-    // Exit and the close hotspot close every window, over the unsaved edit, without a question.
-    for (const char* exit : {"XPButton2", "Image4"}) {
-        Show();
-        ui::AboutDialog about(window.get());
-        about.show();
-        Click(exit);
-        EXPECT_FALSE(window->isVisible()) << exit;
-        EXPECT_FALSE(about.isVisible()) << exit;
-    }
-    EXPECT_TRUE(user.Take().empty());
-}
-
-// A left click opens its window modally over the main window; a right click
-// on a hotspot opens, closes or minimizes nothing.
-TEST_F(MainWindowTest, AboutHelpAndLiveUpdateOpenModallyOverItOnALeftClickOnly) {
-    Show();
+    // A left click opens its window modally over the main window; a right click
+    // on a hotspot opens, closes or minimizes nothing.
     auto right = [&](const char* name) { return [this, name] { QTest::mouseClick(Find(name), Qt::RightButton); }; };
     const std::pair<std::function<void()>, QString> cases[] = {
         {[&] { Click("XPButton4"); }, "About Quillon"},
@@ -244,6 +226,15 @@ TEST_F(MainWindowTest, AboutHelpAndLiveUpdateOpenModallyOverItOnALeftClickOnly) 
         if (title.isEmpty()) continue;
         EXPECT_EQ(seen.parent, window.get()) << title.toStdString();
         EXPECT_TRUE(seen.modal) << title.toStdString();
+    }
+    // Exit and the close hotspot close every window, over the unsaved edit, without a question.
+    for (const char* exit : {"XPButton2", "Image4"}) {
+        Show();
+        ui::AboutDialog about(window.get());
+        about.show();
+        Click(exit);
+        EXPECT_FALSE(window->isVisible()) << exit;
+        EXPECT_FALSE(about.isVisible()) << exit;
     }
     EXPECT_TRUE(user.Take().empty());
 }
@@ -324,22 +315,19 @@ TEST_F(MainWindowTest, FitMarksCheckAllReferencesAndTheToolsMenusScanExportAndIm
 }
 
 TEST_F(MainWindowTest, SectionsOfALargeOffsetFileStartCollapsed) {
-    const struct {
-        int sections, keys;
-        bool expanded;
-    } cases[] = {{4, 20, true}, {40, 10, false}};
-    for (const auto& c : cases) {
+    const std::tuple<int, int, bool> cases[] = {{4, 20, true}, {40, 10, false}};
+    for (auto [sections, keys, expanded] : cases) {
         std::string ini;
-        for (int s = 0; s < c.sections; ++s) {
+        for (int s = 0; s < sections; ++s) {
             ini += "[Map " + std::to_string(s) + "]\r\n";
-            for (int k = 0; k < c.keys; ++k) ini += "Person " + std::to_string(k) + "=100000\r\n";
+            for (int k = 0; k < keys; ++k) ini += "Person " + std::to_string(k) + "=100000\r\n";
         }
         WriteFile(dir / "ini" / "QDME.ini", ini);
         StartAndOpen();
         const QAbstractItemModel* tree = Tree()->model();
-        ASSERT_EQ(tree->rowCount(), c.sections);
-        for (int s = 0; s < c.sections; ++s)
-            EXPECT_EQ(Tree()->isExpanded(tree->index(s, 0)), c.expanded) << c.sections << " sections, row " << s;
+        ASSERT_EQ(tree->rowCount(), sections);
+        for (int s = 0; s < sections; ++s)
+            EXPECT_EQ(Tree()->isExpanded(tree->index(s, 0)), expanded) << sections << " sections, row " << s;
         // A text chosen elsewhere (a search's jump) opens its section.
         const auto& nodes = session->tree.Nodes();
         std::size_t person = 0;

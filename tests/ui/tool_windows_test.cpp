@@ -4,7 +4,6 @@
 #include "main_window_fixture.h"
 #include "edit/explanations.h"
 #include "offsets/add_offset_form.h"
-#include "offsets/startup.h"
 #include "ui/add_offset_dialog.h"
 #include "ui/add_script_dialog.h"
 #include "ui/explanation_dialogs.h"
@@ -81,69 +80,6 @@ TEST_F(UpdateWindow, MirrorsACheckAndADownloadAndClosesOnCancel) {
     EXPECT_FALSE(window.isVisible());
 }
 
-// Offset boxes that cannot be misread: 0x reads as hexadecimal in the decimal
-// boxes, and every box shows beside it what it read. Then the preview draws
-// box by box and follows the editor.
-TEST_F(MainWindowTest, OffsetBoxesEchoWhatTheyReadAndThePreviewFollowsTheEditor) {
-    StartAndOpen();
-    AddOffsetForm form(*session);
-    ui::AddOffsetDialog addOffset(form);
-    ui::AddScriptDialog script(*session);
-    const struct {
-        QWidget* window;
-        const char* box;
-        const char* typed;
-        const char* echo;
-    } cases[] = {
-        {&addOffset, "Text3", "100085", "= 0x186F5"},
-        {&addOffset, "Text3", "0x186f5", "= 100085"},
-        {&addOffset, "Text3", "186F5", "not a number"},
-        {&addOffset, "Text3", "0x", "not a number"},
-        {&script, "txtOffset", "123456", "= 1193046"},
-        {&script, "txtOffset", "12G", "not a hex number"},
-    };
-    for (const auto& c : cases) {
-        Child<QLineEdit>(*c.window, c.box)->setText(QString::fromUtf8(c.typed));
-        EXPECT_EQ(Caption(*c.window, "lblOffsetEcho"), QString::fromUtf8(c.echo)) << c.typed;
-    }
-
-    ui::QtPrompter qt;
-    QString label;
-    OnModals({[&](QWidget* w) {
-        auto* box = static_cast<QInputDialog*>(w);
-        box->setTextValue(QStringLiteral("0x186F5"));
-        label = box->labelText();
-        box->accept();
-    }});
-    EXPECT_EQ(qt.Input("Text Offset", "Enter Text Offset to view (Dec):", "0"), "0x186F5");
-    EXPECT_TRUE(label.endsWith(QStringLiteral("= 100085"))) << label.toStdString();
-
-    Select("Harbour", "Ferryman");  // two boxes: two lines, then one
-    EXPECT_EQ(Child<QAction>(*window->TextMenu(), "mnuPreview")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_G));
-    Trigger(window->TextMenu(), "mnuPreview");
-    auto* preview = Find<ui::PreviewDialog>("frmPreview");
-    ASSERT_NE(preview, nullptr);
-    EXPECT_TRUE(preview->isVisible());
-    EXPECT_FALSE(preview->isModal());
-    EXPECT_EQ(preview->BoxCount(), 2);
-    EXPECT_EQ(preview->Image().size(), QSize(416, 64));  // 2x
-    EXPECT_FALSE(Child(*preview, "cmdPrevious")->isEnabled());
-    ClickChild(*preview, "cmdNext");
-    EXPECT_TRUE(Caption(*preview, "lblBox").startsWith(QStringLiteral("Box 2 of 2 \u00B7 widest line ")));
-    EXPECT_FALSE(Child(*preview, "cmdNext")->isEnabled());
-    Child<QComboBox>(*preview, "cboZoom")->setCurrentIndex(2);
-    EXPECT_EQ(preview->Image().size(), QSize(624, 96));
-
-    // Typing in the editor redraws: one box, and [PLAYER] with the sample name.
-    Find<QPlainTextEdit>("Text1")->setPlainText(QStringLiteral("Ahoy, [PLAYER]!"));
-    EXPECT_EQ(preview->BoxCount(), 1);
-    EXPECT_EQ(preview->Box(), 0);
-    const QImage before = preview->Image();
-    QTest::keyClicks(Child(*preview, "txtSampleName"), "Al");
-    EXPECT_NE(preview->Image(), before);
-    EXPECT_NE(ReadFile(dir / "ini" / "settings.ini").find("SampleName=Al"), std::string::npos);
-}
-
 // Answers from the script, but shows the add-offset window, and the messages
 // asked while a window is modal, as the program does.
 class QtWindowsPrompter : public FakePrompter {
@@ -161,8 +97,8 @@ public:
 // The search and script windows reach their commands and mirror them (what
 // the commands find and write is checked below the windows); the add-offset
 // window belongs to the window that opened it, and its Cancel is off only
-// after "O&ffset".
-TEST_F(MainWindowTest, SearchScriptAndAddOffsetWindowsOverTheirOpener) {
+// after "O&ffset". Then the offset boxes and the preview.
+TEST_F(MainWindowTest, SearchScriptAndAddOffsetWindowsOverTheirOpenerOffsetBoxesAndPreview) {
     QtWindowsPrompter router;
     session = std::make_unique<Session>(dir.path(), router);
     window = std::make_unique<ui::MainWindow>(*session, clipboard);
@@ -246,6 +182,61 @@ TEST_F(MainWindowTest, SearchScriptAndAddOffsetWindowsOverTheirOpener) {
     Trigger(window->ToolsMenu(), "mnuTextScript");
     EXPECT_TRUE(script.owner && script.owner->objectName() == "frmAddScript");
     EXPECT_TRUE(script.cancel);
+
+    // Offset boxes that cannot be misread: 0x reads as hexadecimal in the
+    // decimal boxes, and every box shows beside it what it read.
+    AddOffsetForm form(*session);
+    ui::AddOffsetDialog addOffset(form);
+    ui::AddScriptDialog scriptDialog(*session);
+    const std::tuple<QWidget*, const char*, const char*, const char*> cases[] = {
+        {&addOffset, "Text3", "100085", "= 0x186F5"},
+        {&addOffset, "Text3", "0x186f5", "= 100085"},
+        {&addOffset, "Text3", "186F5", "not a number"},
+        {&addOffset, "Text3", "0x", "not a number"},
+        {&scriptDialog, "txtOffset", "123456", "= 1193046"},
+        {&scriptDialog, "txtOffset", "12G", "not a hex number"},
+    };
+    for (auto [dialog, box, typed, echo] : cases) {
+        Child<QLineEdit>(*dialog, box)->setText(QString::fromUtf8(typed));
+        EXPECT_EQ(Caption(*dialog, "lblOffsetEcho"), QString::fromUtf8(echo)) << typed;
+    }
+
+    ui::QtPrompter qt;
+    QString label;
+    OnModals({[&](QWidget* w) {
+        auto* box = static_cast<QInputDialog*>(w);
+        box->setTextValue(QStringLiteral("0x186F5"));
+        label = box->labelText();
+        box->accept();
+    }});
+    EXPECT_EQ(qt.Input("Text Offset", "Enter Text Offset to view (Dec):", "0"), "0x186F5");
+    EXPECT_TRUE(label.endsWith(QStringLiteral("= 100085"))) << label.toStdString();
+
+    // The preview draws box by box and follows the editor.
+    Select("Harbour", "Ferryman");  // two boxes: two lines, then one
+    EXPECT_EQ(Child<QAction>(*window->TextMenu(), "mnuPreview")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_G));
+    Trigger(window->TextMenu(), "mnuPreview");
+    auto* preview = Find<ui::PreviewDialog>("frmPreview");
+    ASSERT_NE(preview, nullptr);
+    EXPECT_TRUE(preview->isVisible());
+    EXPECT_FALSE(preview->isModal());
+    EXPECT_EQ(preview->BoxCount(), 2);
+    EXPECT_EQ(preview->Image().size(), QSize(416, 64));  // 2x
+    EXPECT_FALSE(Child(*preview, "cmdPrevious")->isEnabled());
+    ClickChild(*preview, "cmdNext");
+    EXPECT_TRUE(Caption(*preview, "lblBox").startsWith(QStringLiteral("Box 2 of 2 \u00B7 widest line ")));
+    EXPECT_FALSE(Child(*preview, "cmdNext")->isEnabled());
+    Child<QComboBox>(*preview, "cboZoom")->setCurrentIndex(2);
+    EXPECT_EQ(preview->Image().size(), QSize(624, 96));
+
+    // Typing in the editor redraws: one box, and [PLAYER] with the sample name.
+    Find<QPlainTextEdit>("Text1")->setPlainText(QStringLiteral("Ahoy, [PLAYER]!"));
+    EXPECT_EQ(preview->BoxCount(), 1);
+    EXPECT_EQ(preview->Box(), 0);
+    const QImage before = preview->Image();
+    QTest::keyClicks(Child(*preview, "txtSampleName"), "Al");
+    EXPECT_NE(preview->Image(), before);
+    EXPECT_NE(ReadFile(dir / "ini" / "settings.ini").find("SampleName=Al"), std::string::npos);
 }
 
 }  // namespace
