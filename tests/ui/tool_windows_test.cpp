@@ -132,15 +132,14 @@ TEST_F(MainWindowTest, SearchScriptAndAddOffsetWindowsOverTheirOpenerOffsetBoxes
     QWidget *searchWindow = nullptr, *addOffsetWindow = nullptr, *messageOwner = nullptr;
     OnModals({[&](QWidget* w) {
                   searchWindow = w;
-                  auto status = [w] { return Child<QStatusBar>(*w, "StatusBar1")->currentMessage(); };
-                  auto* matchCase = Child<QCheckBox>(*w, "chkMatchCase");  // checked at first
                   QTest::keyClicks(Child(*w, "Text1"), "THE LAMP HAS");
                   ClickChild(*w, "Command1");
                   EXPECT_TRUE(Child(*w, "cmdJump")->isHidden());
-                  matchCase->setChecked(false);
+                  Child<QCheckBox>(*w, "chkMatchCase")->setChecked(false);  // checked at first
                   ClickChild(*w, "Command1");
                   const QString at = Child<QLineEdit>(*w, "Text2")->text();
-                  EXPECT_EQ(status(), "Result: Text found at Offset " + at + " (Decimal)! in Lighthouse / Keeper");
+                  EXPECT_EQ(Child<QStatusBar>(*w, "StatusBar1")->currentMessage(),
+                            "Result: Text found at Offset " + at + " (Decimal)! in Lighthouse / Keeper");
                   EXPECT_TRUE(Child<QPlainTextEdit>(*w, "Text3")->toPlainText().contains("lamp has"));
                   EXPECT_TRUE(Child(*w, "Command2")->isEnabled());
                   ClickChild(*w, "Command3");
