@@ -353,7 +353,8 @@ TEST_F(MainWindowTest, SectionsOfALargeOffsetFileStartCollapsed) {
 
 // Then typing counts towards the repoint; the longer text is saved elsewhere
 // after the question (where and how is checked below the window), then undone.
-TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftAndALongerTextRepointsAndIsUndone) {
+// Then the mouse and a shared access key.
+TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftALongerTextRepointsAndIsUndoneAndTheMouseDragsOnlyFromTheBackground) {
     StartAndOpen();
     Select("Harbour", "Gull");
     Find<QPlainTextEdit>("Text1")->moveCursor(QTextCursor::End);
@@ -415,45 +416,35 @@ TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftAndALongerTextRepointsAndIsUndo
     list->setCurrentItem(list->topLevelItem(0));
     ClickChild(history, "cmdGoBack");
     EXPECT_EQ(list->topLevelItem(0)->text(5), "undone");
-}
 
-// Then a shared access key clicks the first enabled button of the two.
-TEST_F(MainWindowTest, OnlyAPressOnTheBackgroundThatMovesDragsTheWindowAndAnAccessKeyClicksTheFirstEnabled) {
-    StartAndOpen();
+    // Only a press on the background that moves drags the window.
     Select("Harbour", "Gull");
-    Show();
     int moves = 0;
     window->systemMove = [&] { ++moves; };
     QWidget* editor = Find<QPlainTextEdit>("Text1")->viewport();
     const QPoint background(30, 90);
-    struct Case {
-        const char* what;
-        QWidget* at;
-        QPoint from;
-        Qt::MouseButton button;
-        bool release;  // released before the pointer moves: a click
-        int drags;
-    } cases[] = {
+    // What, where, which button, whether it is released before the pointer moves (a click), drags.
+    const std::tuple<const char*, QWidget*, QPoint, Qt::MouseButton, bool, int> cases[] = {
         {"a right press in the editor", editor, {20, 20}, Qt::RightButton, false, 0},
         {"a press on the close hotspot", Find("Image4"), {5, 5}, Qt::LeftButton, false, 0},
         {"a click on the background", window.get(), background, Qt::LeftButton, true, 0},
         {"a press on the background", window.get(), background, Qt::LeftButton, false, 1},
         {"a right press on the background", window.get(), background, Qt::RightButton, false, 1},
     };
-    for (const Case& c : cases) {
+    for (auto [what, at, from, button, release, drags] : cases) {
         moves = 0;
-        QTest::mousePress(c.at, c.button, {}, c.from);
-        if (c.at == editor) {  // the right press opened the tag menu and nothing else
+        QTest::mousePress(at, button, {}, from);
+        if (at == editor) {  // the right press opened the tag menu and nothing else
             EXPECT_TRUE(window->TextMenu()->isVisible());
             window->TextMenu()->hide();
         }
-        if (c.release) QTest::mouseRelease(c.at, c.button, {}, c.from);
-        QMouseEvent move(QEvent::MouseMove, QPointF(c.from + QPoint(30, 30)),
-                         QPointF(c.at->mapToGlobal(c.from + QPoint(30, 30))), Qt::NoButton,
-                         c.release ? Qt::NoButton : c.button, {});
-        QApplication::sendEvent(c.at, &move);
-        if (!c.release) QTest::mouseRelease(c.at, c.button, {}, c.from + QPoint(30, 30));
-        EXPECT_EQ(moves, c.drags) << c.what;
+        if (release) QTest::mouseRelease(at, button, {}, from);
+        QMouseEvent move(QEvent::MouseMove, QPointF(from + QPoint(30, 30)),
+                         QPointF(at->mapToGlobal(from + QPoint(30, 30))), Qt::NoButton,
+                         release ? Qt::NoButton : button, {});
+        QApplication::sendEvent(at, &move);
+        if (!release) QTest::mouseRelease(at, button, {}, from + QPoint(30, 30));
+        EXPECT_EQ(moves, drags) << what;
     }
     EXPECT_TRUE(window->isVisible());  // the hotspot was left before the release
 
