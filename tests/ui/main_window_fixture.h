@@ -3,11 +3,11 @@
 // the shipped settings, the demonstration ROM and its offset file, driven by a
 // scripted user; and small helpers for finding and driving child widgets.
 // Shared by the window tests and the screenshot tool.
-#include "app/clipboard.h"
 #include "app/session.h"
 #include "support/fake_prompter.h"
 #include "support/temp_dir.h"
 #include "ui/main_window.h"
+#include "ui/qt_clipboard.h"
 
 #include <QAbstractButton>
 #include <QLabel>
@@ -25,13 +25,6 @@
 #include <vector>
 
 namespace quillon::test {
-
-class PlainClipboard : public Clipboard {
-public:
-    std::string GetText() override { return text; }
-    void SetText(std::string_view t) override { text = t; }
-    std::string text;
-};
 
 // The child of `parent` named `name`; a failure when there is none.
 template <class W = QWidget>
@@ -91,7 +84,7 @@ protected:
 
     TempDir dir;
     FakePrompter user;
-    PlainClipboard clipboard;
+    ui::QtClipboard clipboard;
     std::unique_ptr<Session> session;
     std::unique_ptr<ui::MainWindow> window;
 };
