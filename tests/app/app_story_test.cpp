@@ -91,7 +91,7 @@ TEST_F(App, MissingSettingsStopTheProgramAfterCreatingTheIniFolder) {
                                                     "Please re-download Quillon from the Official Website.")});
 }
 
-TEST_F(App, OpeningBuildsTheTreeFromAnExistingOffsetFile) {
+TEST_F(App, OpeningBuildsTheTreeFromAnExistingOffsetFileUpToADuplicateKey) {
     OpenStory("'head\r\n" + kStory);
     EXPECT_EQ(Keys(), (std::vector<std::string>{"Parent0001", "P0001Mom", "P0001Sign", "Parent0002", "P0002Oak"}));
     const auto& nodes = w.session.tree.Nodes();
@@ -106,6 +106,15 @@ TEST_F(App, OpeningBuildsTheTreeFromAnExistingOffsetFile) {
     OpenRom(w.session);
     EXPECT_EQ(w.session.tree.Nodes().size(), 5u);
     EXPECT_TRUE(w.session.controls.searchEnabled);
+
+    // A duplicate key stops the tree there.
+    w.WriteOffsetFile("[Lab]\r\nOak=1\r\nElm=2\r\nOak=3\r\nAsh=4\r\n[Town]\r\nMom=5\r\n");
+    w.Open();
+    EXPECT_EQ(Keys(), (std::vector<std::string>{"Parent0001", "P0001Oak", "P0001Elm"}));
+    EXPECT_EQ(w.user.Take().back(),
+              Msg(Icon::Critical,
+                  "Error: A Key used in the Offsets file is not unique!\r\n"
+                  "Please make sure all Key and Sections names are unique and fix them if needed!"));
 }
 
 TEST_F(App, WithoutAnOffsetFileYesCreatesABlankOneAndNoLeavesTheRomClosed) {
@@ -134,15 +143,6 @@ TEST_F(App, WithoutAnOffsetFileYesCreatesABlankOneAndNoLeavesTheRomClosed) {
     const auto& c = w.session.controls;
     EXPECT_FALSE(c.treeEnabled || c.searchEnabled || c.text1.enabled || c.textScriptEnabled);
     EXPECT_EQ(c.gameCode, "QLNE");
-}
-
-TEST_F(App, OpeningStopsTheTreeAtADuplicateKey) {
-    OpenStory("[Lab]\r\nOak=1\r\nElm=2\r\nOak=3\r\nAsh=4\r\n[Town]\r\nMom=5\r\n");
-    EXPECT_EQ(Keys(), (std::vector<std::string>{"Parent0001", "P0001Oak", "P0001Elm"}));
-    EXPECT_EQ(w.user.Take().back(),
-              Msg(Icon::Critical,
-                  "Error: A Key used in the Offsets file is not unique!\r\n"
-                  "Please make sure all Key and Sections names are unique and fix them if needed!"));
 }
 
 TEST_F(App, AnUnreadableRomOrAHeaderWithoutCodeIsRefused) {
