@@ -351,9 +351,12 @@ TEST_F(MainWindowTest, SectionsOfALargeOffsetFileStartCollapsed) {
     }
 }
 
-// Then typing counts towards the repoint; the longer text is saved elsewhere
-// after the question (where and how is checked below the window), then undone.
-// Then the mouse and a shared access key.
+// Nothing typed is lost: an edit left unsaved by loading another entry or by
+// leaving the program comes back as a draft of its entry. Then typing counts
+// towards the repoint; the longer text is saved elsewhere after the question
+// (where and how is checked below the window), undone and redone from the
+// keyboard, and gone back before in the History window. Then the mouse and a
+// shared access key.
 TEST_F(MainWindowTest, AnUnsavedEditBecomesADraftALongerTextRepointsAndIsUndoneAndTheMouseDragsOnlyFromTheBackground) {
     StartAndOpen();
     Select("Harbour", "Gull");
