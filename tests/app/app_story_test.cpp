@@ -2,7 +2,6 @@
 // and deleting entries through the add-offset window, and a translation
 // exported and imported with a font whose "M" is 7 px wide.
 #include "app/progress.h"
-#include "discover/find_texts.h"
 #include "offsets/add_offset_form.h"
 #include "offsets/offset_file.h"
 #include "offsets/open_rom.h"
@@ -92,16 +91,14 @@ TEST_F(App, MissingSettingsStopTheProgramAfterCreatingTheIniFolder) {
                                                     "Please re-download Quillon from the Official Website.")});
 }
 
-TEST_F(App, OpeningBuildsTheTreeFromAnExistingOffsetFile) {
+TEST_F(App, OpeningBuildsTheTreeFromAnExistingOffsetFileUpToADuplicateKey) {
     OpenStory("'head\r\n" + kStory);
     EXPECT_EQ(Keys(), (std::vector<std::string>{"Parent0001", "P0001Mom", "P0001Sign", "Parent0002", "P0002Oak"}));
     const auto& nodes = w.session.tree.Nodes();
-    EXPECT_EQ(nodes[0].image, "small");
     EXPECT_EQ(nodes[1].image, nodes[2].image);
     EXPECT_NE(nodes[1].image, "small");
     EXPECT_EQ(nodes[4].parent, 3u);
-    const auto& c = w.session.controls;
-    EXPECT_EQ(c.gameCode, "QLNE");
+    EXPECT_EQ(w.session.controls.gameCode, "QLNE");
     EXPECT_EQ(w.user.Take(), std::vector<Shown>({{Shown::OpenFile, "Open a Pokémon ROM...",
                                                   "GameBoy Advance ROMs (*.gba;*.agb;*.bin)|*.agb;*.gba;*.bin|"
                                                   "All files (*.*)|*.*"}}));
@@ -109,6 +106,15 @@ TEST_F(App, OpeningBuildsTheTreeFromAnExistingOffsetFile) {
     OpenRom(w.session);
     EXPECT_EQ(w.session.tree.Nodes().size(), 5u);
     EXPECT_TRUE(w.session.controls.searchEnabled);
+
+    // A duplicate key stops the tree there.
+    w.WriteOffsetFile("[Lab]\r\nOak=1\r\nElm=2\r\nOak=3\r\nAsh=4\r\n[Town]\r\nMom=5\r\n");
+    w.Open();
+    EXPECT_EQ(Keys(), (std::vector<std::string>{"Parent0001", "P0001Oak", "P0001Elm"}));
+    EXPECT_EQ(w.user.Take().back(),
+              Msg(Icon::Critical,
+                  "Error: A Key used in the Offsets file is not unique!\r\n"
+                  "Please make sure all Key and Sections names are unique and fix them if needed!"));
 }
 
 TEST_F(App, WithoutAnOffsetFileYesCreatesABlankOneAndNoLeavesTheRomClosed) {
@@ -120,7 +126,6 @@ TEST_F(App, WithoutAnOffsetFileYesCreatesABlankOneAndNoLeavesTheRomClosed) {
     EXPECT_EQ(shown[1], Ask("INI file does not exist!\r\nDo you want to create one?"));
     EXPECT_EQ(shown[2], Msg(Icon::Information,
                             "Blank INI file created!\r\nUse the search function to add offsets to your new file!"));
-    EXPECT_EQ(shown[3], Ask(std::string(kOfferFindTexts)));
     const std::string stars = "'" + std::string(44, '*') + "'";
     EXPECT_EQ(ReadFile(w.OffsetFile("QLNJ")),
               stars + "\r\n'\r\n' Quillon Offset-file\r\n'\r\n' Created with Quillon Version: 3.1.1\r\n'\r\n"
@@ -140,15 +145,6 @@ TEST_F(App, WithoutAnOffsetFileYesCreatesABlankOneAndNoLeavesTheRomClosed) {
     EXPECT_EQ(c.gameCode, "QLNE");
 }
 
-TEST_F(App, OpeningStopsTheTreeAtADuplicateKey) {
-    OpenStory("[Lab]\r\nOak=1\r\nElm=2\r\nOak=3\r\nAsh=4\r\n[Town]\r\nMom=5\r\n");
-    EXPECT_EQ(Keys(), (std::vector<std::string>{"Parent0001", "P0001Oak", "P0001Elm"}));
-    EXPECT_EQ(w.user.Take().back(),
-              Msg(Icon::Critical,
-                  "Error: A Key used in the Offsets file is not unique!\r\n"
-                  "Please make sure all Key and Sections names are unique and fix them if needed!"));
-}
-
 TEST_F(App, AnUnreadableRomOrAHeaderWithoutCodeIsRefused) {
     w.Open();  // the file does not exist
     auto shown = w.user.Take();
@@ -161,30 +157,12 @@ TEST_F(App, AnUnreadableRomOrAHeaderWithoutCodeIsRefused) {
     w.Open();
     EXPECT_EQ(w.user.Take().back(),
               Msg(Icon::Warning, "This file has no game code in its header.\r\nThe ROM can't be edited."));
-    auto files = std::distance(std::filesystem::directory_iterator(w.dir / "ini"), {});
-    EXPECT_EQ(files, 1);  // only settings.ini: no offset file for a header without a code
+    // Only settings.ini: no offset file for a header without a code.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(w.dir / "ini"), {}), 1);
 }
 
-TEST_F(App, AddingWritesTheOffsetInHexAndSelectsTheNewEntry) {
+TEST_F(App, EmptyBoxesDoNothingBadInputIsRefusedWithTheWindowOpenAndAddingWritesTheOffsetInHex) {
     OpenStory();
-    w.user.Take();
-    EXPECT_TRUE(AddThroughWindow("Town", "Dad", "1000000"));
-    EXPECT_EQ(ReadFile(w.OffsetFile()), "[Town]\r\nMom=100000\r\nSign=100010\r\nDad=F4240\r\n[Lab]\r\nOak=100020\r\n");
-    EXPECT_EQ(w.user.Take().back(), Msg(Icon::Information, "Text added successfully!"));
-    ASSERT_NE(w.session.tree.SelectedNode(), nullptr);
-    EXPECT_EQ(w.session.tree.SelectedNode()->key, "P0001Dad");
-    EXPECT_EQ(w.session.controls.offsetCaption, "F4240");
-
-    AddThroughWindow("Town", "Dad", "1048576");  // same name: replaced, still one node
-    EXPECT_NE(ReadFile(w.OffsetFile()).find("Dad=100000\r\n"), std::string::npos);
-    EXPECT_EQ(w.session.tree.Nodes().size(), 6u);
-    AddThroughWindow("Route 1", "Boy", "16");
-    EXPECT_EQ(w.session.tree.Nodes().back().key, "P0003Boy");
-}
-
-TEST_F(App, EmptyBoxesDoNothingAndBadInputIsRefusedWithTheWindowOpen) {
-    OpenStory();
-    const std::string before = ReadFile(w.OffsetFile());
     w.user.Take();
     EXPECT_FALSE(AddThroughWindow("Town", "", "12"));
     EXPECT_EQ(w.user.Take().size(), 1u);  // only the window itself
@@ -210,7 +188,21 @@ TEST_F(App, EmptyBoxesDoNothingAndBadInputIsRefusedWithTheWindowOpen) {
                     EXPECT_FALSE(AddThroughWindow(section, key, offset)) << section << key << offset;
                     EXPECT_EQ(w.user.Take().back(), Msg(Icon::Warning, message));
                 }
-    EXPECT_EQ(ReadFile(w.OffsetFile()), before);
+    EXPECT_EQ(ReadFile(w.OffsetFile()), kStory);
+
+    // A good entry: the offset written in hex, and the new entry selected.
+    EXPECT_TRUE(AddThroughWindow("Town", "Dad", "1000000"));
+    EXPECT_EQ(ReadFile(w.OffsetFile()), "[Town]\r\nMom=100000\r\nSign=100010\r\nDad=F4240\r\n[Lab]\r\nOak=100020\r\n");
+    EXPECT_EQ(w.user.Take().back(), Msg(Icon::Information, "Text added successfully!"));
+    ASSERT_NE(w.session.tree.SelectedNode(), nullptr);
+    EXPECT_EQ(w.session.tree.SelectedNode()->key, "P0001Dad");
+    EXPECT_EQ(w.session.controls.offsetCaption, "F4240");
+
+    AddThroughWindow("Town", "Dad", "1048576");  // same name: replaced, still one node
+    EXPECT_NE(ReadFile(w.OffsetFile()).find("Dad=100000\r\n"), std::string::npos);
+    EXPECT_EQ(w.session.tree.Nodes().size(), 6u);
+    AddThroughWindow("Route 1", "Boy", "16");
+    EXPECT_EQ(w.session.tree.Nodes().back().key, "P0003Boy");
 }
 
 TEST_F(App, DeletingATextOrASectionRebuildsTheTree) {

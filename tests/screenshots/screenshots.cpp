@@ -3,7 +3,6 @@
 // auxiliary window into FOLDER. Each picture is checked before it is kept:
 // drawn (not blank), and with every control inside its window, no overlaps
 // and no cut captions. Runs on any Qt platform (offscreen or an X server).
-#include "layout_check.h"
 #include "main_window_fixture.h"
 #include "history/history_commands.h"
 #include "offsets/add_offset_form.h"
@@ -19,12 +18,15 @@
 #include "ui/xp_button_gallery.h"
 #include "update/update_fixture.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QGroupBox>
 #include <QLabel>
 #include <QPainter>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QSet>
+#include <QTextDocumentFragment>
 
 #include <iostream>
 
@@ -36,26 +38,66 @@ namespace {
 QString g_folder;
 bool g_windowManager = false;  // an X server with a window manager runs the pictures
 
-// Pictures with fewer colours than this are taken for blank.
-constexpr int kMinColours = 12;
-
-int Colours(const QImage& image) {
-    QSet<QRgb> seen;
-    for (int y = 0; y < image.height(); y += 2)
-        for (int x = 0; x < image.width(); x += 2) seen.insert(image.pixel(x, y));
-    return static_cast<int>(seen.size());
+QString Name(const QWidget* w) {
+    return w->objectName().isEmpty() ? QString::fromUtf8(w->metaObject()->className()) : w->objectName();
 }
 
-void Settle(QWidget& w) {
+// Controls that the user sees as one thing; their inner widgets are Qt's.
+bool IsControl(const QWidget* w) {
+    return qobject_cast<const QLabel*>(w) || qobject_cast<const QAbstractButton*>(w) ||
+           qobject_cast<const QGroupBox*>(w) || !w->objectName().isEmpty();
+}
+
+// The width a one-line caption needs, without the access-key marks.
+int CaptionWidth(const QWidget* w, const QString& text) {
+    QString shown = text;
+    shown.replace(QStringLiteral("&&"), QStringLiteral("\x01")).remove(QLatin1Char('&')).replace(QChar(1), QLatin1Char('&'));
+    return w->fontMetrics().horizontalAdvance(shown);
+}
+
+// A label's caption as shown: rich text without its markup.
+QString PlainCaption(const QLabel& label) {
+    if (label.textFormat() == Qt::PlainText || !Qt::mightBeRichText(label.text())) return label.text();
+    return QTextDocumentFragment::fromHtml(label.text()).toPlainText();
+}
+
+// Checks a window's layout the way a reviewer looks at its picture: every
+// visible control lies inside the window, no two sibling controls overlap,
+// and every one-line caption fits its control; one line per problem found.
+QStringList LayoutProblems(const QWidget& window, const QWidget* parent = nullptr) {
+    QStringList problems;
+    QList<const QWidget*> shown;
+    for (const QObject* o : (parent ? parent : &window)->children()) {
+        const auto* w = qobject_cast<const QWidget*>(o);
+        // A backdrop is drawn behind the controls it frames.
+        if (!w || w->isWindow() || w->isHidden() || !IsControl(w) || w->property("backdrop").toBool()) continue;
+        shown << w;
+        const QRect inWindow(w->mapTo(&window, QPoint(0, 0)), w->size());
+        if (!window.rect().contains(inWindow))
+            problems << Name(w) + QStringLiteral(" reaches outside the window");
+        if (const auto* label = qobject_cast<const QLabel*>(w); label && !label->wordWrap() &&
+            !label->text().contains(QLatin1Char('\n')) && label->pixmap().isNull() &&
+            CaptionWidth(w, PlainCaption(*label)) > label->contentsRect().width())
+            problems << Name(w) + QStringLiteral(" cuts its caption \"") + label->text() + QLatin1Char('"');
+        if (const auto* button = qobject_cast<const QAbstractButton*>(w);
+            button && CaptionWidth(w, button->text()) > button->width())
+            problems << Name(w) + QStringLiteral(" cuts its caption \"") + button->text() + QLatin1Char('"');
+        problems << LayoutProblems(window, w);
+    }
+    for (int i = 0; i < shown.size(); ++i)
+        for (int j = i + 1; j < shown.size(); ++j)
+            if (shown[i]->geometry().intersects(shown[j]->geometry()))
+                problems << Name(shown[i]) + QStringLiteral(" overlaps ") + Name(shown[j]);
+    return problems;
+}
+
+// Shows `w` and saves its picture as `name`, with the window's shape applied:
+// outside a masked window's region the picture is transparent, as on screen.
+// The window is hidden again afterwards.
+void Keep(QWidget& w, const QString& name) {
     w.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
     QApplication::processEvents();
-}
-
-// Saves the picture of `w` as `name`, with the window's shape applied: outside
-// a masked window's region the picture is transparent, as on screen.
-void Keep(QWidget& w, const QString& name) {
-    Settle(w);
     EXPECT_EQ(LayoutProblems(w), QStringList()) << name.toStdString();
     const QPixmap shot = w.grab();
     QImage image(shot.size(), QImage::Format_ARGB32);
@@ -64,8 +106,12 @@ void Keep(QWidget& w, const QString& name) {
     if (!w.mask().isEmpty()) p.setClipRegion(w.mask());
     p.drawPixmap(0, 0, shot);
     p.end();
-    EXPECT_GE(Colours(image), kMinColours) << name.toStdString() << " looks blank";
+    QSet<QRgb> colours;  // fewer than 12 in every other pixel: blank
+    for (int y = 0; y < image.height(); y += 2)
+        for (int x = 0; x < image.width(); x += 2) colours.insert(image.pixel(x, y));
+    EXPECT_GE(colours.size(), 12) << name.toStdString() << " looks blank";
     EXPECT_TRUE(image.save(g_folder + QLatin1Char('/') + name, "PNG")) << name.toStdString();
+    w.hide();
 }
 
 class Screenshot : public MainWindowTest {
@@ -91,18 +137,14 @@ TEST_F(Screenshot, MainWindowAndMenus) {
     Keep(*window, "main-window.png");
     window->TextMenu()->popup(Find("Text1")->mapToGlobal(QPoint(40, 40)));
     Keep(*window->TextMenu(), "text-menu.png");
-    window->TextMenu()->hide();
     window->ShowToolsMenu();
     Keep(*window->ToolsMenu(), "tools-menu.png");
-    window->ToolsMenu()->hide();
 }
 
 TEST_F(Screenshot, ToolWindowsTheButtonGalleryPreviewAndHistory) {
     ui::SearchDialog search(*session, clipboard, window.get());
     QTest::keyClicks(Child(search, "Text1"), "lamp");
     ClickChild(search, "Command1");
-    Keep(search, "search-window.png");
-    search.hide();
     AddOffsetForm form(*session);
     form.sectionName = "Lighthouse";
     form.textName = "Keeper, later";
@@ -116,22 +158,16 @@ TEST_F(Screenshot, ToolWindowsTheButtonGalleryPreviewAndHistory) {
     // Every button style in its normal, hover, pressed, focused, disabled and checked look.
     const std::unique_ptr<QWidget> gallery(ui::MakeXPButtonGallery(nullptr));
     const std::pair<QWidget*, const char*> shots[] = {
-        {&addOffset, "add-offset-window.png"}, {&script, "script-window.png"}, {&list, "japanese-list.png"},
-        {&about, "about-window.png"},          {&menus, "menu-explanation.png"}, {&colours, "colour-explanation.png"},
-        {gallery.get(), "xpbutton-gallery.png"}};
-    for (auto [w, name] : shots) {
-        Keep(*w, name);
-        w->hide();
-    }
+        {&search, "search-window.png"},     {&addOffset, "add-offset-window.png"}, {&script, "script-window.png"},
+        {&list, "japanese-list.png"},       {&about, "about-window.png"},          {&menus, "menu-explanation.png"},
+        {&colours, "colour-explanation.png"}, {gallery.get(), "xpbutton-gallery.png"}};
+    for (auto [w, name] : shots) Keep(*w, name);
     // A line over the message box marked while typing, and the same text drawn
     // with the demo ROM's own font.
     Select("Lighthouse", "Lit");
     Keep(*window, "fit-main-window.png");
     Trigger(window->TextMenu(), "mnuPreview");
-    auto* preview = window->findChild<ui::PreviewDialog*>(QStringLiteral("frmPreview"));
-    ASSERT_NE(preview, nullptr);
-    Keep(*preview, "preview-window.png");
-    preview->hide();
+    Keep(*Child<ui::PreviewDialog>(*window, "frmPreview"), "preview-window.png");
     // Three saves, the last one undone.
     Select("Lighthouse", "Keeper");
     for (const char* text : {"Hoy there.", "Ahoy there!", "Ahoy, friend!"}) {
@@ -160,7 +196,8 @@ TEST_F(UpdateScreenshot, UpdateWindow) {
 TEST_F(Screenshot, TheBackgroundDragsOnlyWhileAButtonIsHeld) {
     if (!g_windowManager || QStandardPaths::findExecutable(QStringLiteral("xdotool")).isEmpty())
         GTEST_SKIP() << "needs an X server with a window manager and xdotool";
-    Settle(*window);
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
     QTest::qWait(300);
     const QPoint at = window->mapToGlobal(QPoint(30, 90));
     // The pointer moved to `at` shifted by (dx, dy), then the further xdotool words.

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using namespace quillon;
 
 namespace {
@@ -21,11 +23,7 @@ TEST(TextBridge, LineEndsBecomeLineFeedsAndBack) {
 TEST(TextBridge, PositionsCountUtf16UnitsAndSkipCarriageReturns) {
     const std::string u = "é♪𝄞x";             // 2 + 3 + 4 + 1 bytes; 1 + 1 + 2 + 1 UTF-16 units
     const std::string lines = "ab\r\n\r\ncd";  // a carriage return takes no place in the widget
-    struct Case {
-        const std::string& text;
-        std::size_t byte;
-        int widget;
-    };
+    using Case = std::tuple<std::string, std::size_t, int>;  // text, byte position, widget position
     // Byte to widget position; inside a character: before it.
     for (auto [text, byte, widget] : {Case{u, 0, 0}, {u, 1, 0}, {u, 2, 1}, {u, 5, 2}, {u, 7, 2}, {u, 9, 4}, {u, 10, 5},
                                        {u, 99, 5}, {lines, 2, 2}, {lines, 4, 3}, {lines, 6, 4}, {lines, 8, 6}})

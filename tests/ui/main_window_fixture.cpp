@@ -52,11 +52,11 @@ void MainWindowTest::SetUp() {
     window = std::make_unique<ui::MainWindow>(*session, clipboard);
 }
 
-void MainWindowTest::StartAndOpen() {
+void MainWindowTest::StartAndOpen(FakePrompter* as) {
     ASSERT_TRUE(StartUp(*session));
-    user.Then(Rom());
+    (as ? *as : user).Then(Rom());
     Click("XPButton1");
-    user.Take();
+    (as ? *as : user).Take();
 }
 
 // The first row named `name` among the children of `parent`.

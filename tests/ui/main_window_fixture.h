@@ -3,11 +3,11 @@
 // the shipped settings, the demonstration ROM and its offset file, driven by a
 // scripted user; and small helpers for finding and driving child widgets.
 // Shared by the window tests and the screenshot tool.
-#include "app/clipboard.h"
 #include "app/session.h"
 #include "support/fake_prompter.h"
 #include "support/temp_dir.h"
 #include "ui/main_window.h"
+#include "ui/qt_clipboard.h"
 
 #include <QAbstractButton>
 #include <QLabel>
@@ -26,13 +26,6 @@
 
 namespace quillon::test {
 
-class PlainClipboard : public Clipboard {
-public:
-    std::string GetText() override { return text; }
-    void SetText(std::string_view t) override { text = t; }
-    std::string text;
-};
-
 // The child of `parent` named `name`; a failure when there is none.
 template <class W = QWidget>
 W* Child(const QObject& parent, const char* name) {
@@ -45,6 +38,10 @@ inline void ClickChild(const QObject& parent, const char* name) {
     QTest::mouseClick(Child(parent, name), Qt::LeftButton);
 }
 inline void Trigger(const QMenu* menu, const char* action) { Child<QAction>(*menu, action)->trigger(); }
+// Each of the named widgets or actions under `parent` is enabled, or each is disabled.
+inline void ExpectEnabled(const QObject& parent, std::initializer_list<const char*> names, bool enabled) {
+    for (const char* name : names) EXPECT_EQ(Child<QObject>(parent, name)->property("enabled").toBool(), enabled) << name;
+}
 
 // The modal window that `open` shows, as seen from inside its event loop
 // before it is closed again.
@@ -68,8 +65,15 @@ protected:
     W* Find(const char* name) { return Child<W>(*window, name); }
     void Click(const char* name) { ClickChild(*window, name); }
 
-    // Starts the program and opens the demonstration ROM through the open dialog.
-    void StartAndOpen();
+    // Starts the program and opens the demonstration ROM through the open dialog,
+    // answered by `as` (the session's prompter).
+    void StartAndOpen(FakePrompter* as = nullptr);
+    // Shows the main window and waits until it is the active window.
+    void Show() {
+        window->show();
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
     QTreeView* Tree() { return Find<QTreeView>("TreeView1"); }
     // The row of a section shown at the top of the tree, and a text under it.
     QModelIndex Section(const QString& section);
@@ -80,7 +84,7 @@ protected:
 
     TempDir dir;
     FakePrompter user;
-    PlainClipboard clipboard;
+    ui::QtClipboard clipboard;
     std::unique_ptr<Session> session;
     std::unique_ptr<ui::MainWindow> window;
 };

@@ -23,12 +23,8 @@ namespace {
 QImage Look(QWidget* w) { return w->grab().toImage(); }
 
 TEST(XPButtonAccessKey, FollowsTheAmpersandRuleAndIsDrawnUnderlined) {
-    struct Case {
-        const char* caption;
-        QChar key;
-        const char* drawn;  // nullptr: not checked
-        int underline;
-    } cases[] = {
+    // Caption, access key, caption drawn (nullptr: not checked) and its underlined character.
+    const std::tuple<const char*, QChar, const char*, int> cases[] = {
         {"S&ave Text", u'a', "Save Text", 1},
         {"Tom && Jerry", {}, "Tom & Jerry", -1},
         {"Salt && &Cod", u'c', "Salt & Cod", 7},
@@ -36,12 +32,12 @@ TEST(XPButtonAccessKey, FollowsTheAmpersandRuleAndIsDrawnUnderlined) {
         {"Save&", {}, nullptr, -1},
         {"&&&x", u'x', "&x", 1},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(AccessKey(c.caption), c.key) << c.caption;
-        if (!c.drawn) continue;
-        const DrawnCaption d = CaptionForDrawing(c.caption);
-        EXPECT_EQ(d.text, c.drawn) << c.caption;
-        EXPECT_EQ(d.underline, c.underline) << c.caption;
+    for (auto [caption, key, drawn, underline] : cases) {
+        EXPECT_EQ(AccessKey(caption), key) << caption;
+        if (!drawn) continue;
+        const DrawnCaption d = CaptionForDrawing(caption);
+        EXPECT_EQ(d.text, drawn) << caption;
+        EXPECT_EQ(d.underline, underline) << caption;
     }
 }
 
@@ -120,123 +116,117 @@ TEST(XPButtonProperties, WrittenInOrderReadBackAndDefaultedWhenMissing) {
     EXPECT_EQ(written.Read("HAND"), "False");
 }
 
-// Three buttons in a shown, active window; the first one's events recorded
-// as text, in the order they are raised.
-class XPButtonEvents : public ::testing::Test {
-protected:
-    void SetUp() override {
-        window.resize(400, 120);
-        const char* captions[] = {"S&ave 0", "&Exit", "&Cod"};
-        for (int i = 0; i < 3; ++i) {
-            buttons[i] = new XPButton(QStringLiteral("XPButton%1").arg(i + 1), captions[i], &window);
-            buttons[i]->setGeometry(10 + i * 120, 20, 110, 30);
-        }
-        window.show();
-        window.activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-        // Each event as its name followed by its arguments.
-        const char* names[] = {"Click", "clicked", "MouseDown", "MouseUp", "KeyDown", "KeyUp", "KeyPress", "MouseOver",
-                               "MOUSEOUT"};
-        auto record = [&](auto... events) {
-            const char** name = names;
-            (QObject::connect(b(), events, [this, n = *name++](const auto&... args) {
-                QStringList parts{QString::fromUtf8(n)};
-                ((parts << QString::number(args)), ...);
-                seen << parts.join(' ');
-            }), ...);
-        };
-        record(&XPButton::Click, &XPButton::clicked, &XPButton::MouseDown, &XPButton::MouseUp, &XPButton::KeyDown,
-               &XPButton::KeyUp, &XPButton::KeyPress, &XPButton::MouseOver, &XPButton::MOUSEOUT);
-    }
-    XPButton* b() { return buttons[0]; }
-    int Clicks() const { return static_cast<int>(seen.count("Click")); }
-    QStringList Take() { return std::exchange(seen, {}); }
-
+// Three buttons in a shown, active window, the first one's events recorded as
+// text in the order they are raised: hover, mouse, keyboard, focus, check-box
+// behaviour and disabling, in turn.
+TEST(XPButtonEvents, AStoryOfMouseAndKeys) {
     QWidget window;
+    window.resize(400, 120);
     XPButton* buttons[3] = {};
-    QStringList seen;
-};
+    const char* captions[] = {"S&ave 0", "&Exit", "&Cod"};
+    for (int i = 0; i < 3; ++i) {
+        buttons[i] = new XPButton(QStringLiteral("XPButton%1").arg(i + 1), captions[i], &window);
+        buttons[i]->setGeometry(10 + i * 120, 20, 110, 30);
+    }
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    XPButton* b = buttons[0];
+    QStringList seen;  // each event as its name followed by its arguments
+    const char* names[] = {"Click", "clicked", "MouseDown", "MouseUp", "KeyDown", "KeyUp", "KeyPress", "MouseOver",
+                           "MOUSEOUT"};
+    auto record = [&](auto... events) {
+        const char** name = names;
+        (QObject::connect(b, events, [&seen, n = *name++](const auto&... args) {
+            QStringList parts{QString::fromUtf8(n)};
+            ((parts << QString::number(args)), ...);
+            seen << parts.join(' ');
+        }), ...);
+    };
+    record(&XPButton::Click, &XPButton::clicked, &XPButton::MouseDown, &XPButton::MouseUp, &XPButton::KeyDown,
+           &XPButton::KeyUp, &XPButton::KeyPress, &XPButton::MouseOver, &XPButton::MOUSEOUT);
+    auto Clicks = [&] { return static_cast<int>(seen.count("Click")); };
+    auto Take = [&] { return std::exchange(seen, {}); };
 
-TEST_F(XPButtonEvents, OnlyLeftClicksClickAndTheirEventsComeInOrder) {
-    QTest::mouseClick(b(), Qt::LeftButton, Qt::ShiftModifier, QPoint(5, 6));
+    // Hover starts once and ends with MOUSEOUT.
+    QTest::mouseMove(b, QPoint(20, 10));
+    QTest::mouseMove(b, QPoint(30, 12));
+    EXPECT_TRUE(b->CurrentDrawingState().hover);
+    QTest::mouseMove(&window, QPoint(390, 110));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !seen.isEmpty() && seen.last() == "MOUSEOUT"; }, 1000));
+    EXPECT_FALSE(b->CurrentDrawingState().hover);
+    EXPECT_EQ(Take(), (QStringList{"MouseOver", "MOUSEOUT"}));
+
+    // Only left clicks click, and their events come in order.
+    QTest::mouseClick(b, Qt::LeftButton, Qt::ShiftModifier, QPoint(5, 6));
     EXPECT_EQ(Take(), (QStringList{"MouseDown 1 1 5 6", "MouseUp 1 1 5 6", "Click", "clicked 0"}));
     // A double click is a new press, reported at the origin.
-    QTest::mouseDClick(b(), Qt::LeftButton, {}, QPoint(7, 8));
-    EXPECT_TRUE(b()->CurrentDrawingState().pressed);
-    QTest::mouseRelease(b(), Qt::LeftButton, {}, QPoint(7, 8));
+    QTest::mouseDClick(b, Qt::LeftButton, {}, QPoint(7, 8));
+    EXPECT_TRUE(b->CurrentDrawingState().pressed);
+    QTest::mouseRelease(b, Qt::LeftButton, {}, QPoint(7, 8));
     EXPECT_EQ(Take(), (QStringList{"MouseDown 1 0 0 0", "MouseUp 1 0 7 8", "Click", "clicked 0"}));
     // Released away from the control: no click.
-    QTest::mousePress(b(), Qt::LeftButton, {}, QPoint(5, 6));
-    QTest::mouseRelease(b(), Qt::LeftButton, {}, QPoint(200, 6));
+    QTest::mousePress(b, Qt::LeftButton, {}, QPoint(5, 6));
+    QTest::mouseRelease(b, Qt::LeftButton, {}, QPoint(200, 6));
     EXPECT_EQ(Clicks(), 0);
     // The right button neither draws pressed nor clicks.
     Take();
-    const QImage normal = Look(b());
-    QTest::mousePress(b(), Qt::RightButton, {}, QPoint(5, 6));
-    EXPECT_EQ(Look(b()), normal);
-    QTest::mouseRelease(b(), Qt::RightButton, {}, QPoint(5, 6));
+    const QImage normal = Look(b);
+    QTest::mousePress(b, Qt::RightButton, {}, QPoint(5, 6));
+    EXPECT_EQ(Look(b), normal);
+    QTest::mouseRelease(b, Qt::RightButton, {}, QPoint(5, 6));
     EXPECT_EQ(Take(), (QStringList{"MouseDown 2 0 5 6", "MouseUp 2 0 5 6"}));
-    QTest::mousePress(b(), Qt::LeftButton, {}, QPoint(5, 6));
-    EXPECT_NE(Look(b()), normal);
-}
+    QTest::mousePress(b, Qt::LeftButton, {}, QPoint(5, 6));
+    EXPECT_NE(Look(b), normal);
+    QTest::mouseRelease(b, Qt::LeftButton, {}, QPoint(5, 6));
+    Take();
 
-TEST_F(XPButtonEvents, SpaceAndTheAccessKeyClickUnlessDisabled) {
-    b()->setFocus();
-    QTest::keyPress(b(), Qt::Key_Space);
-    EXPECT_TRUE(b()->CurrentDrawingState().pressed);
+    // Space and the access key click.
+    b->setFocus();
+    QTest::keyPress(b, Qt::Key_Space);
+    EXPECT_TRUE(b->CurrentDrawingState().pressed);
     EXPECT_EQ(Clicks(), 0);
-    QTest::keyRelease(b(), Qt::Key_Space);
-    EXPECT_FALSE(b()->CurrentDrawingState().pressed);
+    QTest::keyRelease(b, Qt::Key_Space);
+    EXPECT_FALSE(b->CurrentDrawingState().pressed);
     EXPECT_EQ(Take(), (QStringList{"KeyDown 32 0", "KeyPress 32", "KeyUp 32 0", "Click", "clicked 0"}));
     QTest::keyClick(&window, Qt::Key_A, Qt::AltModifier);
     EXPECT_EQ(Take(), (QStringList{"Click", "clicked 0"}));
     // A KeyDown handler that clears the key code cancels the click.
-    const auto clear = QObject::connect(b(), &XPButton::KeyDown, [](short& code, short&) { code = 0; });
-    QTest::keyClick(b(), Qt::Key_Space);
+    const auto clear = QObject::connect(b, &XPButton::KeyDown, [](short& code, short&) { code = 0; });
+    QTest::keyClick(b, Qt::Key_Space);
     EXPECT_EQ(Clicks(), 0);
     QObject::disconnect(clear);
-    Take();
-    b()->SetEnabled(false);
-    QTest::mouseClick(b(), Qt::LeftButton);
-    QTest::keyClick(b(), Qt::Key_Space);
-    QTest::keyClick(&window, Qt::Key_A, Qt::AltModifier);
-    b()->click();
-    EXPECT_EQ(Take(), QStringList());
-}
 
-TEST_F(XPButtonEvents, CheckBoxBehaviourTogglesValueOncePerClick) {
-    b()->SetCheckBoxBehaviour(true);
-    QTest::mouseClick(b(), Qt::LeftButton);
-    EXPECT_TRUE(b()->Value());
-    EXPECT_EQ(Take().last(), "clicked 1");
-    QTest::mouseClick(b(), Qt::LeftButton);
-    EXPECT_FALSE(b()->Value());
-    b()->setFocus();
-    QTest::keyClick(b(), Qt::Key_Space);
-    EXPECT_TRUE(b()->Value());
-    QTest::keyClick(&window, Qt::Key_A, Qt::AltModifier);
-    EXPECT_FALSE(b()->Value());
-}
-
-TEST_F(XPButtonEvents, ArrowKeysMoveTheFocusWithoutClicking) {
+    // The arrow keys move the focus without clicking.
     buttons[1]->setFocus();
-    ASSERT_TRUE(buttons[1]->hasFocus());
     const std::pair<Qt::Key, int> moves[] = {{Qt::Key_Right, 2}, {Qt::Key_Left, 1}, {Qt::Key_Up, 0}, {Qt::Key_Down, 1}};
     for (auto [key, focused] : moves) {
         QTest::keyClick(QApplication::focusWidget(), key);
         EXPECT_TRUE(buttons[focused]->hasFocus()) << key;
     }
     EXPECT_EQ(Clicks(), 0);
-}
 
-TEST_F(XPButtonEvents, HoverStartsOnceAndEndsWithMouseOut) {
-    QTest::mouseMove(b(), QPoint(20, 10));
-    QTest::mouseMove(b(), QPoint(30, 12));
-    EXPECT_TRUE(b()->CurrentDrawingState().hover);
-    QTest::mouseMove(&window, QPoint(390, 110));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !seen.isEmpty() && seen.last() == "MOUSEOUT"; }, 1000));
-    EXPECT_FALSE(b()->CurrentDrawingState().hover);
-    EXPECT_EQ(Take(), (QStringList{"MouseOver", "MOUSEOUT"}));
+    // As a check box, the value toggles once per click.
+    b->SetCheckBoxBehaviour(true);
+    QTest::mouseClick(b, Qt::LeftButton);
+    EXPECT_TRUE(b->Value());
+    EXPECT_EQ(Take().last(), "clicked 1");
+    QTest::mouseClick(b, Qt::LeftButton);
+    EXPECT_FALSE(b->Value());
+    b->setFocus();
+    QTest::keyClick(b, Qt::Key_Space);
+    EXPECT_TRUE(b->Value());
+    QTest::keyClick(&window, Qt::Key_A, Qt::AltModifier);
+    EXPECT_FALSE(b->Value());
+
+    // Disabled, nothing clicks.
+    Take();
+    b->SetEnabled(false);
+    QTest::mouseClick(b, Qt::LeftButton);
+    QTest::keyClick(b, Qt::Key_Space);
+    QTest::keyClick(&window, Qt::Key_A, Qt::AltModifier);
+    b->click();
+    EXPECT_EQ(Take(), QStringList());
 }
 
 // Every state cell of the gallery looks different from its normal cell.
