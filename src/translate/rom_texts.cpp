@@ -11,19 +11,19 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <unordered_set>
 
 namespace quillon {
 namespace {
 
-// Tags the encoder knows, longest first.
-const std::vector<std::string>& Vocabulary() {
-    static const std::vector<std::string> tags = [] {
-        std::vector<std::string> v = {"[.]", "[\"]", "[']"};
+// Tags the encoder knows. Each is "[", a name without brackets, and "]", so
+// the one that can start at a "[" ends at the next "]".
+const std::unordered_set<std::string_view>& Vocabulary() {
+    static const std::unordered_set<std::string_view> tags = [] {
+        std::unordered_set<std::string_view> v = {"[.]", "[\"]", "[']"};
         for (std::string_view entry : codec::EuropeanTable())
-            if (entry.size() > 2 && entry.front() == '[' && entry.back() == ']') v.emplace_back(entry);
-        for (const auto& rule : codec::EncodeRewrites()) v.emplace_back(rule.from);
-        std::sort(v.begin(), v.end(), [](const auto& a, const auto& b) { return a.size() > b.size(); });
-        v.erase(std::unique(v.begin(), v.end()), v.end());
+            if (entry.size() > 2 && entry.front() == '[' && entry.back() == ']') v.insert(entry);
+        for (const auto& rule : codec::EncodeRewrites()) v.insert(rule.from);
         return v;
     }();
     return tags;
@@ -36,9 +36,9 @@ std::size_t KnownTagAt(std::string_view text, std::size_t i) {
     const std::string_view rest = text.substr(i);
     if (rest.size() >= 6 && rest.starts_with("[&H") && IsHexDigit(rest[3]) && IsHexDigit(rest[4]) && rest[5] == ']')
         return 6;
-    for (const auto& tag : Vocabulary())
-        if (rest.starts_with(tag)) return tag.size();
-    return 0;
+    const std::size_t close = rest.find(']');
+    if (close == std::string_view::npos) return 0;
+    return Vocabulary().contains(rest.substr(0, close + 1)) ? close + 1 : 0;
 }
 
 // The code point at text[i] and its length; 0x110000 for a byte that does
@@ -168,9 +168,13 @@ std::string ToPoText(std::string_view editorText) {
 std::string FromPoText(std::string_view poText) {
     std::string out;
     out.reserve(poText.size() + poText.size() / 16);
-    for (std::size_t i = 0; i < poText.size(); ++i) {
-        if (poText[i] == '\n' && (i == 0 || poText[i - 1] != '\r')) out += '\r';
-        out += poText[i];
+    for (std::size_t from = 0; from < poText.size();) {
+        const std::size_t lf = std::min(poText.find('\n', from), poText.size());
+        out.append(poText, from, lf - from);
+        if (lf == poText.size()) break;
+        if (lf == 0 || poText[lf - 1] != '\r') out += '\r';
+        out += '\n';
+        from = lf + 1;
     }
     return out;
 }
