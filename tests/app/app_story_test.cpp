@@ -77,8 +77,9 @@ TEST(StartUp, ShowsTheBackupWarningUntilItIsRememberedAsShown) {
         EXPECT_TRUE(StartUp(w.session));
         const std::size_t warnings = c.shownBefore ? 0 : c.locked ? 2 : 1;
         EXPECT_EQ(w.user.Take(), std::vector<Shown>(warnings, Msg(Icon::Warning, kWarning)));
-        if (!c.shownBefore && !c.locked)
+        if (!c.shownBefore && !c.locked) {
             EXPECT_EQ(ReadFile(settings), "[Settings]\r\nWarningShown=True\r\nFreeSpaceOffset=0\r\n");
+        }
     }
 }
 
