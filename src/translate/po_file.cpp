@@ -220,6 +220,12 @@ void WritePo(const std::filesystem::path& path, const PoCatalog& catalog) {
 }
 
 PoCatalog ReadPo(const std::filesystem::path& path) {
+    PoCatalog read;
+    ReadPo(path, [&read](PoCatalog catalog) { read = std::move(catalog); });
+    return read;
+}
+
+void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalog)>& take) {
     std::error_code ec;
     if (!std::filesystem::is_regular_file(path, ec)) throw PoError("The PO file '" + path.string() + "' does not exist.");
     const ByteForByteCopy copy(path);
@@ -267,7 +273,7 @@ PoCatalog ReadPo(const std::filesystem::path& path) {
         }
         po_message_iterator_free(it);
     }
-    return catalog;
+    take(std::move(catalog));
 }
 
 std::string HeaderField(const PoCatalog& catalog, std::string_view name) {

@@ -2,6 +2,7 @@
 // PO files (gettext's translation format) read and written through
 // libgettextpo. All text is UTF-8.
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -35,6 +36,9 @@ void WritePo(const std::filesystem::path& path, const PoCatalog& catalog);
 // PoError for a missing or unreadable file, a syntax error or a character
 // set other than UTF-8.
 PoCatalog ReadPo(const std::filesystem::path& path);
+// The same; `take` gets the catalog before the library's own copy of the
+// file is released, so that a caller on another thread can go on meanwhile.
+void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalog)>& take);
 
 // The value of a header field, or "" when absent.
 std::string HeaderField(const PoCatalog& catalog, std::string_view name);

@@ -172,15 +172,29 @@ struct RomSide {
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     // The PO file is read on a second thread while the ROM's side is prepared;
     // a PO file that cannot be read is reported first, as when read first.
-    std::future<PoCatalog> reading = std::async(std::launch::async, [&request] { return ReadPo(request.po); });
+    // The reader hands its messages over before it releases the library's
+    // copy of the file, and is waited for when this function returns.
+    std::promise<PoCatalog> handed;
+    std::future<PoCatalog> messages = handed.get_future();
+    const std::future<void> reading = std::async(std::launch::async, [&request, &handed] {
+        bool taken = false;
+        try {
+            ReadPo(request.po, [&](PoCatalog catalog) {
+                taken = true;
+                handed.set_value(std::move(catalog));
+            });
+        } catch (...) {
+            if (!taken) handed.set_exception(std::current_exception());
+        }
+    });
     std::unique_ptr<RomSide> side;
     try {
         side = std::make_unique<RomSide>(request, progress);
     } catch (...) {
-        reading.get();
+        messages.get();
         throw;
     }
-    const PoCatalog catalog = reading.get();
+    const PoCatalog catalog = messages.get();
     const std::string_view image = side->image;
     const std::string& code = side->code;
     const std::vector<EntryText>& texts = side->texts;

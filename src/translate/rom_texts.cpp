@@ -145,7 +145,7 @@ std::vector<EntryText> LoadEntryTexts(std::string_view image, const std::vector<
             continue;
         }
         const std::size_t length = static_cast<const char*>(end) - (image.data() + t.offset);
-        t.bytes.assign(image.substr(t.offset, length));
+        t.bytes = image.substr(t.offset, length);
         const auto next = std::upper_bound(starts.begin(), starts.end(), t.offset);
         const std::size_t limit = next == starts.end() ? image.size() : *next;
         std::size_t free = 0;

@@ -23,11 +23,11 @@ struct EntryText {
     std::string context;          // "Section/Key" in UTF-8
     std::uint32_t offset = 0;
     std::string problem;          // why the text cannot be used; empty when it can
-    std::string bytes;            // the text without its 0xFF terminator
+    std::string_view bytes;       // the text without its 0xFF terminator, in the image
     std::size_t room = 0;         // bytes it may grow in place
 };
 
-// Reads every entry's text. Room counts the free-space bytes behind the
+// Reads every entry's text; the texts' bytes stay in `image`. Room counts the free-space bytes behind the
 // terminator, less one that stays free, and ends before the next entry's text.
 std::vector<EntryText> LoadEntryTexts(std::string_view image, const std::vector<OffsetEntry>& entries,
                                       char freeByte, Progress& progress);
