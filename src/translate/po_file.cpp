@@ -9,7 +9,9 @@
 #include <algorithm>
 #include <cctype>
 #include <csetjmp>
+#include <iterator>
 #include <memory>
+#include <unordered_set>
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -24,6 +26,7 @@ struct Complaints {
     std::jmp_buf fatal;
     std::string readName;  // the name the library was given, when not the user's file
     std::string userName;  // the file's name to show instead
+    long lineOffset = 0;   // the part's first line in the user's file, less one, less its header's lines
 };
 thread_local Complaints* tComplaints = nullptr;
 
@@ -32,7 +35,8 @@ void Note(int severity, const char* filename, std::size_t lineno, const char* te
     if (tComplaints->first.empty()) {
         std::string where = filename ? filename : "";
         if (!tComplaints->readName.empty() && where == tComplaints->readName) where = tComplaints->userName;
-        if (filename && lineno != static_cast<std::size_t>(-1)) where += ":" + std::to_string(lineno);
+        if (filename && lineno != static_cast<std::size_t>(-1))
+            where += ":" + std::to_string(static_cast<long>(lineno) + tComplaints->lineOffset);
         tComplaints->first = (where.empty() ? "" : where + ": ") + (text ? text : "error");
     }
 }
@@ -150,35 +154,100 @@ private:
     int fd_ = -1;
 };
 
-// libgettextpo converts a file declared as UTF-8 (or ASCII) to UTF-8 through
-// iconv one character at a time, which makes reading about three times
-// slower. It reads a file whose charset is the template placeholder "CHARSET"
-// byte for byte, so a UTF-8 file is handed to it with that declaration from a
-// copy in memory; its texts are checked as UTF-8 where they are used.
-class ByteForByteCopy {
-public:
-    explicit ByteForByteCopy(const std::filesystem::path& path) {
-        std::string text = io::ReadAll(path);
-        const DeclaredCharset charset = FindCharset(text);
-        if (charset.name.empty()) return;
-        CheckCharset(charset.name);
-        if (Lower(charset.name) == "charset" || !memory_.Usable()) return;
-        text.replace(charset.at, charset.name.size(), "CHARSET");
-        if (!memory_.Write(text)) return;
-        name_ = memory_.Name();
-        declared_ = charset.name;
+bool StartsWith(std::string_view text, std::size_t at, std::string_view prefix) {
+    return text.substr(at, prefix.size()) == prefix;
+}
+
+// The start of the line before the one that starts at `line` (> 0).
+std::size_t PreviousLine(std::string_view text, std::size_t line) {
+    return line < 2 ? 0 : text.rfind('\n', line - 2) + 1;  // npos + 1 is 0
+}
+
+// Where a new entry starts after a blank line that ends one: the keyword
+// before the blank line (behind the strings that continue it) is a msgstr,
+// which is always an entry's last, and the line after it a comment, a msgctxt
+// or a msgid. The two sides then read alike alone. `npos` when there is none
+// from `from` on.
+std::size_t NextEntryStart(std::string_view text, std::size_t from) {
+    for (std::size_t blank = text.find("\n\n", from); blank != std::string_view::npos;
+         blank = text.find("\n\n", blank + 1)) {
+        std::size_t keyword = PreviousLine(text, blank + 1);
+        while (keyword > 0 && StartsWith(text, keyword, "\"")) keyword = PreviousLine(text, keyword);
+        const std::size_t next = blank + 2;
+        if (StartsWith(text, keyword, "msgstr") &&
+            (StartsWith(text, next, "#") || StartsWith(text, next, "msgctxt ") || StartsWith(text, next, "msgid ")))
+            return next;
     }
+    return std::string_view::npos;
+}
 
-    // The name to hand to the library, or empty to read the file itself.
-    const std::string& Name() const { return name_; }
-    // The charset the file declared.
-    const std::string& Declared() const { return declared_; }
-
-private:
-    MemoryFile memory_;
-    std::string name_;
-    std::string declared_;
+// A piece of the file for the library, which reads it as a file of its own.
+// Parts after the first begin with the file's header entry, so that each is
+// read as the whole would be.
+struct Part {
+    std::string text;
+    long lineOffset = 0;  // add to the library's line numbers to get the file's
 };
+
+// The file in parts at entry boundaries, about `kPartBytes` each, so that a
+// caller can work on the first messages while the library reads the rest.
+// A file with a "domain" line, one without such boundaries and a small one
+// stay whole.
+std::vector<Part> SplitAtEntries(std::string text) {
+    constexpr std::size_t kPartBytes = 48 * 1024;
+    const std::size_t count = std::min<std::size_t>(8, text.size() / kPartBytes);
+    const std::size_t headerEnd = NextEntryStart(text, 0);
+    const bool hasHeader = headerEnd != std::string::npos && text.find("msgctxt") >= headerEnd &&
+                           (StartsWith(text, 0, "msgid \"\"") || text.find("\nmsgid \"\"") < headerEnd);
+    if (count < 2 || !hasHeader || StartsWith(text, 0, "domain") || text.find("\ndomain") != std::string::npos)
+        return {{std::move(text), 0}};
+    const std::string_view all = text;
+    const std::string_view header = all.substr(0, headerEnd);
+    const long headerLines = static_cast<long>(std::count(header.begin(), header.end(), '\n'));
+    std::vector<Part> parts;
+    std::size_t begin = 0;
+    long linesBefore = 0;
+    for (std::size_t k = 1; k <= count; ++k) {
+        const std::size_t end = k == count ? all.size() : NextEntryStart(all, std::max(begin, k * all.size() / count));
+        if (end == std::string_view::npos && k < count) continue;  // the rest stays in the last part
+        const std::string_view piece = all.substr(begin, end - begin);
+        parts.push_back(begin == 0 ? Part{std::string(piece), 0}
+                                   : Part{std::string(header).append(piece), linesBefore - headerLines});
+        linesBefore += static_cast<long>(std::count(piece.begin(), piece.end(), '\n'));
+        begin = end;
+        if (end == all.size()) break;
+    }
+    return parts;
+}
+
+// The header's fields in order. libgettextpo converts a file declared as
+// UTF-8 (or ASCII) through iconv one character at a time, which makes reading
+// about three times slower; it reads a file declared with the template
+// placeholder "CHARSET" byte for byte. A UTF-8 file is therefore handed to it
+// with that declaration from a copy in memory, and `declared` puts the file's
+// own name back; texts are checked as UTF-8 where they are used.
+std::vector<std::pair<std::string, std::string>> HeaderFields(const char* header, const std::string& declared) {
+    std::vector<std::pair<std::string, std::string>> fields;
+    for (std::string_view text = header ? header : ""; !text.empty();) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        const std::string_view line = text.substr(0, end);
+        const std::size_t colon = line.find(':');
+        if (colon != std::string_view::npos) {
+            std::string_view value = line.substr(colon + 1);
+            while (!value.empty() && value.front() == ' ') value.remove_prefix(1);
+            fields.emplace_back(std::string(line.substr(0, colon)), std::string(value));
+        }
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    for (auto& [name, value] : fields) {
+        if (name != "Content-Type") continue;
+        const std::size_t charset = Lower(value).find("charset=");
+        if (charset == std::string::npos) continue;
+        if (!declared.empty()) value.replace(charset + 8, std::string::npos, declared);
+        CheckCharset(value.substr(charset + 8));
+    }
+    return fields;
+}
 
 }  // namespace
 
@@ -221,59 +290,67 @@ void WritePo(const std::filesystem::path& path, const PoCatalog& catalog) {
 
 PoCatalog ReadPo(const std::filesystem::path& path) {
     PoCatalog read;
-    ReadPo(path, [&read](PoCatalog catalog) { read = std::move(catalog); });
+    ReadPo(path, [&read](PoCatalog part) {
+        if (read.header.empty()) read.header = std::move(part.header);
+        std::move(part.messages.begin(), part.messages.end(), std::back_inserter(read.messages));
+    });
     return read;
 }
 
 void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalog)>& take) {
     std::error_code ec;
     if (!std::filesystem::is_regular_file(path, ec)) throw PoError("The PO file '" + path.string() + "' does not exist.");
-    const ByteForByteCopy copy(path);
-    ComplaintScope scope;
-    scope.complaints.readName = copy.Name();
-    scope.complaints.userName = path.string();
-    PoFilePtr file(GuardedRead(copy.Name().empty() ? path.string().c_str() : copy.Name().c_str()));
-    if (!file || !scope.complaints.first.empty())
-        throw PoError("The PO file could not be read: " +
-                      (scope.complaints.first.empty() ? path.string() : scope.complaints.first));
+    std::string text = io::ReadAll(path);
+    const DeclaredCharset charset = FindCharset(text);
+    if (!charset.name.empty()) CheckCharset(charset.name);
+    std::string declared;
+    std::vector<Part> parts;
+    if (MemoryFile probe; probe.Usable()) {
+        if (!charset.name.empty() && Lower(charset.name) != "charset") {
+            text.replace(charset.at, charset.name.size(), "CHARSET");
+            declared = charset.name;
+        }
+        parts = SplitAtEntries(std::move(text));
+    }
 
-    PoCatalog catalog;
-    if (const char* header = po_file_domain_header(file.get(), nullptr)) {
-        std::string_view text(header);
-        while (!text.empty()) {
-            const std::size_t end = std::min(text.find('\n'), text.size());
-            const std::string_view line = text.substr(0, end);
-            const std::size_t colon = line.find(':');
-            if (colon != std::string_view::npos) {
-                std::string_view value = line.substr(colon + 1);
-                while (!value.empty() && value.front() == ' ') value.remove_prefix(1);
-                catalog.header.emplace_back(std::string(line.substr(0, colon)), std::string(value));
+    // Each part's messages are handed over once read; a message read twice
+    // across parts is refused as the library refuses it within one.
+    std::unordered_set<std::string> names;
+    for (std::size_t p = 0; p < std::max<std::size_t>(parts.size(), 1); ++p) {
+        MemoryFile memory;
+        ComplaintScope scope;
+        scope.complaints.userName = path.string();
+        if (!parts.empty()) {
+            if (!memory.Write(parts[p].text)) throw PoError("The PO file could not be read: " + path.string());
+            scope.complaints.readName = memory.Name();
+            scope.complaints.lineOffset = parts[p].lineOffset;
+        }
+        PoFilePtr file(GuardedRead(parts.empty() ? path.string().c_str() : scope.complaints.readName.c_str()));
+        if (!file || !scope.complaints.first.empty())
+            throw PoError("The PO file could not be read: " +
+                          (scope.complaints.first.empty() ? path.string() : scope.complaints.first));
+
+        PoCatalog catalog;
+        if (p == 0) catalog.header = HeaderFields(po_file_domain_header(file.get(), nullptr), declared);
+        for (const char* const* domain = po_file_domains(file.get()); *domain; ++domain) {
+            po_message_iterator_t it = po_message_iterator(file.get(), *domain);
+            while (po_message_t m = po_next_message(it)) {
+                const char* context = po_message_msgctxt(m);
+                const char* id = po_message_msgid(m);
+                if (po_message_is_obsolete(m) || (!context && id[0] == '\0')) continue;
+                if (parts.size() > 1 && !names.insert(std::string(context ? context : "\x01") + '\x04' + id).second) {
+                    po_message_iterator_free(it);
+                    throw PoError("The PO file could not be read: " + path.string() +
+                                  ": duplicate message definition of \"" + (context ? context : "") + "\" \"" + id + "\"");
+                }
+                const char* comments = po_message_extracted_comments(m);
+                catalog.messages.push_back({context ? context : "", id, po_message_msgstr(m),
+                                            comments ? comments : "", po_message_is_fuzzy(m) != 0});
             }
-            text.remove_prefix(std::min(end + 1, text.size()));
+            po_message_iterator_free(it);
         }
+        take(std::move(catalog));
     }
-    for (auto& [name, value] : catalog.header) {
-        if (name != "Content-Type") continue;
-        const std::size_t charset = Lower(value).find("charset=");
-        if (charset == std::string::npos) continue;
-        if (!copy.Declared().empty()) value.replace(charset + 8, std::string::npos, copy.Declared());
-        CheckCharset(value.substr(charset + 8));
-    }
-
-    catalog.messages.reserve(4096);
-    for (const char* const* domain = po_file_domains(file.get()); *domain; ++domain) {
-        po_message_iterator_t it = po_message_iterator(file.get(), *domain);
-        while (po_message_t m = po_next_message(it)) {
-            const char* context = po_message_msgctxt(m);
-            const char* id = po_message_msgid(m);
-            if (po_message_is_obsolete(m) || (!context && id[0] == '\0')) continue;
-            const char* comments = po_message_extracted_comments(m);
-            catalog.messages.push_back({context ? context : "", id, po_message_msgstr(m),
-                                        comments ? comments : "", po_message_is_fuzzy(m) != 0});
-        }
-        po_message_iterator_free(it);
-    }
-    take(std::move(catalog));
 }
 
 std::string HeaderField(const PoCatalog& catalog, std::string_view name) {

@@ -36,8 +36,10 @@ void WritePo(const std::filesystem::path& path, const PoCatalog& catalog);
 // PoError for a missing or unreadable file, a syntax error or a character
 // set other than UTF-8.
 PoCatalog ReadPo(const std::filesystem::path& path);
-// The same; `take` gets the catalog before the library's own copy of the
-// file is released, so that a caller on another thread can go on meanwhile.
+// The same, part by part: a large file is read in parts at entry boundaries,
+// and `take` gets each part's messages (the first part's with the header)
+// before the library reads the next, so that a caller on another thread can
+// work on them meanwhile. It may be called before a later part is refused.
 void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalog)>& take);
 
 // The value of a header field, or "" when absent.

@@ -14,9 +14,14 @@
 
 #include <algorithm>
 #include <cctype>
-#include <map>
+#include <condition_variable>
+#include <deque>
 #include <future>
+#include <iterator>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <unordered_map>
 
 namespace quillon {
@@ -103,6 +108,46 @@ struct Translated {
     std::string after;           // the bytes written at the text's place
 };
 
+// The PO file's parts as the reading thread hands them over.
+class PartQueue {
+public:
+    void Put(PoCatalog part) {
+        {
+            const std::lock_guard lock(mutex_);
+            parts_.push_back(std::move(part));
+        }
+        ready_.notify_one();
+    }
+    // The reader is done; `error` is why it stopped early, or null.
+    void Finish(std::exception_ptr error) {
+        {
+            const std::lock_guard lock(mutex_);
+            finished_ = true;
+            error_ = std::move(error);
+        }
+        ready_.notify_one();
+    }
+    // The next part; nothing when the reader is done, or its error then.
+    std::optional<PoCatalog> Next() {
+        std::unique_lock lock(mutex_);
+        ready_.wait(lock, [this] { return !parts_.empty() || finished_; });
+        if (!parts_.empty()) {
+            PoCatalog part = std::move(parts_.front());
+            parts_.pop_front();
+            return part;
+        }
+        if (error_) std::rethrow_exception(error_);
+        return std::nullopt;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable ready_;
+    std::deque<PoCatalog> parts_;
+    bool finished_ = false;
+    std::exception_ptr error_;
+};
+
 std::string Plural(std::size_t n, std::string_view one, std::string_view many) {
     return std::to_string(n) + " " + std::string(n == 1 ? one : many);
 }
@@ -170,41 +215,32 @@ struct RomSide {
 };
 
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
-    // The PO file is read on a second thread while the ROM's side is prepared;
-    // a PO file that cannot be read is reported first, as when read first.
-    // The reader hands its messages over before it releases the library's
-    // copy of the file, and is waited for when this function returns.
-    std::promise<PoCatalog> handed;
-    std::future<PoCatalog> messages = handed.get_future();
-    const std::future<void> reading = std::async(std::launch::async, [&request, &handed] {
-        bool taken = false;
+    // The PO file is read on a second thread, part by part, while the ROM's
+    // side is prepared; each part read is worked out here while the next is
+    // read. A PO file that cannot be read is reported first, as when read first.
+    PartQueue parts;
+    const std::future<void> reading = std::async(std::launch::async, [&request, &parts] {
         try {
-            ReadPo(request.po, [&](PoCatalog catalog) {
-                taken = true;
-                handed.set_value(std::move(catalog));
-            });
+            ReadPo(request.po, [&parts](PoCatalog part) { parts.Put(std::move(part)); });
+            parts.Finish(nullptr);
         } catch (...) {
-            if (!taken) handed.set_exception(std::current_exception());
+            parts.Finish(std::current_exception());
         }
     });
     std::unique_ptr<RomSide> side;
     try {
         side = std::make_unique<RomSide>(request, progress);
     } catch (...) {
-        messages.get();
+        while (parts.Next()) {
+        }
         throw;
     }
-    const PoCatalog catalog = messages.get();
     const std::string_view image = side->image;
     const std::string& code = side->code;
     const std::vector<EntryText>& texts = side->texts;
     const std::vector<std::string>& current = side->current;
     const PointerIndex& pointers = side->pointers;
     FreeSpace& space = side->freeSpace;
-    const std::string poCode = HeaderField(catalog, kGameCodeField);
-    if (!poCode.empty() && poCode != Latin1ToUtf8(code))
-        throw PoError("The PO file was exported from the game " + poCode + ", not from this ROM (" +
-                      Latin1ToUtf8(code) + ").");
     const fit::FontResult& font = side->font;
     const fit::MeasureOptions measure = request.fit.Options();
     const auto& byContext = side->byContext;
@@ -220,7 +256,8 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         plan.refusals.push_back({context, std::move(reason)});
     };
 
-    std::vector<Translated> translated(catalog.messages.size());
+    PoCatalog catalog;
+    std::vector<Translated> translated;
     auto translate = [&](std::size_t from, std::size_t to) {
         for (std::size_t m = from; m < to; ++m) {
             const PoMessage& message = catalog.messages[m];
@@ -258,70 +295,81 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             }
         }
     };
-    {
-        const std::size_t half = translated.size() / 2;
-        std::future<void> secondHalf = std::async(std::launch::async, translate, half, translated.size());
-        translate(0, half);
-        secondHalf.get();
-    }
 
     Ranges written;
     std::unordered_map<std::uint32_t, std::size_t> plannedAt;  // offset: the message whose text goes there
     std::vector<Move> moves;
     std::vector<Pending> pending;
-    {
-        ProgressStage stage(progress, "Planning the import", catalog.messages.size());
-        for (std::size_t m = 0; m < catalog.messages.size(); ++m) {
-            if (m % 1024 == 0) stage.Step(m);
-            const PoMessage& message = catalog.messages[m];
-            if (message.str.empty()) {
-                ++plan.untranslated;
-                continue;
-            }
-            if (message.fuzzy) {
-                ++plan.fuzzy;
-                continue;
-            }
-            Translated& tr = translated[m];
-            if (tr.text == Translated::kNoText) {
-                const auto found = byContext.find(message.context);
-                if (found == byContext.end())
-                    refuse(message.context, "the offset file has no entry of this name");
-                else
-                    refuse(texts[found->second].context, texts[found->second].problem);
-                continue;
-            }
-            const EntryText& t = texts[tr.text];
-            if (auto planned = plannedAt.find(t.offset); planned != plannedAt.end()) {
-                if (translated[planned->second].newText == tr.newText)
-                    ++plan.unchanged;
-                else
-                    refuse(t.context, "another entry with the same offset " + PlainHex(t.offset) + " gets another text");
-                continue;
-            }
-            if (tr.same) {
+    // Messages are planned in the file's order: of two that claim the same
+    // bytes, the first one read wins.
+    auto planMessage = [&](std::size_t m) {
+        const PoMessage& message = catalog.messages[m];
+        if (message.str.empty()) {
+            ++plan.untranslated;
+            return;
+        }
+        if (message.fuzzy) {
+            ++plan.fuzzy;
+            return;
+        }
+        Translated& tr = translated[m];
+        if (tr.text == Translated::kNoText) {
+            const auto found = byContext.find(message.context);
+            if (found == byContext.end())
+                refuse(message.context, "the offset file has no entry of this name");
+            else
+                refuse(texts[found->second].context, texts[found->second].problem);
+            return;
+        }
+        const EntryText& t = texts[tr.text];
+        if (auto planned = plannedAt.find(t.offset); planned != plannedAt.end()) {
+            if (translated[planned->second].newText == tr.newText)
                 ++plan.unchanged;
-                continue;
+            else
+                refuse(t.context, "another entry with the same offset " + PlainHex(t.offset) + " gets another text");
+            return;
+        }
+        if (tr.same) {
+            ++plan.unchanged;
+            return;
+        }
+        if (!tr.encoded.refusal.empty()) {
+            refuse(t.context, tr.encoded.refusal);
+            return;
+        }
+        const std::uint64_t end = t.offset + tr.after.size();
+        if (written.Overlaps(t.offset, end)) {
+            refuse(t.context, "it overlaps another changed text");
+            return;
+        }
+        written.Add(t.offset, end);
+        plannedAt.emplace(t.offset, m);
+        if (tr.kind == ImportKind::Grown) taken.push_back({t.offset, end + 1});
+        if (tr.kind == ImportKind::Moved)
+            moves.push_back({plan.changes.size(), pending.size(), &t, std::move(tr.encoded.bytes)});
+        plan.changes.push_back({t.context, tr.kind, t.offset, t.offset, t.bytes.size(), tr.newLength, 0,
+                                tr.widest, tr.linesOver});
+        pending.push_back({t.offset, std::move(tr.after)});
+    };
+
+    {
+        ProgressStage stage(progress, "Planning the import", 0);
+        while (std::optional<PoCatalog> part = parts.Next()) {
+            if (catalog.header.empty()) catalog.header = std::move(part->header);
+            const std::size_t from = catalog.messages.size();
+            std::move(part->messages.begin(), part->messages.end(), std::back_inserter(catalog.messages));
+            translated.resize(catalog.messages.size());
+            translate(from, catalog.messages.size());
+            for (std::size_t m = from; m < catalog.messages.size(); ++m) {
+                if (m % 1024 == 0) stage.Step(m);
+                planMessage(m);
             }
-            if (!tr.encoded.refusal.empty()) {
-                refuse(t.context, tr.encoded.refusal);
-                continue;
-            }
-            const std::uint64_t end = t.offset + tr.after.size();
-            if (written.Overlaps(t.offset, end)) {
-                refuse(t.context, "it overlaps another changed text");
-                continue;
-            }
-            written.Add(t.offset, end);
-            plannedAt.emplace(t.offset, m);
-            if (tr.kind == ImportKind::Grown) taken.push_back({t.offset, end + 1});
-            if (tr.kind == ImportKind::Moved)
-                moves.push_back({plan.changes.size(), pending.size(), &t, std::move(tr.encoded.bytes)});
-            plan.changes.push_back({t.context, tr.kind, t.offset, t.offset, t.bytes.size(), tr.newLength, 0,
-                                    tr.widest, tr.linesOver});
-            pending.push_back({t.offset, std::move(tr.after)});
         }
     }
+    const std::string poCode = HeaderField(catalog, kGameCodeField);
+    if (!poCode.empty() && poCode != Latin1ToUtf8(code))
+        throw PoError("The PO file was exported from the game " + poCode + ", not from this ROM (" +
+                      Latin1ToUtf8(code) + ").");
 
     // Moves: their pointers from the one pass over the image, then free space
     // handed out once for all of them.

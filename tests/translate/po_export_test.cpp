@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <tuple>
 
 using namespace quillon;
@@ -68,6 +69,59 @@ TEST_F(Export, OneMessagePerEntryAndTheReasonsForTheOthers) {
     EXPECT_EQ(town.messages[0].str, town.messages[0].id);
     EXPECT_TRUE(summary.skipped.empty());
     EXPECT_THROW(Run("Nowhere"), std::invalid_argument);
+}
+
+// A large file is read in parts: together they are the whole file, a fault in
+// a later part names its line in the file, and a message twice is refused.
+TEST(PoFile, ALargeFileReadInPartsIsReadAsAWhole) {
+    TempDir dir;
+    const auto po = dir / "large.po";
+    PoCatalog written{{{"Content-Type", "text/plain; charset=UTF-8"}, {"X-Game-Code", "QLNE"}}, {}};
+    for (int i = 0; i < 3000; ++i)
+        written.messages.push_back({"S/K" + std::to_string(i), "Text " + std::to_string(i) + "\nsecond line",
+                                    i % 3 ? "Caf\xC3\xA9 " + std::to_string(i) : "", i % 7 ? "" : "Offset: 1\n", i % 5 == 1 && i % 3});
+    WritePo(po, written);
+    std::size_t parts = 0;
+    PoCatalog read;
+    ReadPo(po, [&](PoCatalog part) {
+        ++parts;
+        if (read.header.empty()) read.header = part.header;
+        read.messages.insert(read.messages.end(), part.messages.begin(), part.messages.end());
+    });
+    EXPECT_GT(parts, 1u);
+    EXPECT_EQ(read.header, written.header);
+    const auto fields = [](const PoMessage& m) { return std::tie(m.context, m.id, m.str, m.comments, m.fuzzy); };
+    ASSERT_EQ(read.messages.size(), written.messages.size());
+    for (std::size_t i = 0; i < read.messages.size(); ++i)
+        ASSERT_EQ(fields(read.messages[i]), fields(written.messages[i])) << i;
+
+    const std::string text = ReadFile(po);
+    const std::size_t late = text.find("msgctxt \"S/K2900\"");
+    const std::size_t line = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(late), '\n') + 1;
+    // Blank lines inside entries, after a name continued on a second line, split nothing.
+    std::string odd = text;
+    for (std::size_t at = 0; (at = odd.find("msgctxt \"S/K", at)) != std::string::npos;) {
+        odd.replace(at, 9, "msgctxt \"\"\n\"");
+        odd.insert(odd.find('\n', at + 12) + 1, "\n");
+    }
+    WriteFile(po, odd);
+    const PoCatalog again = ReadPo(po);
+    ASSERT_EQ(again.messages.size(), written.messages.size());
+    for (std::size_t i = 0; i < again.messages.size(); ++i)
+        ASSERT_EQ(fields(again.messages[i]), fields(written.messages[i])) << i;
+
+    const std::string broken = std::string(text).replace(late, 8, "msgctxt S");
+    const std::string twice = text + "\nmsgctxt \"S/K5\"\nmsgid \"Text 5\\nsecond line\"\nmsgstr \"x\"\n";
+    for (auto [bad, named] : {std::pair{broken, po.string() + ":" + std::to_string(line) + ":"},
+                              {twice, std::string("duplicate message definition")}}) {
+        WriteFile(po, bad);
+        try {
+            ReadPo(po);
+            ADD_FAILURE() << named;
+        } catch (const PoError& e) {
+            EXPECT_NE(std::string(e.what()).find(named), std::string::npos) << e.what();
+        }
+    }
 }
 
 }  // namespace
