@@ -159,9 +159,8 @@ std::size_t ImportPlan::Count(ImportKind kind) const {
         std::count_if(changes.begin(), changes.end(), [kind](const ImportChange& c) { return c.kind == kind; }));
 }
 
-// What the plan needs of the ROM and the offset file: their texts decoded,
-// the pointers to them and the free-space runs, each found in one pass, and
-// the game's font. It is made while the PO file is read.
+// What the plan needs first of the ROM and the offset file: the entries'
+// texts, their names and the game's font. It is made while the PO file is read.
 struct RomSide {
     RomSide(const ImportRequest& request, Progress& progress)
         : rom(request.rom),
@@ -171,12 +170,6 @@ struct RomSide {
           code(image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string_view()),
           freeByte(FreeRun(code, 1)[0]),
           texts(LoadEntryTexts(image, entries, freeByte, progress)),
-          current(Decoded(texts)),
-          pointers(image, Offsets(texts), progress),
-          freeSpace(image, freeByte,
-                    std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1),
-                                            kLowestPointable),
-                    std::uint64_t{kHighestPointable} + 1, progress),
           font(fit::LocateFont(image, request.fit.named)) {
         byContext.reserve(texts.size());
         for (std::size_t i = 0; i < texts.size(); ++i) {
@@ -186,12 +179,28 @@ struct RomSide {
         }
     }
 
-    static std::vector<std::string> Decoded(const std::vector<EntryText>& texts) {
-        std::vector<std::string> out(texts.size());
-        for (std::size_t i = 0; i < texts.size(); ++i)
-            if (texts[i].problem.empty()) out[i] = DecodeText(texts[i].bytes, false);
-        return out;
-    }
+    io::FileCopy rom;
+    std::string_view image;
+    std::string offsetText;
+    std::vector<OffsetEntry> entries;
+    std::string code;
+    char freeByte;
+    std::vector<EntryText> texts;  // point into `entries`
+    fit::FontResult font;
+    std::unordered_map<std::string_view, std::size_t> byContext;  // entry name: index into `texts`
+    std::vector<FreeSpace::Range> taken;                          // the texts' bytes and terminators
+};
+
+// What moved texts need: the pointers to the entries' texts and the
+// free-space runs, each found in one pass over the image.
+struct RomScan {
+    RomScan(const RomSide& side, std::int32_t freeSpaceOffset, Progress& progress)
+        : pointers(side.image, Offsets(side.texts), progress),
+          freeSpace(side.image, side.freeByte,
+                    std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(freeSpaceOffset, 1) - 1),
+                                            kLowestPointable),
+                    std::uint64_t{kHighestPointable} + 1, progress) {}
+
     static std::vector<std::uint32_t> Offsets(const std::vector<EntryText>& texts) {
         std::vector<std::uint32_t> out;
         for (const EntryText& t : texts)
@@ -199,48 +208,48 @@ struct RomSide {
         return out;
     }
 
-    io::FileCopy rom;
-    std::string_view image;
-    std::string offsetText;
-    std::vector<OffsetEntry> entries;
-    std::string code;
-    char freeByte;
-    std::vector<EntryText> texts;    // point into `entries`
-    std::vector<std::string> current;  // each usable text as editor text
     PointerIndex pointers;
     FreeSpace freeSpace;
-    fit::FontResult font;
-    std::unordered_map<std::string_view, std::size_t> byContext;  // entry name: index into `texts`
-    std::vector<FreeSpace::Range> taken;                          // the texts' bytes and terminators
 };
 
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     // The PO file is read on a second thread, part by part, while the ROM's
     // side is prepared; each part read is worked out here while the next is
-    // read. A PO file that cannot be read is reported first, as when read first.
+    // read. Done reading, that thread scans the image for what moved texts
+    // need. A PO file that cannot be read is reported first, as when read first.
+    std::unique_ptr<RomSide> side;          // outlives the reading thread, which scans it
+    std::promise<const RomSide*> prepared;  // null when it could not be made
+    std::promise<RomScan> scanning;
+    std::future<RomScan> scanned = scanning.get_future();
     PartQueue parts;
-    const std::future<void> reading = std::async(std::launch::async, [&request, &parts] {
-        try {
-            ReadPo(request.po, [&parts](PoCatalog part) { parts.Put(std::move(part)); });
-            parts.Finish(nullptr);
-        } catch (...) {
-            parts.Finish(std::current_exception());
-        }
-    });
-    std::unique_ptr<RomSide> side;
+    const std::future<void> reading =
+        std::async(std::launch::async, [&request, &parts, &scanning, ready = prepared.get_future()]() mutable {
+            try {
+                ReadPo(request.po, [&parts](PoCatalog part) { parts.Put(std::move(part)); });
+                parts.Finish(nullptr);
+            } catch (...) {
+                parts.Finish(std::current_exception());
+                return;  // the plan stops at the error
+            }
+            try {
+                NoProgress quiet;  // progress is shown on the planning thread
+                if (const RomSide* rom = ready.get()) scanning.set_value(RomScan(*rom, request.freeSpaceOffset, quiet));
+            } catch (...) {
+                scanning.set_exception(std::current_exception());
+            }
+        });
     try {
         side = std::make_unique<RomSide>(request, progress);
     } catch (...) {
+        prepared.set_value(nullptr);
         while (parts.Next()) {
         }
         throw;
     }
+    prepared.set_value(side.get());
     const std::string_view image = side->image;
     const std::string& code = side->code;
     const std::vector<EntryText>& texts = side->texts;
-    const std::vector<std::string>& current = side->current;
-    const PointerIndex& pointers = side->pointers;
-    FreeSpace& space = side->freeSpace;
     const fit::FontResult& font = side->font;
     const fit::MeasureOptions measure = request.fit.Options();
     const auto& byContext = side->byContext;
@@ -267,9 +276,11 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             Translated& tr = translated[m];
             tr.text = found->second;
             tr.newText = FromPoText(message.str);
-            tr.same = tr.newText == current[tr.text];
+            const std::string_view bytes = texts[tr.text].bytes;
+            tr.encoded = EncodeForImport(tr.newText, SavedAsSpecialDialog(bytes));
+            // The same bytes are the same text; other bytes may still read as it.
+            tr.same = (tr.encoded.refusal.empty() && tr.encoded.bytes == bytes) || DecodeText(bytes, false) == tr.newText;
             if (tr.same) continue;
-            tr.encoded = EncodeForImport(tr.newText, SavedAsSpecialDialog(texts[tr.text].bytes));
             if (font.font && tr.encoded.refusal.empty()) {
                 const fit::Measure measured = fit::MeasureBytes(tr.encoded.bytes, *font.font, measure);
                 tr.widest = measured.WidestWidth();
@@ -373,6 +384,12 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
 
     // Moves: their pointers from the one pass over the image, then free space
     // handed out once for all of them.
+    RomScan scan = [&] {
+        ProgressStage stage(progress, "Finding the pointers", 0);
+        return scanned.get();
+    }();
+    const PointerIndex& pointers = scan.pointers;
+    FreeSpace& space = scan.freeSpace;
     for (const Move& move : moves)
         for (std::uint32_t at : pointers.Of(move.text->offset)) taken.push_back({at, at + 4u});
     space.Exclude(std::move(taken));
