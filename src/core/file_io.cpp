@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <system_error>
 
 #if __has_include(<unistd.h>)
@@ -260,35 +261,25 @@ std::size_t InputFile::Read(std::uint64_t offset, char* out, std::size_t count) 
 }
 
 FileCopy::FileCopy(const std::filesystem::path& path) {
-#ifdef QUILLON_HAVE_MMAP
     InputFile in(path);
     const auto size = static_cast<std::size_t>(in.Size());
-    // The buffer starts on a 2 MiB boundary and asks for huge pages, so that a
-    // 16 MiB image costs eight page faults instead of four thousand.
+    // A large image goes into huge pages where the system has them: eight
+    // page faults for 16 MiB instead of four thousand. The buffer comes from
+    // the allocator, which hands the same memory to the next copy.
     constexpr std::size_t kHugePage = std::size_t{2} << 20;
-    if (size > 0) {
-        capacity_ = size + kHugePage;
-        void* p = ::mmap(nullptr, capacity_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (p != MAP_FAILED) {
-            buffer_ = p;
-            auto* start = reinterpret_cast<char*>((reinterpret_cast<std::uintptr_t>(p) + kHugePage - 1) & ~(kHugePage - 1));
-#ifdef MADV_HUGEPAGE
-            ::madvise(start, size, MADV_HUGEPAGE);  // a hint: without huge pages the copy still works
+    if (size >= kHugePage) {
+        buffer_ = std::aligned_alloc(kHugePage, (size + kHugePage - 1) / kHugePage * kHugePage);
+#if defined(QUILLON_HAVE_MMAP) && defined(MADV_HUGEPAGE)
+        if (buffer_) ::madvise(buffer_, size, MADV_HUGEPAGE);  // a hint; without it the copy works alike
 #endif
-            view_ = {start, in.Read(0, start, size)};
-            return;
-        }
+    } else if (size > 0) {
+        buffer_ = std::malloc(size);
     }
-#endif
-    copy_ = ReadAll(path);
-    view_ = copy_;
+    if (!buffer_ && size > 0) throw std::bad_alloc();
+    view_ = {static_cast<const char*>(buffer_), size > 0 ? in.Read(0, static_cast<char*>(buffer_), size) : 0};
 }
 
-FileCopy::~FileCopy() {
-#ifdef QUILLON_HAVE_MMAP
-    if (buffer_) ::munmap(buffer_, capacity_);
-#endif
-}
+FileCopy::~FileCopy() { std::free(buffer_); }
 
 void RemoveFile(const std::filesystem::path& path) {
     std::error_code ec;

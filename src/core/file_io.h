@@ -67,8 +67,7 @@ std::string ReadAll(const std::filesystem::path& path);
 // A whole file read into memory for short read-only work over a large file,
 // such as planning a batch of writes. The buffer is a copy, so another program
 // cutting the file short cannot fault the reader (a mapping of the file itself
-// would), held in huge pages where the system has them; a std::string would
-// also be zero-filled first.
+// would); unlike a std::string it is not zero-filled first.
 class FileCopy {
 public:
     explicit FileCopy(const std::filesystem::path& path);
@@ -81,8 +80,6 @@ public:
 private:
     std::string_view view_;
     void* buffer_ = nullptr;
-    std::size_t capacity_ = 0;
-    std::string copy_;  // where no such buffer can be had
 };
 
 // Overwrites bytes in place without truncating; lengthens the file when the
