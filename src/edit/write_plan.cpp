@@ -16,8 +16,10 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view kMagic = "QUILLON WRITE JOURNAL 3";
-// Journals of the previous form, checked by FNV-1a, are still read back.
+constexpr std::string_view kMagic = "QUILLON WRITE JOURNAL 4";
+// Journals of the earlier forms, with bytes as hex digits, are still read
+// back: checked by CRC-32, or by FNV-1a before that.
+constexpr std::string_view kMagicHex = "QUILLON WRITE JOURNAL 3";
 constexpr std::string_view kMagicFnv = "QUILLON WRITE JOURNAL 2";
 
 // Appends a byte string as one journal field: hex digits, "-" when empty.
@@ -62,11 +64,15 @@ std::string FnvChecksum(std::string_view text) {
     return buf;
 }
 
+// A journal: a line per item, the bytes of the offset file and of each ROM
+// write as they are after their line, and last a line with the CRC-32 of all
+// before it.
 std::string Serialize(const WritePlan& plan) {
     std::size_t size = 256 + plan.command.size() * 2 + plan.subject.size() * 2;
     if (plan.offsetFile)
-        size += 2 * (plan.offsetFile->native().size() + plan.offsetBefore.value_or("").size() + plan.offsetAfter.size());
-    for (const auto& w : plan.romWrites) size += 32 + 4 * w.before.size();
+        size += 2 * plan.offsetFile->native().size() + (plan.offsetBefore ? plan.offsetBefore->size() : 0) +
+                plan.offsetAfter.size();
+    for (const auto& w : plan.romWrites) size += 48 + 2 * w.before.size();
     std::string out;
     out.reserve(size);
     out.append(kMagic).append("\ncommand ");
@@ -77,29 +83,98 @@ std::string Serialize(const WritePlan& plan) {
     if (plan.offsetFile) {
         out += "ini ";
         AppendField(out, plan.offsetFile->string());
-        out += plan.offsetBefore ? " 1 " : " 0 ";
-        AppendField(out, plan.offsetBefore.value_or(""));
-        out += ' ';
-        AppendField(out, plan.offsetAfter);
-        out += '\n';
+        const std::string_view before = plan.offsetBefore ? std::string_view(*plan.offsetBefore) : std::string_view();
+        out.append(plan.offsetBefore ? " 1 " : " 0 ").append(std::to_string(before.size())).append(" ");
+        out.append(std::to_string(plan.offsetAfter.size())).append("\n");
+        out.append(before).append(plan.offsetAfter).append("\n");
     }
     for (const auto& w : plan.romWrites) {
-        out.append("rom ").append(std::to_string(w.offset)).append(" ");
-        AppendField(out, w.before);
-        out += ' ';
-        AppendField(out, w.after);
-        out += '\n';
+        out.append("rom ").append(std::to_string(w.offset)).append(" ").append(std::to_string(w.before.size()));
+        out.append("\n").append(w.before).append(w.after).append("\n");
     }
     const std::string checksum = Checksum(out);
     out.append("end ").append(checksum).append("\n");
     return out;
 }
 
-// Reads a journal back; nothing when it is damaged in any way.
+// Reads a journal of the current form back; nothing when it is damaged.
+std::optional<WritePlan> ParseBinary(std::string_view text, const std::filesystem::path& rom) {
+    constexpr std::size_t kEndLine = 13;  // "end " and eight hex digits and a line break
+    if (text.size() < kMagic.size() + kEndLine || text.back() != '\n') return std::nullopt;
+    const std::size_t endAt = text.size() - kEndLine;
+    const std::string_view body = text.substr(0, endAt);
+    if (text[endAt - 1] != '\n' || text.substr(endAt) != "end " + Checksum(body) + "\n") return std::nullopt;
+
+    std::size_t at = 0;
+    auto line = [&]() -> std::optional<std::string_view> {
+        const std::size_t end = body.find('\n', at);
+        if (end == std::string_view::npos) return std::nullopt;
+        const std::string_view l = body.substr(at, end - at);
+        at = end + 1;
+        return l;
+    };
+    auto bytes = [&](std::size_t n) -> std::optional<std::string> {
+        if (body.size() - at < n) return std::nullopt;
+        std::string out(body.substr(at, n));
+        at += n;
+        return out;
+    };
+    auto lineEnd = [&] { return at < body.size() && body[at++] == '\n'; };
+    WritePlan plan;
+    plan.rom = rom;
+    try {
+        line();  // the magic
+        while (at < body.size()) {
+            const auto l = line();
+            if (!l) return std::nullopt;
+            std::istringstream fields{std::string(*l)};
+            std::string kind;
+            fields >> kind;
+            if (kind == "command" || kind == "subject") {
+                std::string field;
+                fields >> field;
+                (kind == "command" ? plan.command : plan.subject) = Unfield(field);
+            } else if (kind == "size") {
+                fields >> plan.romSize;
+            } else if (kind == "ini") {
+                std::string path, existed;
+                std::size_t beforeSize = 0, afterSize = 0;
+                fields >> path >> existed >> beforeSize >> afterSize;
+                if (fields.fail()) return std::nullopt;
+                auto before = bytes(beforeSize);
+                auto after = bytes(afterSize);
+                if (!before || !after || !lineEnd()) return std::nullopt;
+                plan.offsetFile = std::filesystem::path(Unfield(path));
+                if (existed == "1") plan.offsetBefore = std::move(*before);
+                plan.offsetAfter = std::move(*after);
+            } else if (kind == "rom") {
+                RomWrite w;
+                std::size_t length = 0;
+                fields >> w.offset >> length;
+                if (fields.fail()) return std::nullopt;
+                auto before = bytes(length);
+                auto after = bytes(length);
+                if (!before || !after || !lineEnd()) return std::nullopt;
+                w.before = std::move(*before);
+                w.after = std::move(*after);
+                plan.romWrites.push_back(std::move(w));
+            } else {
+                return std::nullopt;
+            }
+            if (fields.fail()) return std::nullopt;
+        }
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+    return plan;
+}
+
+// Reads a journal of any form back; nothing when it is damaged in any way.
 std::optional<WritePlan> Parse(const std::string& text, const std::filesystem::path& rom) {
+    if (text.rfind(kMagic, 0) == 0) return ParseBinary(text, rom);
     auto endAt = text.rfind("end ");
     const bool fnv = text.rfind(kMagicFnv, 0) == 0;
-    if ((!fnv && text.rfind(kMagic, 0) != 0) || endAt == std::string::npos || (endAt > 0 && text[endAt - 1] != '\n'))
+    if ((!fnv && text.rfind(kMagicHex, 0) != 0) || endAt == std::string::npos || (endAt > 0 && text[endAt - 1] != '\n'))
         return std::nullopt;
     const std::string_view body = std::string_view(text).substr(0, endAt);
     if (text.substr(endAt) != "end " + (fnv ? FnvChecksum(body) : Checksum(body)) + "\n") return std::nullopt;
