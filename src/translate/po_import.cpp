@@ -18,7 +18,6 @@
 #include <deque>
 #include <future>
 #include <iterator>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -27,19 +26,33 @@
 namespace quillon {
 namespace {
 
-// Ranges the plan writes; no two may overlap.
+// The bytes the plan writes, one bit each; no two writes may overlap.
 class Ranges {
 public:
+    explicit Ranges(std::size_t size) : words_((size + 63) / 64) {}
     bool Overlaps(std::uint64_t begin, std::uint64_t end) const {
-        auto it = ranges_.upper_bound(begin);
-        if (it != ranges_.begin() && std::prev(it)->second > begin) return true;
-        return it != ranges_.end() && it->first < end;
+        bool any = false;
+        Spans(begin, end, [&](std::size_t word, std::uint64_t mask) { any = any || (words_[word] & mask) != 0; });
+        return any;
     }
-    void Add(std::uint64_t begin, std::uint64_t end) { ranges_[begin] = end; }
-    void Remove(std::uint64_t begin) { ranges_.erase(begin); }
+    void Add(std::uint64_t begin, std::uint64_t end) {
+        Spans(begin, end, [this](std::size_t word, std::uint64_t mask) { words_[word] |= mask; });
+    }
+    void Remove(std::uint64_t begin, std::uint64_t end) {
+        Spans(begin, end, [this](std::size_t word, std::uint64_t mask) { words_[word] &= ~mask; });
+    }
 
 private:
-    std::map<std::uint64_t, std::uint64_t> ranges_;
+    // Calls `f` with each word that holds bits of [begin, end) and the mask of those bits.
+    template <class F>
+    static void Spans(std::uint64_t begin, std::uint64_t end, F f) {
+        for (std::uint64_t at = begin; at < end;) {
+            const std::uint64_t bit = at % 64, count = std::min<std::uint64_t>(64 - bit, end - at);
+            f(static_cast<std::size_t>(at / 64), (count == 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1) << bit);
+            at += count;
+        }
+    }
+    std::vector<std::uint64_t> words_;
 };
 
 // A text saved as a special dialog has every line break as 0xFE; a normal
@@ -307,7 +320,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         }
     };
 
-    Ranges written;
+    Ranges written(image.size());
     std::unordered_map<std::uint32_t, std::size_t> plannedAt;  // offset: the message whose text goes there
     std::vector<Move> moves;
     std::vector<Pending> pending;
@@ -399,7 +412,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     for (const Move& move : moves) {
         ImportChange& change = plan.changes[move.change];
         auto drop = [&](std::string reason) {
-            written.Remove(move.text->offset);
+            written.Remove(move.text->offset, move.text->offset + pending[move.pending].after.size());
             dropped[move.change] = true;
             pending[move.pending].after.clear();  // the text stays where it is
             refuse(change.context, std::move(reason));
@@ -421,13 +434,13 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             added.push_back(at);
         }
         if (added.size() != found.size()) {
-            for (std::uint32_t at : added) written.Remove(at);
+            for (std::uint32_t at : added) written.Remove(at, at + 4u);
             drop("a pointer to it overlaps another change");
             continue;
         }
         const auto target = space.Allocate(move.bytes.size() + 1);
         if (!target) {
-            for (std::uint32_t at : added) written.Remove(at);
+            for (std::uint32_t at : added) written.Remove(at, at + 4u);
             drop("it needs moving, but no free space is left for it");
             continue;
         }

@@ -142,7 +142,7 @@ TEST_F(ImportKinds, EachKindWritesWhatASaveWouldWrite) {
 
 TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
     WriteFile(s.offsets, "[A]\r\nSame=100000\r\nShort=100010\r\nMove=100030\r\nYo=100050\r\nLow=F0000\r\n"
-                         "Head=20\r\nPast=900000\r\n");
+                         "Head=20\r\nPast=900000\r\nGrow=100020\r\nInside=100021\r\n");
     std::string rom = ReadFile(s.rom);
     rom.replace(0xF0000, 4, Stored("Low"));
     std::string withoutPointers = rom;
@@ -156,6 +156,7 @@ TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
         Translated("A/Low", "A longer text that must move"),
         Translated("A/Head", "x"), Translated("A/Past", "x"), Translated("A/Nobody", "x"),
         {"A/Fuzzy", "-", "fuzzy text", {}, true}, Translated("A/Empty", ""),
+        Translated("A/Grow", "Ho"), Translated("A/Inside", "x"),  // the second text's bytes are the first's
     });
 
     const ImportPlan plan = s.Plan();
@@ -167,13 +168,15 @@ TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
         {"A/Low", "pointers can only be rewritten for offsets from 100000"},
         {"A/Head", "lies in the cartridge header"}, {"A/Past", "lies past the end of the ROM"},
         {"A/Nobody", "the offset file has no entry of this name"},
+        {"A/Inside", "it overlaps another changed text"},
     };
     ASSERT_EQ(plan.refusals.size(), expected.size()) << DescribePlan(plan);
     for (const auto& r : plan.refusals)
         EXPECT_NE(r.reason.find(expected.at(r.context)), std::string::npos) << r.context << ": " << r.reason;
     EXPECT_EQ(plan.fuzzy, 1u);
     EXPECT_EQ(plan.untranslated, 1u);
-    EXPECT_TRUE(plan.WritesNothing());
+    ASSERT_EQ(plan.changes.size(), 1u);  // nothing of the refused texts
+    EXPECT_EQ(plan.changes[0].context, "A/Grow");
 
     // With pointers but no free space behind the free-space offset.
     WriteFile(s.rom, rom);
