@@ -8,8 +8,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <system_error>
+#include <utility>
 
 #if __has_include(<unistd.h>)
 #include <fcntl.h>
@@ -260,18 +262,44 @@ std::size_t InputFile::Read(std::uint64_t offset, char* out, std::size_t count) 
     return got;
 }
 
+namespace {
+
+// The buffer of the last large copy, kept for the next one: the system
+// clears fresh memory before it can be used, which for a 16 MiB image costs
+// about as much as reading it. One is kept at a time.
+struct SpareBuffer {
+    std::mutex mutex;
+    void* buffer = nullptr;
+    std::size_t capacity = 0;
+};
+SpareBuffer& Spare() {
+    static SpareBuffer spare;
+    return spare;
+}
+
+}  // namespace
+
 FileCopy::FileCopy(const std::filesystem::path& path) {
     InputFile in(path);
     const auto size = static_cast<std::size_t>(in.Size());
     // A large image goes into huge pages where the system has them: eight
-    // page faults for 16 MiB instead of four thousand. The buffer comes from
-    // the allocator, which hands the same memory to the next copy.
+    // page faults for 16 MiB instead of four thousand.
     constexpr std::size_t kHugePage = std::size_t{2} << 20;
     if (size >= kHugePage) {
-        buffer_ = std::aligned_alloc(kHugePage, (size + kHugePage - 1) / kHugePage * kHugePage);
+        capacity_ = (size + kHugePage - 1) / kHugePage * kHugePage;
+        {
+            const std::lock_guard lock(Spare().mutex);
+            if (Spare().buffer && Spare().capacity >= capacity_) {
+                buffer_ = std::exchange(Spare().buffer, nullptr);
+                capacity_ = Spare().capacity;
+            }
+        }
+        if (!buffer_) {
+            buffer_ = std::aligned_alloc(kHugePage, capacity_);
 #if defined(QUILLON_HAVE_MMAP) && defined(MADV_HUGEPAGE)
-        if (buffer_) ::madvise(buffer_, size, MADV_HUGEPAGE);  // a hint; without it the copy works alike
+            if (buffer_) ::madvise(buffer_, capacity_, MADV_HUGEPAGE);  // a hint; without it the copy works alike
 #endif
+        }
     } else if (size > 0) {
         buffer_ = std::malloc(size);
     }
@@ -279,7 +307,16 @@ FileCopy::FileCopy(const std::filesystem::path& path) {
     view_ = {static_cast<const char*>(buffer_), size > 0 ? in.Read(0, static_cast<char*>(buffer_), size) : 0};
 }
 
-FileCopy::~FileCopy() { std::free(buffer_); }
+FileCopy::~FileCopy() {
+    if (capacity_ > 0) {
+        const std::lock_guard lock(Spare().mutex);
+        if (!Spare().buffer || Spare().capacity <= capacity_) {
+            std::swap(Spare().buffer, buffer_);
+            Spare().capacity = capacity_;
+        }
+    }
+    std::free(buffer_);
+}
 
 void RemoveFile(const std::filesystem::path& path) {
     std::error_code ec;

@@ -80,6 +80,7 @@ public:
 private:
     std::string_view view_;
     void* buffer_ = nullptr;
+    std::size_t capacity_ = 0;  // of a large copy's buffer, which goes back to be used again
 };
 
 // Overwrites bytes in place without truncating; lengthens the file when the
