@@ -97,116 +97,80 @@ std::string Serialize(const WritePlan& plan) {
     return out;
 }
 
-// Reads a journal of the current form back; nothing when it is damaged.
-std::optional<WritePlan> ParseBinary(std::string_view text, const std::filesystem::path& rom) {
-    constexpr std::size_t kEndLine = 13;  // "end " and eight hex digits and a line break
-    if (text.size() < kMagic.size() + kEndLine || text.back() != '\n') return std::nullopt;
-    const std::size_t endAt = text.size() - kEndLine;
-    const std::string_view body = text.substr(0, endAt);
-    if (text[endAt - 1] != '\n' || text.substr(endAt) != "end " + Checksum(body) + "\n") return std::nullopt;
+// Reads a journal of any form back; nothing when it is damaged in any way.
+std::optional<WritePlan> Parse(const std::string& text, const std::filesystem::path& rom) {
+    const bool binary = text.rfind(kMagic, 0) == 0, fnv = text.rfind(kMagicFnv, 0) == 0;
+    if (!binary && !fnv && text.rfind(kMagicHex, 0) != 0) return std::nullopt;
+    // The last line is "end" and the checksum: at a fixed place when the
+    // bytes are kept as they are (they may hold any text), else the last "end ".
+    constexpr std::size_t kEndLine = 13;  // "end ", eight hex digits, a line break
+    const std::size_t endAt = binary ? (text.size() >= kEndLine ? text.size() - kEndLine : 0) : text.rfind("end ");
+    if (endAt == 0 || endAt == std::string::npos || text[endAt - 1] != '\n') return std::nullopt;
+    const std::string_view body = std::string_view(text).substr(0, endAt);
+    if (text.substr(endAt) != "end " + (fnv ? FnvChecksum(body) : Checksum(body)) + "\n") return std::nullopt;
 
-    std::size_t at = 0;
-    auto line = [&]() -> std::optional<std::string_view> {
-        const std::size_t end = body.find('\n', at);
-        if (end == std::string_view::npos) return std::nullopt;
-        const std::string_view l = body.substr(at, end - at);
-        at = end + 1;
-        return l;
-    };
+    std::size_t at = body.find('\n') + 1;  // behind the form's line
     auto bytes = [&](std::size_t n) -> std::optional<std::string> {
         if (body.size() - at < n) return std::nullopt;
-        std::string out(body.substr(at, n));
         at += n;
-        return out;
+        return std::string(body.substr(at - n, n));
     };
-    auto lineEnd = [&] { return at < body.size() && body[at++] == '\n'; };
     WritePlan plan;
     plan.rom = rom;
     try {
-        line();  // the magic
         while (at < body.size()) {
-            const auto l = line();
-            if (!l) return std::nullopt;
-            std::istringstream fields{std::string(*l)};
+            const std::size_t lineEnd = body.find('\n', at);
+            if (lineEnd == std::string_view::npos) return std::nullopt;
+            std::istringstream fields{std::string(body.substr(at, lineEnd - at))};
+            at = lineEnd + 1;
+            // A byte string: hex digits on the line, or its length on the line
+            // and the bytes behind it.
+            auto field = [&]() -> std::optional<std::string> {
+                if (!binary) {
+                    std::string hex;
+                    fields >> hex;
+                    return Unfield(hex);
+                }
+                std::size_t length = 0;
+                fields >> length;
+                return fields.fail() ? std::nullopt : bytes(length);
+            };
+            auto endOfBytes = [&] { return !binary || (at < body.size() && body[at++] == '\n'); };
             std::string kind;
             fields >> kind;
             if (kind == "command" || kind == "subject") {
-                std::string field;
-                fields >> field;
-                (kind == "command" ? plan.command : plan.subject) = Unfield(field);
+                std::string hex;
+                fields >> hex;
+                (kind == "command" ? plan.command : plan.subject) = Unfield(hex);
             } else if (kind == "size") {
                 fields >> plan.romSize;
             } else if (kind == "ini") {
                 std::string path, existed;
-                std::size_t beforeSize = 0, afterSize = 0;
-                fields >> path >> existed >> beforeSize >> afterSize;
-                if (fields.fail()) return std::nullopt;
-                auto before = bytes(beforeSize);
-                auto after = bytes(afterSize);
-                if (!before || !after || !lineEnd()) return std::nullopt;
+                fields >> path >> existed;
+                std::optional<std::string> before, after;
+                if (binary) {
+                    std::size_t beforeSize = 0, afterSize = 0;
+                    fields >> beforeSize >> afterSize;
+                    if (fields.fail()) return std::nullopt;
+                    before = bytes(beforeSize);
+                    after = bytes(afterSize);
+                } else {
+                    before = field();
+                    after = field();
+                }
+                if (!before || !after || !endOfBytes()) return std::nullopt;
                 plan.offsetFile = std::filesystem::path(Unfield(path));
                 if (existed == "1") plan.offsetBefore = std::move(*before);
                 plan.offsetAfter = std::move(*after);
             } else if (kind == "rom") {
                 RomWrite w;
-                std::size_t length = 0;
-                fields >> w.offset >> length;
-                if (fields.fail()) return std::nullopt;
-                auto before = bytes(length);
-                auto after = bytes(length);
-                if (!before || !after || !lineEnd()) return std::nullopt;
+                fields >> w.offset;
+                std::optional<std::string> before = field(), after;
+                if (binary && before) after = bytes(before->size());
+                if (!binary) after = field();
+                if (!before || !after || before->size() != after->size() || !endOfBytes()) return std::nullopt;
                 w.before = std::move(*before);
                 w.after = std::move(*after);
-                plan.romWrites.push_back(std::move(w));
-            } else {
-                return std::nullopt;
-            }
-            if (fields.fail()) return std::nullopt;
-        }
-    } catch (const std::exception&) {
-        return std::nullopt;
-    }
-    return plan;
-}
-
-// Reads a journal of any form back; nothing when it is damaged in any way.
-std::optional<WritePlan> Parse(const std::string& text, const std::filesystem::path& rom) {
-    if (text.rfind(kMagic, 0) == 0) return ParseBinary(text, rom);
-    auto endAt = text.rfind("end ");
-    const bool fnv = text.rfind(kMagicFnv, 0) == 0;
-    if ((!fnv && text.rfind(kMagicHex, 0) != 0) || endAt == std::string::npos || (endAt > 0 && text[endAt - 1] != '\n'))
-        return std::nullopt;
-    const std::string_view body = std::string_view(text).substr(0, endAt);
-    if (text.substr(endAt) != "end " + (fnv ? FnvChecksum(body) : Checksum(body)) + "\n") return std::nullopt;
-    WritePlan plan;
-    plan.rom = rom;
-    std::istringstream in(text.substr(0, endAt));
-    std::string line;
-    std::getline(in, line);
-    try {
-        while (std::getline(in, line)) {
-            std::istringstream fields(line);
-            std::string kind;
-            fields >> kind;
-            if (kind == "command" || kind == "subject") {
-                std::string field;
-                fields >> field;
-                (kind == "command" ? plan.command : plan.subject) = Unfield(field);
-            } else if (kind == "size") {
-                fields >> plan.romSize;
-            } else if (kind == "ini") {
-                std::string path, existed, before, after;
-                fields >> path >> existed >> before >> after;
-                plan.offsetFile = std::filesystem::path(Unfield(path));
-                if (existed == "1") plan.offsetBefore = Unfield(before);
-                plan.offsetAfter = Unfield(after);
-            } else if (kind == "rom") {
-                RomWrite w;
-                std::string before, after;
-                fields >> w.offset >> before >> after;
-                w.before = Unfield(before);
-                w.after = Unfield(after);
-                if (w.before.size() != w.after.size()) return std::nullopt;
                 plan.romWrites.push_back(std::move(w));
             } else {
                 return std::nullopt;
