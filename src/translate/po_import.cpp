@@ -106,14 +106,14 @@ struct Move {
 };
 
 // A translated message worked out ahead of the plan: its entry, its text and
-// what that text turns into. Independent for each message, so it runs on two
-// threads; encoding and its checks are most of the planning.
+// what that text turns into. Encoding and its checks are most of the work of
+// planning; each part of the PO file is worked out as soon as it is read.
 struct Translated {
     static constexpr std::size_t kNoText = static_cast<std::size_t>(-1);
     std::size_t text = kNoText;  // index of its entry's text, when usable
     std::string newText;         // as editor text
     bool same = false;           // equal to the current text
-    Encoded encoded;             // when not the same
+    Encoded encoded;             // the new text's bytes, or why it cannot be written
     int widest = 0;
     int linesOver = 0;
     ImportKind kind = ImportKind::InPlace;
