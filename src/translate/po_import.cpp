@@ -278,11 +278,12 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         plan.refusals.push_back({context, std::move(reason)});
     };
 
-    PoCatalog catalog;
-    std::vector<Translated> translated;
+    PoCatalog catalog;                  // the header; the messages stand in `messages`
+    std::deque<PoMessage> messages;     // in the file's order; a deque keeps them in place as parts come
+    std::deque<Translated> translated;  // one per message
     auto translate = [&](std::size_t from, std::size_t to) {
         for (std::size_t m = from; m < to; ++m) {
-            const PoMessage& message = catalog.messages[m];
+            const PoMessage& message = messages[m];
             if (message.str.empty() || message.fuzzy) continue;
             const auto found = byContext.find(message.context);
             if (found == byContext.end() || !texts[found->second].problem.empty()) continue;
@@ -327,7 +328,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     // Messages are planned in the file's order: of two that claim the same
     // bytes, the first one read wins.
     auto planMessage = [&](std::size_t m) {
-        const PoMessage& message = catalog.messages[m];
+        const PoMessage& message = messages[m];
         if (message.str.empty()) {
             ++plan.untranslated;
             return;
@@ -380,11 +381,11 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         ProgressStage stage(progress, "Planning the import", 0);
         while (std::optional<PoCatalog> part = parts.Next()) {
             if (catalog.header.empty()) catalog.header = std::move(part->header);
-            const std::size_t from = catalog.messages.size();
-            std::move(part->messages.begin(), part->messages.end(), std::back_inserter(catalog.messages));
-            translated.resize(catalog.messages.size());
-            translate(from, catalog.messages.size());
-            for (std::size_t m = from; m < catalog.messages.size(); ++m) {
+            const std::size_t from = messages.size();
+            std::move(part->messages.begin(), part->messages.end(), std::back_inserter(messages));
+            translated.resize(messages.size());
+            translate(from, messages.size());
+            for (std::size_t m = from; m < messages.size(); ++m) {
                 if (m % 1024 == 0) stage.Step(m);
                 planMessage(m);
             }
