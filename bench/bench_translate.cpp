@@ -70,7 +70,7 @@ int main() {
     std::vector<double> subject, baseline;
     std::size_t moved = 0, changed = 0;
     bool written = true;
-    for (int run = 0; run < 6; ++run) {
+    for (int run = 0; run < 12; ++run) {
         Write(rom, game.image);
         Write(offsets, game.offsetFile);
         ::sync();  // the import's flushes wait for no one else's writes, such as an earlier bench's
