@@ -161,6 +161,35 @@ private:
     std::exception_ptr error_;
 };
 
+// What a plan no longer needs once every part of the PO file is planned.
+// The reading thread, idle by then, releases it while the plan is finished.
+struct Leftovers {
+    std::deque<PoMessage> messages;
+    std::deque<Translated> translated;
+    std::unordered_map<std::uint32_t, std::size_t> plannedAt;
+};
+using LeftoversPromise = std::promise<std::unique_ptr<Leftovers>>;
+
+// Hands the leftovers over once; when the plan stops before, the reading
+// thread is told there are none rather than left waiting.
+class HandOver {
+public:
+    explicit HandOver(LeftoversPromise& to) : to_(to) {}
+    HandOver(const HandOver&) = delete;
+    HandOver& operator=(const HandOver&) = delete;
+    ~HandOver() {
+        if (!done_) to_.set_value(nullptr);
+    }
+    void operator()(std::unique_ptr<Leftovers> leftovers) {
+        to_.set_value(std::move(leftovers));
+        done_ = true;
+    }
+
+private:
+    LeftoversPromise& to_;
+    bool done_ = false;
+};
+
 std::string Plural(std::size_t n, std::string_view one, std::string_view many) {
     return std::to_string(n) + " " + std::string(n == 1 ? one : many);
 }
@@ -234,9 +263,11 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     std::promise<const RomSide*> prepared;  // null when it could not be made
     std::promise<RomScan> scanning;
     std::future<RomScan> scanned = scanning.get_future();
+    LeftoversPromise leftovers;
     PartQueue parts;
-    const std::future<void> reading =
-        std::async(std::launch::async, [&request, &parts, &scanning, ready = prepared.get_future()]() mutable {
+    const std::future<void> reading = std::async(
+        std::launch::async, [&request, &parts, &scanning, ready = prepared.get_future(),
+                             released = leftovers.get_future()]() mutable {
             try {
                 ReadPo(request.po, [&parts](PoCatalog part) { parts.Put(std::move(part)); });
                 parts.Finish(nullptr);
@@ -246,11 +277,16 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             }
             try {
                 NoProgress quiet;  // progress is shown on the planning thread
-                if (const RomSide* rom = ready.get()) scanning.set_value(RomScan(*rom, request.freeSpaceOffset, quiet));
+                const RomSide* rom = ready.get();
+                if (!rom) return;
+                scanning.set_value(RomScan(*rom, request.freeSpaceOffset, quiet));
             } catch (...) {
                 scanning.set_exception(std::current_exception());
+                return;
             }
+            released.get();  // freed here
         });
+    HandOver handOver(leftovers);  // before the reading thread is waited for
     try {
         side = std::make_unique<RomSide>(request, progress);
     } catch (...) {
@@ -391,6 +427,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             }
         }
     }
+    handOver(std::make_unique<Leftovers>(Leftovers{std::move(messages), std::move(translated), std::move(plannedAt)}));
     const std::string poCode = HeaderField(catalog, kGameCodeField);
     if (!poCode.empty() && poCode != Latin1ToUtf8(code))
         throw PoError("The PO file was exported from the game " + poCode + ", not from this ROM (" +
