@@ -15,7 +15,7 @@ constexpr std::array<std::uint32_t, 16> kPalette = {
 class Painter {
 public:
     Painter(Picture& picture, const Font& font, const DrawOptions& options)
-        : pic_(picture), font_(font), options_(options), zoom_(options.zoom) {}
+        : pic_(picture), font_(font), zoom_(options.zoom) {}
 
     void Glyph(std::uint8_t byte, int x, int top, std::uint32_t letter, std::uint32_t shadow) {
         const int w = font_.Width(byte);
@@ -45,7 +45,6 @@ public:
 private:
     Picture& pic_;
     const Font& font_;
-    const DrawOptions& options_;
     int zoom_;
 };
 

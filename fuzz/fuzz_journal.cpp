@@ -1,0 +1,45 @@
+// Feeds arbitrary bytes to the save journal's reader as a journal left
+// behind: in any of its forms, damaged or not, it reads a plan whose writes
+// keep their length, or refuses; it never reads past the bytes it was given.
+#include "edit/write_plan.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include <unistd.h>
+
+namespace {
+
+// One folder for the whole run, removed when the process ends.
+struct Folder {
+    std::filesystem::path path;
+    Folder() {
+        path = std::filesystem::temp_directory_path() / ("quillon-fuzz-journal-" + std::to_string(::getpid()));
+        std::filesystem::create_directories(path);
+    }
+    ~Folder() {
+        std::error_code ec;
+        std::filesystem::remove_all(path, ec);
+    }
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static Folder folder;
+    const std::filesystem::path rom = folder.path / "rom.gba", journal = quillon::JournalPath(rom);
+    {
+        std::FILE* f = std::fopen(journal.c_str(), "wb");
+        if (!f) return 0;
+        std::fwrite(data, 1, size, f);
+        std::fclose(f);
+    }
+    if (const auto plan = quillon::ReadJournal(journal, rom)) {
+        for (const auto& w : plan->romWrites)
+            if (w.before.size() != w.after.size()) std::abort();
+    }
+    return 0;
+}
