@@ -11,22 +11,9 @@
 #include <string_view>
 #include <vector>
 
-#include <unistd.h>
+#include "scratch_folder.h"
 
 namespace {
-
-// One folder for the whole run, removed when the process ends.
-struct Folder {
-    std::filesystem::path path;
-    Folder() {
-        path = std::filesystem::temp_directory_path() / ("quillon-fuzz-ini-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(path);
-    }
-    ~Folder() {
-        std::error_code ec;
-        std::filesystem::remove_all(path, ec);
-    }
-};
 
 void Check(bool ok, const char* what) {
     if (!ok) {
@@ -58,7 +45,7 @@ bool SameName(std::string_view a, std::string_view b) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static Folder folder;
+    static ScratchFolder folder("ini");
     const std::filesystem::path file = folder.path / "f.ini";
     const std::string original(reinterpret_cast<const char*>(data), size);
     {

@@ -9,27 +9,10 @@
 #include <filesystem>
 #include <string>
 
-#include <unistd.h>
-
-namespace {
-
-// One folder for the whole run, removed when the process ends.
-struct Folder {
-    std::filesystem::path path;
-    Folder() {
-        path = std::filesystem::temp_directory_path() / ("quillon-fuzz-journal-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(path);
-    }
-    ~Folder() {
-        std::error_code ec;
-        std::filesystem::remove_all(path, ec);
-    }
-};
-
-}  // namespace
+#include "scratch_folder.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static Folder folder;
+    static ScratchFolder folder("journal");
     const std::filesystem::path rom = folder.path / "rom.gba", journal = quillon::JournalPath(rom);
     {
         std::FILE* f = std::fopen(journal.c_str(), "wb");

@@ -147,17 +147,7 @@ std::optional<WritePlan> Parse(const std::string& text, const std::filesystem::p
             } else if (kind == "ini") {
                 std::string path, existed;
                 fields >> path >> existed;
-                std::optional<std::string> before, after;
-                if (binary) {
-                    std::size_t beforeSize = 0, afterSize = 0;
-                    fields >> beforeSize >> afterSize;
-                    if (fields.fail()) return std::nullopt;
-                    before = bytes(beforeSize);
-                    after = bytes(afterSize);
-                } else {
-                    before = field();
-                    after = field();
-                }
+                std::optional<std::string> before = field(), after = field();
                 if (!before || !after || !endOfBytes()) return std::nullopt;
                 plan.offsetFile = std::filesystem::path(Unfield(path));
                 if (existed == "1") plan.offsetBefore = std::move(*before);

@@ -254,6 +254,48 @@ struct RomScan {
     FreeSpace freeSpace;
 };
 
+namespace {
+
+// Works out one message against the entry it names: its text, whether it is
+// the current one, its bytes and what lands at the text's place.
+Translated Translate(const PoMessage& message, const RomSide& side, const fit::MeasureOptions& measure) {
+    Translated tr;
+    if (message.str.empty() || message.fuzzy) return tr;
+    const auto found = side.byContext.find(message.context);
+    if (found == side.byContext.end() || !side.texts[found->second].problem.empty()) return tr;
+    const EntryText& t = side.texts[found->second];
+    tr.text = found->second;
+    tr.newText = FromPoText(message.str);
+    tr.encoded = EncodeForImport(tr.newText, SavedAsSpecialDialog(t.bytes));
+    // The same bytes are the same text; other bytes may still read as it.
+    tr.same = (tr.encoded.refusal.empty() && tr.encoded.bytes == t.bytes) || DecodeText(t.bytes, false) == tr.newText;
+    if (tr.same || !tr.encoded.refusal.empty()) return tr;
+    if (side.font.font) {
+        const fit::Measure measured = fit::MeasureBytes(tr.encoded.bytes, *side.font.font, measure);
+        tr.widest = measured.WidestWidth();
+        tr.linesOver = measured.overCount;
+    }
+    // The new text padded to the old length, grown into the free bytes
+    // behind it, or, when it moves, free bytes.
+    const std::size_t oldLength = t.bytes.size();
+    tr.newLength = tr.encoded.bytes.size();
+    if (tr.newLength <= oldLength) {
+        tr.kind = tr.newLength == oldLength ? ImportKind::InPlace : ImportKind::Shorter;
+        tr.after = std::move(tr.encoded.bytes);
+        tr.after.append(oldLength - tr.newLength + 1, '\xFF');
+    } else if (tr.newLength - oldLength <= t.room) {
+        tr.kind = ImportKind::Grown;
+        tr.after = std::move(tr.encoded.bytes);
+        tr.after += '\xFF';
+    } else {
+        tr.kind = ImportKind::Moved;
+        tr.after = FreeRun(side.code, oldLength + 1);
+    }
+    return tr;
+}
+
+}  // namespace
+
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     // The PO file is read on a second thread, part by part, while the ROM's
     // side is prepared; each part read is worked out here while the next is
@@ -317,46 +359,6 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     PoCatalog catalog;                  // the header; the messages stand in `messages`
     std::deque<PoMessage> messages;     // in the file's order; a deque keeps them in place as parts come
     std::deque<Translated> translated;  // one per message
-    auto translate = [&](std::size_t from, std::size_t to) {
-        for (std::size_t m = from; m < to; ++m) {
-            const PoMessage& message = messages[m];
-            if (message.str.empty() || message.fuzzy) continue;
-            const auto found = byContext.find(message.context);
-            if (found == byContext.end() || !texts[found->second].problem.empty()) continue;
-            Translated& tr = translated[m];
-            tr.text = found->second;
-            tr.newText = FromPoText(message.str);
-            const std::string_view bytes = texts[tr.text].bytes;
-            tr.encoded = EncodeForImport(tr.newText, SavedAsSpecialDialog(bytes));
-            // The same bytes are the same text; other bytes may still read as it.
-            tr.same = (tr.encoded.refusal.empty() && tr.encoded.bytes == bytes) || DecodeText(bytes, false) == tr.newText;
-            if (tr.same) continue;
-            if (font.font && tr.encoded.refusal.empty()) {
-                const fit::Measure measured = fit::MeasureBytes(tr.encoded.bytes, *font.font, measure);
-                tr.widest = measured.WidestWidth();
-                tr.linesOver = measured.overCount;
-            }
-            if (!tr.encoded.refusal.empty()) continue;
-            // What lands at the text's place: the new text padded to the old
-            // length, grown into the free bytes behind it, or free bytes.
-            const EntryText& t = texts[tr.text];
-            const std::size_t oldLength = t.bytes.size();
-            tr.newLength = tr.encoded.bytes.size();
-            if (tr.newLength <= oldLength) {
-                tr.kind = tr.newLength == oldLength ? ImportKind::InPlace : ImportKind::Shorter;
-                tr.after = std::move(tr.encoded.bytes);
-                tr.after.append(oldLength - tr.newLength + 1, '\xFF');
-            } else if (tr.newLength - oldLength <= t.room) {
-                tr.kind = ImportKind::Grown;
-                tr.after = std::move(tr.encoded.bytes);
-                tr.after += '\xFF';
-            } else {
-                tr.kind = ImportKind::Moved;
-                tr.after = FreeRun(code, oldLength + 1);
-            }
-        }
-    };
-
     Ranges written(image.size());
     std::unordered_map<std::uint32_t, std::size_t> plannedAt;  // offset: the message whose text goes there
     std::vector<Move> moves;
@@ -419,8 +421,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             if (catalog.header.empty()) catalog.header = std::move(part->header);
             const std::size_t from = messages.size();
             std::move(part->messages.begin(), part->messages.end(), std::back_inserter(messages));
-            translated.resize(messages.size());
-            translate(from, messages.size());
+            for (std::size_t m = from; m < messages.size(); ++m) translated.push_back(Translate(messages[m], *side, measure));
             for (std::size_t m = from; m < messages.size(); ++m) {
                 if (m % 1024 == 0) stage.Step(m);
                 planMessage(m);
