@@ -37,5 +37,6 @@ void RegisterPatch(CLI::App& app, CliContext& ctx);   // patch create|apply ...
 void RegisterExport(CLI::App& app, CliContext& ctx);  // export ROM --po OUT [--ini FILE]
 void RegisterImport(CLI::App& app, CliContext& ctx);  // import ROM --po IN [--ini FILE] [--dry-run]
 void RegisterScan(CLI::App& app, CliContext& ctx);    // scan ROM [--ini FILE]
+void RegisterRefs(CLI::App& app, CliContext& ctx);    // refs ROM [OFFSET...] [--ini FILE]
 
 }  // namespace quillon::cli

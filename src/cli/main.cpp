@@ -48,6 +48,7 @@ int main(int argc, char** argv) {
     RegisterExport(app, ctx);
     RegisterImport(app, ctx);
     RegisterScan(app, ctx);
+    RegisterRefs(app, ctx);
 
     try {
         app.parse(argc, argv);

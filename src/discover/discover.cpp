@@ -1,66 +1,83 @@
 #include "discover/discover.h"
 
 #include "app/progress.h"
-#include "discover/text_shape.h"
+#include "game/text_shape.h"
 
 #include <quillon/codec.h>
 
 #include <algorithm>
-#include <cstring>
-#include <optional>
 
 namespace quillon::discover {
 namespace {
 
-// Two bits per offset of the image: checked as text already, and found text.
-class TargetMemo {
-public:
-    explicit TargetMemo(std::size_t size) : checked_((size + 63) / 64), text_((size + 63) / 64) {}
-    bool Checked(std::uint32_t t) const { return checked_[t >> 6] >> (t & 63) & 1; }
-    bool Text(std::uint32_t t) const { return text_[t >> 6] >> (t & 63) & 1; }
-    void Set(std::uint32_t t, bool text) {
-        checked_[t >> 6] |= std::uint64_t{1} << (t & 63);
-        if (text) text_[t >> 6] |= std::uint64_t{1} << (t & 63);
+using game::ByteKind;
+using game::PlaceKind;
+using game::TextShape;
+
+// UTF-8 to the offset file's Latin-1; other characters become '?'.
+std::string Latin1(std::string_view utf8) {
+    std::string out;
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const auto c = static_cast<unsigned char>(utf8[i]);
+        if (c < 0x80) {
+            out += static_cast<char>(c);
+        } else if ((c == 0xC2 || c == 0xC3) && i + 1 < utf8.size()) {
+            out += static_cast<char>((c & 0x1F) << 6 | (static_cast<unsigned char>(utf8[++i]) & 0x3F));
+        } else if (c >= 0xC0) {
+            while (i + 1 < utf8.size() && (static_cast<unsigned char>(utf8[i + 1]) & 0xC0) == 0x80) ++i;
+            out += '?';
+        }
     }
-
-private:
-    std::vector<std::uint64_t> checked_, text_;
-};
-
-// Texts lie past the cartridge header.
-constexpr std::uint32_t kFirstTextOffset = 0xC0;
-
-std::uint32_t TargetAt(const unsigned char* p) {
-    return std::uint32_t{p[0]} | std::uint32_t{p[1]} << 8 | std::uint32_t{p[2]} << 16;
+    return out;
 }
 
-// The evidence of the places that point at a text, and of the bytes before
-// it, weighed against how textual it reads. Nothing when it is not taken.
-std::optional<int> Confidence(const TextShape& shape, Boundary boundary, const std::vector<Reference>& refs) {
-    std::size_t script = 0, aligned = 0;
-    for (const Reference& r : refs) {
-        script += r.kind == PlaceKind::ScriptOperand;
-        aligned += r.kind == PlaceKind::AlignedData;
+// "PALLET TOWN" -> "Pallet Town", as a section name reads best; Latin-1.
+std::string TitleCase(std::string latin) {
+    bool start = true;
+    for (char& ch : latin) {
+        auto c = static_cast<unsigned char>(ch);
+        const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= 0xC0 && c != 0xD7 && c != 0xF7);
+        if (letter && !start) {
+            if ((c >= 'A' && c <= 'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7)) c = static_cast<unsigned char>(c + 32);
+        } else if (letter && start && ((c >= 'a' && c <= 'z') || (c >= 0xE0 && c <= 0xFE && c != 0xF7))) {
+            c = static_cast<unsigned char>(c - 32);
+        }
+        ch = static_cast<char>(c);
+        start = !letter && c != '\'';
     }
-    const std::size_t real = script + aligned;
-    // A run's middle needs a script operand or two references; after 0x00 (a
-    // space or padding) the text must begin as a sentence does; a text that
-    // only suspect places point at must begin right after a terminator.
+    return latin;
+}
+
+// The evidence of the references to a text, weighed against how it reads.
+// Nothing when it is not taken.
+std::optional<int> Confidence(std::string_view image, const game::TextUse& use, const std::vector<game::Place>& refs) {
+    const auto shape = game::MeasureText(image, use.offset);
+    if (!shape || shape->length == 0) return std::nullopt;
+    std::size_t script = 0, table = 0, pool = 0;
+    for (const game::Place& p : refs) {
+        script += p.kind == PlaceKind::Script;
+        table += p.kind == PlaceKind::Table;
+        pool += p.kind == PlaceKind::Pool;
+    }
+    // A script shows it as text: its bytes need only decode.
+    if (script > 0) return std::clamp(80 + game::TextScore(*shape) / 5, 0, 100);
+    const Boundary boundary = BoundaryBefore(image, use.offset);
+    // Right after another text's end a label will do: "B3F", "[PLAYER]".
+    const bool label = boundary == Boundary::Terminator && game::LooksLikeLabel(*shape);
+    if (table + pool == 0 || !(game::LooksLikeText(*shape) || label)) return std::nullopt;
+    if (!use.table.empty()) return std::clamp(70 + game::TextScore(*shape) / 4, 0, 100);
+    // A lone word: the text must start where a text can start.
     switch (boundary) {
-        case Boundary::InsideText:
-            if (script == 0 && real < 2) return std::nullopt;
-            break;
+        case Boundary::InsideText: return std::nullopt;  // the middle of a longer run
         case Boundary::Blank:
-            if (real == 0 || shape.first == ByteKind::Lower || shape.first == ByteKind::Space) return std::nullopt;
+            if (shape->first == ByteKind::Lower || shape->first == ByteKind::Space) return std::nullopt;
             break;
         case Boundary::NotText:
-            if (real == 0) return std::nullopt;
-            break;
         case Boundary::Terminator: break;
     }
-    const int evidence = script > 0 ? 100 : aligned >= 2 ? 90 : aligned == 1 ? 70 : 40;
+    const int evidence = table + pool >= 2 ? 90 : 70;
     const int edge = boundary == Boundary::Terminator ? 10 : boundary == Boundary::InsideText ? -20 : 0;
-    return std::clamp((TextScore(shape) + evidence) / 2 + edge, 0, 100);
+    return std::clamp((game::TextScore(*shape) + evidence) / 2 + edge, 0, 100);
 }
 
 }  // namespace
@@ -70,7 +87,7 @@ Boundary BoundaryBefore(std::string_view image, std::uint32_t offset) {
     const auto b = static_cast<unsigned char>(image[offset - 1]);
     if (b == 0xFF) return Boundary::Terminator;
     if (b == 0x00) return Boundary::Blank;
-    return ByteKinds()[b] == ByteKind::None ? Boundary::NotText : Boundary::InsideText;
+    return game::ByteKinds()[b] == ByteKind::None ? Boundary::NotText : Boundary::InsideText;
 }
 
 std::string Preview(std::string_view bytes, std::size_t maxChars) {
@@ -93,54 +110,48 @@ std::string Preview(std::string_view bytes, std::size_t maxChars) {
     return line;
 }
 
-std::vector<FoundText> DiscoverTexts(std::string_view image, Progress* progress) {
-    NoProgress unwatched;
-    ProgressStage stage(progress ? *progress : unwatched, "Looking for texts", image.size());
-    const std::size_t reach = std::min<std::size_t>(image.size(), kPointerReach);
-    const auto* bytes = reinterpret_cast<const unsigned char*>(image.data());
-    TargetMemo memo(reach);
-    // (target << 32 | place) of every pointer aimed at text.
-    std::vector<std::uint64_t> hits;
-    constexpr std::size_t kStep = 1 << 20;  // progress is reported per MiB
-    if (image.size() >= 4) {
-        const std::size_t last = image.size() - 4;  // last place a pointer can start
-        for (std::size_t from = 0; from <= last; from += kStep) {
-            stage.Step(from);
-            const std::size_t to = std::min(last, from + kStep - 1);
-            // The bank byte of a pointer starting at `place` lies at place + 3.
-            const unsigned char* p = bytes + from + 3;
-            const unsigned char* end = bytes + to + 4;
-            while ((p = static_cast<const unsigned char*>(std::memchr(p, kPointerBank, end - p))) != nullptr) {
-                const auto place = static_cast<std::uint32_t>(p - bytes - 3);
-                const std::uint32_t target = TargetAt(p - 3);
-                ++p;
-                if (target >= reach || target < kFirstTextOffset) continue;
-                if (!memo.Checked(target)) {
-                    auto shape = MeasureText(image, target);
-                    memo.Set(target, shape && LooksLikeText(*shape));
-                }
-                if (memo.Text(target)) hits.push_back(std::uint64_t{target} << 32 | place);
-            }
-        }
+std::string SectionFor(const game::GameModel& model, const game::TextUse& use) {
+    if (use.map >= 0 && static_cast<std::size_t>(use.map) < model.Maps().size()) {
+        const game::MapName& map = model.Maps()[static_cast<std::size_t>(use.map)];
+        std::string name = map.name.empty() ? "Map " + std::to_string(map.group) + "." + std::to_string(map.number)
+                                            : TitleCase(Latin1(map.name));
+        return use.trainer ? name + " - Trainer battles" : name;
     }
-    stage.Step(image.size());
+    if (!use.table.empty()) return Latin1(use.table);
+    if (use.context == game::TextContext::MessageBox || use.context == game::TextContext::Sign)
+        return use.trainer ? "Trainer battles" : "Common scripts";
+    return {};
+}
 
-    std::sort(hits.begin(), hits.end());
+std::vector<FoundText> DiscoverTexts(const game::GameModel& model, std::string_view image) {
     std::vector<FoundText> found;
-    for (std::size_t i = 0; i < hits.size();) {
-        const auto target = static_cast<std::uint32_t>(hits[i] >> 32);
-        FoundText text;
-        text.offset = target;
-        for (; i < hits.size() && hits[i] >> 32 == target; ++i)
-            text.pointers.push_back(ClassifyPlace(image, static_cast<std::uint32_t>(hits[i])));
-        const TextShape shape = *MeasureText(image, target);
-        const auto confidence = Confidence(shape, BoundaryBefore(image, target), text.pointers);
+    for (const game::TextUse& use : model.Uses()) {
+        // Braille cells are no European text; they are never taken as one.
+        if (use.context == game::TextContext::Braille) continue;
+        std::vector<game::Place> refs = model.ReferencesTo(use.offset);
+        const auto confidence = Confidence(image, use, refs);
         if (!confidence || *confidence < kMinConfidence) continue;
-        text.length = shape.length;
+        FoundText text;
+        text.offset = use.offset;
+        text.length = game::MeasureText(image, use.offset)->length;
+        text.preview = Preview(image.substr(use.offset, text.length));
+        text.pointers = std::move(refs);
         text.confidence = *confidence;
-        text.preview = Preview(image.substr(target, shape.length));
+        text.section = SectionFor(model, use);
+        text.context = use.context;
         found.push_back(std::move(text));
     }
+    return found;
+}
+
+std::vector<FoundText> DiscoverTexts(std::string_view image, Progress* progress) {
+    NoProgress unwatched;
+    ProgressStage stage(progress ? *progress : unwatched, "Looking for texts", 2);
+    stage.Step(0);
+    const game::GameModel model = game::GameModel::Read(image);
+    stage.Step(1);
+    auto found = DiscoverTexts(model, image);
+    stage.Step(2);
     return found;
 }
 

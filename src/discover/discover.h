@@ -1,7 +1,9 @@
 #pragma once
-// Finds the texts of a ROM image by itself: every run of bytes that reads as
-// game text and that a pointer refers to.
-#include "discover/references.h"
+// Finds the texts of a ROM image by itself, as the game reaches them: texts
+// that a script operand, a table slot or a literal pool of program code
+// points at, and that decode as text. Nothing inside program code or picture
+// and sound data is taken.
+#include "game/game_model.h"
 
 #include <cstdint>
 #include <string>
@@ -18,19 +20,20 @@ struct FoundText {
     std::uint32_t offset = 0;
     std::uint32_t length = 0;             // bytes before the 0xFF
     std::string preview;                  // the first characters, decoded, on one line
-    std::vector<Reference> pointers;      // every place that holds its pointer, in file order
+    std::vector<game::Place> pointers;    // every place that holds its pointer, in file order
     int confidence = 0;                   // 0-100
+    std::string section;                  // where the game uses it (Latin-1); empty: not known
+    game::TextContext context = game::TextContext::Other;
 };
 
 // Texts below this confidence are not reported.
 inline constexpr int kMinConfidence = 50;
 
-// Scans `image` once: indexes every plausible pointer (0x08 as the fourth of
-// four bytes at any alignment, aimed inside the image and past the header),
-// checks each aimed-at offset as text once, and keeps the texts whose
-// confidence reaches kMinConfidence, in offset order. Throws Cancelled when
-// `progress` asks to stop.
-std::vector<FoundText> DiscoverTexts(std::string_view image, Progress* progress = nullptr);
+// Reads `image` into a game model and takes its texts, in offset order.
+// Throws Cancelled when `progress` asks to stop.
+[[nodiscard]] std::vector<FoundText> DiscoverTexts(std::string_view image, Progress* progress = nullptr);
+// The same over a model read from `image` already.
+[[nodiscard]] std::vector<FoundText> DiscoverTexts(const game::GameModel& model, std::string_view image);
 
 // How the bytes before a text end the run before it: a pointer into the
 // middle of a run of text needs more evidence than one at a run's start.
@@ -40,9 +43,14 @@ enum class Boundary {
     Blank,       // 0x00: padding or a space
     InsideText   // a character: the offset lies inside a longer run
 };
-Boundary BoundaryBefore(std::string_view image, std::uint32_t offset);
+[[nodiscard]] Boundary BoundaryBefore(std::string_view image, std::uint32_t offset);
 
 // The preview: decoded text, line breaks as blanks, at most `maxChars` characters.
-std::string Preview(std::string_view bytes, std::size_t maxChars = 60);
+[[nodiscard]] std::string Preview(std::string_view bytes, std::size_t maxChars = 60);
+
+// The section a text goes into: the map that shows it ("Pallet Town"), its
+// trainer battles ("Pallet Town - Trainer battles"), the kind of table that
+// holds it, "Common scripts"; empty when none of these is known. Latin-1.
+[[nodiscard]] std::string SectionFor(const game::GameModel& model, const game::TextUse& use);
 
 }  // namespace quillon::discover

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <map>
 #include <set>
 
 namespace quillon::discover {
@@ -107,25 +108,38 @@ Merge MergeFoundTexts(std::string_view offsetFile, const std::vector<FoundText>&
     NameSet sectionNames;
     for (const auto& s : doc.Sections()) sectionNames.insert(std::string(s.name));
     if (!fresh.empty() && !merge.text.empty() && merge.text.back() != '\n') merge.text += "\r\n";
-    for (std::size_t i = 0; i < fresh.size();) {
+    auto addSection = [&](const std::string& wanted, auto first, auto last) {
+        merge.text += "[" + Unique(wanted, sectionNames, " (%d)") + "]\r\n";
+        ++merge.sections;
+        NameSet keys;
+        for (auto it = first; it != last; ++it) {
+            const std::string key = Unique(KeyNameFor((*it)->preview, (*it)->offset), keys, " %d");
+            merge.text += key + "=" + PlainHex((*it)->offset) + "\r\n";
+            ++merge.added;
+        }
+    };
+    // Texts whose use the game tells go to the section of that use, by name.
+    std::map<std::string, std::vector<const FoundText*>, NameLess> named;
+    std::vector<const FoundText*> unnamed;
+    for (const FoundText* f : fresh) (f->section.empty() ? unnamed : named[f->section]).push_back(f);
+    for (const auto& [name, texts] : named)
+        for (std::size_t i = 0; i < texts.size(); i += kMaxSectionEntries)
+            addSection(name, texts.begin() + static_cast<std::ptrdiff_t>(i),
+                       texts.begin() + static_cast<std::ptrdiff_t>(std::min(texts.size(), i + kMaxSectionEntries)));
+    // The rest by where they lie.
+    for (std::size_t i = 0; i < unnamed.size();) {
         // The texts of one 64 KiB area, cut into runs of at most kMaxSectionEntries.
-        const std::uint32_t area = fresh[i]->offset >> 16;
+        const std::uint32_t area = unnamed[i]->offset >> 16;
         std::size_t end = i;
-        while (end < fresh.size() && fresh[end]->offset >> 16 == area) ++end;
+        while (end < unnamed.size() && unnamed[end]->offset >> 16 == area) ++end;
         const bool split = end - i > kMaxSectionEntries;
         for (; i < end;) {
             const std::size_t runEnd = std::min(end, i + kMaxSectionEntries);
-            const std::uint32_t first = split ? fresh[i]->offset : area << 16;
-            const std::uint32_t last = split ? fresh[runEnd - 1]->offset : (area << 16) | 0xFFFF;
-            const std::string name = Unique("Texts " + PlainHex(first, 6) + "-" + PlainHex(last, 6), sectionNames, " (%d)");
-            merge.text += "[" + name + "]\r\n";
-            ++merge.sections;
-            NameSet keys;
-            for (; i < runEnd; ++i) {
-                const std::string key = Unique(KeyNameFor(fresh[i]->preview, fresh[i]->offset), keys, " %d");
-                merge.text += key + "=" + PlainHex(fresh[i]->offset) + "\r\n";
-                ++merge.added;
-            }
+            const std::uint32_t first = split ? unnamed[i]->offset : area << 16;
+            const std::uint32_t last = split ? unnamed[runEnd - 1]->offset : (area << 16) | 0xFFFF;
+            addSection("Texts " + PlainHex(first, 6) + "-" + PlainHex(last, 6),
+                       unnamed.begin() + static_cast<std::ptrdiff_t>(i), unnamed.begin() + static_cast<std::ptrdiff_t>(runEnd));
+            i = runEnd;
         }
     }
     return merge;

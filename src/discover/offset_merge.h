@@ -23,9 +23,12 @@ struct Merge {
     std::size_t sections = 0;    // sections added
 };
 
-// New sections group the new texts by 64 KiB ("Texts 3A0000-3AFFFF"); a group
-// of more than kMaxSectionEntries is split into runs named by their first and
-// last offsets. A name the file holds already gets " (2)", " (3)", ...
+// A new text whose use is known goes into a section named after it (its map,
+// its table), in name order; the rest are grouped by 64 KiB ("Texts
+// 3A0000-3AFFFF"), a group of more than kMaxSectionEntries split into runs
+// named by their first and last offsets. A section of more than
+// kMaxSectionEntries goes on in a second one; a name the file holds already
+// gets " (2)", " (3)", ...
 Merge MergeFoundTexts(std::string_view offsetFile, const std::vector<FoundText>& found);
 
 // A key name from a text's first words ("Welcome to the world of"), in the

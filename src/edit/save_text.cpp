@@ -141,7 +141,7 @@ Step Repoint(Session& session, std::int32_t newLength) {
     std::vector<BytesAt> blocks;
     for (auto& p : ScanPointerRewrites(session.romPath, oldPointer, newPointer))
         blocks.push_back({p.offset, std::move(p.bytes)});
-    if (!ChooseRewrites(session, blocks)) return Step::Stop;
+    if (!ChooseRewrites(session, static_cast<std::uint32_t>(oldOffset), blocks)) return Step::Stop;
     if (blocks.empty()) {
         session.prompter.Message(Icon::Critical, "The text pointer wasn't found!\r\nThe text can't be edited!");
         return Step::Stop;

@@ -163,8 +163,9 @@ TEST_F(Cli, CheckListsTheTextsOverTheBoxOfKnownOrNamedFonts) {
 TEST_F(Cli, ScanPrintsTheTextsOrAddsTheNewOnesToTheOffsetFile) {
     StoryRom()
         .Put(0x180000, "\xFF" + Bytes("C2D9E0E0E300E8DCD9E6D9AD") + "\xFF" + Bytes("C1E3E3D800D8D5EDAB") + "\xFF")
-        .Pointer(0x190000, 0x180001)
-        .PutHex(0x190006, "67").Pointer(0x190007, 0x18000E)
+        .Pointer(0x190000, 0x180001)                                      // a table's slot
+        .Pointer(0x190004, 0x190010)                                      // and a script of its
+        .PutHex(0x190010, "67").Pointer(0x190011, 0x18000E).PutHex(0x190015, "02")
         .Save(w.Rom());
     CliRun run = Run({"scan", "ROM"});
     ASSERT_EQ(run.status, 0) << run.err;
@@ -175,7 +176,7 @@ TEST_F(Cli, ScanPrintsTheTextsOrAddsTheNewOnesToTheOffsetFile) {
     WriteFile(dir / "game.ini", "[Town]\r\nMom=180001\r\n");
     run = Run({"scan", "ROM", "--ini", "@game.ini"});
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(ReadFile(dir / "game.ini"), "[Town]\r\nMom=180001\r\n[Texts 180000-18FFFF]\r\nGood day!=18000E\r\n");
+    EXPECT_EQ(ReadFile(dir / "game.ini"), "[Town]\r\nMom=180001\r\n[Common scripts]\r\nGood day!=18000E\r\n");
     EXPECT_EQ(run.out.rfind("2 texts found, 1 listed already; 1 added in 1 sections to ", 0), 0u) << run.out;
 }
 

@@ -1,4 +1,4 @@
-// A repoint when some places of the old pointer look like program code.
+// A repoint when some places of the old pointer are no references.
 #include "edit/save_text.h"
 #include "support/save_messages.h"
 #include "support/workspace.h"
@@ -8,11 +8,11 @@
 namespace quillon::test {
 namespace {
 
-TEST(RepointChoice, SuspectPlacesAreKeptUnlessTheUserSaysAll) {
+TEST(RepointChoice, PlacesThatAreNoReferencesAreKeptUnlessTheUserSaysAll) {
     const std::string old = Bytes("00001008"), moved = Bytes("01002008");
     const std::string question =
-        "1 of the 3 places that hold this text's pointer look like program code, not references to the text. "
-        "Rewrite only the 2 references (recommended), or all 3 as before?";
+        "This text's pointer is held by 1 script, 1 table, 1 place of unknown use. 1 of these 3 places is no "
+        "reference to the text. Rewrite only the 2 references (recommended), or all 3 as before?";
     struct Case {
         Choice answer;
         std::string atCode;  // the pointer at 0x70003 afterwards
@@ -20,8 +20,8 @@ TEST(RepointChoice, SuspectPlacesAreKeptUnlessTheUserSaysAll) {
     } cases[] = {{Choice::First, old, true}, {Choice::Second, moved, true}, {Choice::Cancel, old, false}};
     for (const Case& c : cases) {
         Workspace w;
-        // The bytes before the pointer at 0x70003 look like instructions, not a script command.
-        w.OpenAt(HelloRom().PutHex(0x70001, "0101"), "[Town]\r\nMom=100000\r\n", "Town", "Mom");
+        // The bytes before the pointer at 0x70003 read as no script.
+        w.OpenAt(HelloRom().PutHex(0x70001, "FFFF"), "[Town]\r\nMom=100000\r\n", "Town", "Mom");
         w.session.controls.text1.SetText("Hello there!");
         w.user.Yes().Then(c.answer);
         SaveText(w.session);

@@ -53,7 +53,10 @@ RomBuilder StoryRom(std::string_view code) {
 RomBuilder HelloRom(std::string_view code) {
     RomBuilder rom = StoryRom(code);
     rom.Put(0x100000, Bytes("C2D9E0E0E3FF")).Pointer(0x50000, 0x100000);
-    rom.PutHex(0x60000, "67").Pointer(0x60001, 0x100000).PutHex(0x70001, "0F00").Pointer(0x70003, 0x100000);
+    // Two scripts that show it, a table slot pointing at each: a message, and
+    // a loadword for the standard message box.
+    rom.PutHex(0x60000, "67").Pointer(0x60001, 0x100000).PutHex(0x60005, "02").Pointer(0x50010, 0x60000);
+    rom.PutHex(0x70001, "0F00").Pointer(0x70003, 0x100000).PutHex(0x70007, "090402").Pointer(0x50014, 0x70001);
     return rom;
 }
 

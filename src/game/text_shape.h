@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-namespace quillon::discover {
+namespace quillon::game {
 
 // What one byte of the European table stands for.
 enum class ByteKind : std::uint8_t {
@@ -29,8 +29,11 @@ struct TextShape {
     std::uint32_t length = 0;  // bytes before the 0xFF
     std::uint32_t letters = 0, vowels = 0, upper = 0, digits = 0, spaces = 0, punct = 0;
     std::uint32_t symbols = 0, breaks = 0, controls = 0;
+    std::uint32_t controlBytes = 0;  // the control codes with their parameters
     std::uint32_t innerCaps = 0;   // an upper-case letter right after a lower-case one
     std::uint32_t words = 0;       // runs of two or more letters
+    std::uint32_t plain = 0;       // letters A to Z and a to z, without accents
+    bool periodic = false;         // starts with one pair of bytes four times over: data, not words
     ByteKind first = ByteKind::None;
 };
 
@@ -42,7 +45,9 @@ inline constexpr std::uint32_t kMaxTextLength = 1024;
 std::optional<TextShape> MeasureText(std::string_view image, std::uint32_t start);
 
 // Rules that real game texts pass and chance bytes rarely do:
-// - at least two letters, in at least one word (two letters in a row);
+// - at least two letters, in at least one word (two letters in a row), and
+//   at least half of them plain (accented letters alone are data);
+// - not one pair of bytes repeated from the start;
 // - letters, digits, blanks, punctuation and line breaks make up at least
 //   four fifths of the characters;
 // - a text of six letters or more has between a fifth and seven tenths of
@@ -50,7 +55,13 @@ std::optional<TextShape> MeasureText(std::string_view image, std::uint32_t start
 // - few upper-case letters right after lower-case ones (one per eight letters).
 bool LooksLikeText(const TextShape& shape);
 
+// The looser test for a text that starts right after another's terminator
+// and that the game reaches: labels, names, buffers and codes ("B3F",
+// "[PLAYER]", "--"). Something to show, no byte that no text holds, and
+// letters mostly plain.
+bool LooksLikeLabel(const TextShape& shape);
+
 // 0-100: how much the text reads like prose (words, vowels, a capital start).
 int TextScore(const TextShape& shape);
 
-}  // namespace quillon::discover
+}  // namespace quillon::game
