@@ -536,25 +536,30 @@ private:
 
     // What lies between two functions is code too when it traces as a row of
     // functions without a fault. So is a function that a pointer leads to (a
-    // callback, say) when a row of functions that return joins it to code.
+    // callback, say) right before or after code, across filler only, when it
+    // traces strictly and returns: odd pointers also lead to texts, and data
+    // near code can trace as a row of functions.
     void FillGaps() {
-        const auto known = static_cast<std::ptrdiff_t>(functions_.size());
-        for (std::ptrdiff_t i = 0; i + 1 < known; ++i) {
-            if (functions_[i + 1].offset - functions_[i].End() <= kMaxGap)
-                Fill(functions_[i].End(), functions_[i + 1].offset, false);
+        const auto known = functions_.begin() + static_cast<std::ptrdiff_t>(functions_.size());
+        for (auto f = functions_.begin(); f + 1 < known; ++f) {
+            if (f[1].offset - f->End() <= kMaxGap) Fill(f->End(), f[1].offset);
         }
         for (const std::uint32_t at : callbacks_) {
             if (tracer_.MarkAt(at) != kFree) continue;
-            const auto next = std::upper_bound(functions_.begin(), functions_.begin() + known, at,
+            const auto next = std::upper_bound(functions_.begin(), known, at,
                                                [](std::uint32_t o, const Span& f) { return o < f.offset; });
-            if (next != functions_.begin() + known && next->offset - at <= kMaxGap)
-                Fill(at, next->offset, true);
-            else if (next != functions_.begin() && at - std::prev(next)->End() <= kMaxGap)
-                Fill(std::prev(next)->End(), at + 2, true);
+            const bool after = next != functions_.begin() && std::prev(next)->End() <= at &&
+                               PastFiller(image_, std::prev(next)->End(), at) == at;
+            if (!after && (next == known || next->offset - at > kMaxGap)) continue;
+            const Trace t = tracer_.Run(at, false, true);
+            const bool before =
+                next != known && t.end <= next->offset && PastFiller(image_, t.end, next->offset) == next->offset;
+            if (t.clean && t.returns && (before || after)) Keep(at, t);
+            else tracer_.Drop();
         }
     }
 
-    void Fill(std::uint32_t from, std::uint32_t to, bool mustReturn) {
+    void Fill(std::uint32_t from, std::uint32_t to) {
         tracer_.Checkpoint();
         const std::size_t before = functions_.size();
         for (std::uint32_t at = PastFiller(image_, from, to); at < to; at = PastFiller(image_, at, to)) {
@@ -564,7 +569,7 @@ private:
             }
             Trace t = tracer_.Run(at, false);
             if (!t.clean && at % 4 == 0) t = tracer_.Run(at, true);
-            if (!t.clean || (mustReturn && !t.returns)) {
+            if (!t.clean) {
                 tracer_.Drop();
                 tracer_.Undo();
                 kept_ -= functions_.size() - before;

@@ -4,6 +4,7 @@
 #include "core/file_io.h"
 #include "edit/free_space.h"
 #include "fit/measure.h"
+#include "game/game_model.h"
 #include "translate/offset_entries.h"
 #include "translate/po_file.h"
 #include "translate/rom_texts.h"
@@ -233,24 +234,17 @@ struct RomSide {
     std::vector<FreeSpace::Range> taken;                          // the texts' bytes and terminators
 };
 
-// What moved texts need: the pointers to the entries' texts and the
-// free-space runs, each found in one pass over the image.
+// What moved texts need: the game model, which knows every place that holds
+// a text's pointer and its kind, and the free-space runs.
 struct RomScan {
     RomScan(const RomSide& side, std::int32_t freeSpaceOffset, Progress& progress)
-        : pointers(side.image, Offsets(side.texts), progress),
+        : model(game::GameModel::Read(side.image)),
           freeSpace(side.image, side.freeByte,
                     std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(freeSpaceOffset, 1) - 1),
                                             kLowestPointable),
                     std::uint64_t{kHighestPointable} + 1, progress) {}
 
-    static std::vector<std::uint32_t> Offsets(const std::vector<EntryText>& texts) {
-        std::vector<std::uint32_t> out;
-        for (const EntryText& t : texts)
-            if (t.problem.empty()) out.push_back(t.offset);
-        return out;
-    }
-
-    PointerIndex pointers;
+    game::GameModel model;
     FreeSpace freeSpace;
 };
 
@@ -410,8 +404,15 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         if (tr.kind == ImportKind::Grown) taken.push_back({t.offset, end + 1});
         if (tr.kind == ImportKind::Moved)
             moves.push_back({plan.changes.size(), pending.size(), &t, std::move(tr.encoded.bytes)});
-        plan.changes.push_back({t.context, tr.kind, t.offset, t.offset, t.bytes.size(), tr.newLength, 0,
-                                tr.widest, tr.linesOver});
+        ImportChange change;
+        change.context = t.context;
+        change.kind = tr.kind;
+        change.offset = change.newOffset = t.offset;
+        change.oldLength = t.bytes.size();
+        change.newLength = tr.newLength;
+        change.widest = tr.widest;
+        change.linesOver = tr.linesOver;
+        plan.changes.push_back(std::move(change));
         pending.push_back({t.offset, std::move(tr.after)});
     };
 
@@ -440,10 +441,10 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         ProgressStage stage(progress, "Finding the pointers", 0);
         return scanned.get();
     }();
-    const PointerIndex& pointers = scan.pointers;
+    const game::GameModel& model = scan.model;
     FreeSpace& space = scan.freeSpace;
     for (const Move& move : moves)
-        for (std::uint32_t at : pointers.Of(move.text->offset)) taken.push_back({at, at + 4u});
+        for (std::uint32_t at : model.Pointers().PlacesOf(move.text->offset)) taken.push_back({at, at + 4u});
     space.Exclude(std::move(taken));
 
     std::vector<bool> dropped(plan.changes.size(), false);
@@ -461,8 +462,32 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                  " to " + PlainHex(kHighestPointable));
             continue;
         }
-        const auto found = pointers.Of(change.offset);
-        if (found.empty()) {
+        // The references are rewritten; bytes of program code that only
+        // look like the pointer are left alone, and places of unknown use
+        // keep the text where it is unless the user said to rewrite them.
+        std::vector<std::uint32_t> found, code;
+        std::string unknown;
+        std::size_t unknownCount = 0, references = 0;
+        for (const game::Place& place : model.ReferencesTo(change.offset)) {
+            if (game::IsReference(place.kind)) {
+                found.push_back(place.place), ++references;
+            } else if (place.kind == game::PlaceKind::Code) {
+                (request.rewriteCode ? found : code).push_back(place.place);
+                if (request.rewriteCode) change.codeRewritten.push_back(place.place);
+            } else if (request.rewriteUnknown) {
+                found.push_back(place.place);
+            } else {
+                unknown += (unknownCount++ ? ", " : "") + PlainHex(place.place, 6) + " (" + std::string(place.rule) + ")";
+            }
+        }
+        change.codeLeft = code.size();
+        if (unknownCount > 0) {
+            plan.unknownLeft += unknownCount;
+            drop("it needs moving, and " + Plural(unknownCount, "place", "places") + " of unknown use hold" +
+                 (unknownCount == 1 ? "s" : "") + " its pointer: " + unknown + "; --rewrite-unknown rewrites them");
+            continue;
+        }
+        if (references == 0 && !(request.rewriteCode && !found.empty())) {
             drop("it needs moving, but no pointer to it was found");
             continue;
         }
@@ -530,6 +555,16 @@ std::string DescribePlan(const ImportPlan& plan) {
            " rewritten)\n";
     out += Plural(plan.unchanged, "text is", "texts are") + " unchanged, " + std::to_string(plan.untranslated) +
            " untranslated, " + std::to_string(plan.fuzzy) + " fuzzy (left out).\n";
+    std::size_t codeLeft = 0;
+    std::string codeRewritten;
+    for (const auto& c : plan.changes) {
+        codeLeft += c.codeLeft;
+        for (std::uint32_t at : c.codeRewritten) codeRewritten += "  " + c.context + ": " + PlainHex(at, 6) + "\n";
+    }
+    if (codeLeft > 0)
+        out += "Left alone: " + Plural(codeLeft, "place", "places") +
+               " inside program code that only look like a moved text's pointer.\n";
+    if (!codeRewritten.empty()) out += "Rewritten inside program code (--rewrite-code):\n" + codeRewritten;
     out += "Free space: " + std::to_string(plan.freeUsed) + " bytes used, " + std::to_string(plan.freeLeft) +
            " bytes left.\n";
     std::string over;

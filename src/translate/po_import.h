@@ -20,6 +20,11 @@ struct ImportRequest {
     std::filesystem::path po;
     std::int32_t freeSpaceOffset = 0;  // as in settings.ini: a file position counted from 1
     fit::FitSettings fit{};            // the font of a game the table does not list, the sample name
+    // A moved text's pointer is rewritten in script, table and pool places;
+    // places inside program code only with rewriteCode, and a text whose
+    // pointer stands in places of unknown use is refused without rewriteUnknown.
+    bool rewriteCode = false;
+    bool rewriteUnknown = false;
 };
 
 enum class ImportKind {
@@ -39,6 +44,8 @@ struct ImportChange {
     std::size_t pointers = 0;     // rewritten pointers of a moved text
     int widest = 0;               // pixels of the new text's widest line (0 without a font)
     int linesOver = 0;            // its lines over the message box
+    std::size_t codeLeft = 0;     // places inside program code that hold its pointer, left alone
+    std::vector<std::uint32_t> codeRewritten;  // such places rewritten all the same (rewriteCode)
 };
 
 struct ImportPlan {
@@ -49,6 +56,7 @@ struct ImportPlan {
     std::size_t fuzzy = 0;
     std::uint64_t freeUsed = 0;    // bytes of free space the moved texts take
     std::uint64_t freeLeft = 0;
+    std::size_t unknownLeft = 0;   // places of unknown use that hold a refused text's pointer
     std::string noFitCheck;        // why line widths were not measured; empty when they were
     WritePlan writes;
 

@@ -240,7 +240,7 @@ TEST_F(App, ExportNamesTheBoxAndImportWritesOnlyAfterOk) {
     for (std::size_t b = 0; b < 512; ++b) widths[b] = static_cast<char>(FontWidth(static_cast<int>(b)));
     w.OpenAt(StoryRom("BPRE").Put(0xBC, std::string(1, '\0')).Put(0x207300, widths).Pointer(0x66EC, 0x1FF300)
                  .Pointer(0x66F4, 0x207300).Put(0x100000, HexToBytes(EncodeText("Hello", false)) + "\xFF")
-                 .Pointer(0x50000, 0x100000),
+                 .Pointer(0x50000, 0x100000).Pointer(0x50004, 0x1FF300),  // a table of two pointers
              "[Town]\r\nSign=100000\r\n", "Town", "Sign");
     const std::filesystem::path po = w.dir / "town.po";
     NoProgress none;

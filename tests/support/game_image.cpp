@@ -78,6 +78,12 @@ public:
         for (const auto& [place, label] : fixes_) at_ = place, W(PointerTo(labels_[label]));
         Code(kCodeA, kCodeA + kCodeASize), Code(codeB, codeB + kCodeBSize);
         for (const uint32_t place : funcRefs_) at_ = place, W(PointerTo(fns_[R(fns_.size())]) | 1);
+        std::vector<uint32_t> callees = fns_;  // each function is called once, so none is dead code, then any
+        std::shuffle(callees.begin(), callees.end(), rng_);
+        for (std::size_t k = 0; k < calls_.size(); ++k) {
+            const auto off = static_cast<std::int32_t>((k < callees.size() ? callees[k] : fns_[R(fns_.size())]) - (calls_[k] + 4));
+            at_ = calls_[k], H(0xF000 | (off >> 12 & 0x7FF)), H(0xF800 | (off >> 1 & 0x7FF));  // bl
+        }
         Scan(), out_.image = std::move(img_);
         return std::move(out_);
     }
@@ -323,8 +329,8 @@ private:
         Mark(start, "table");
     }
 
-    // Thumb functions: push, ALU and load/store instructions, bl pairs to earlier functions, and pc-relative
-    // loads from the literal pool that follows the pop.
+    // Thumb functions, word-aligned: push, ALU and load/store instructions, bl pairs, and pc-relative loads
+    // from the literal pool that follows the pop.
     void Code(uint32_t start, uint32_t end) {
         for (at_ = start; at_ + 0x200 < end;) Function();
         out_.code.push_back({start, at_}), Mark(start, "code");
@@ -333,25 +339,25 @@ private:
     void Function() {
         std::vector<std::tuple<uint32_t, uint32_t, bool>> loads;  // place, word, whether a text's pointer
         bool lookalike = R(6) == 0;
-        fns_.push_back(at_), H(0xB5F0);  // push {r4-r7, lr}
+        Align(), fns_.push_back(at_), H(0xB5F0);  // push {r4-r7, lr}
         for (unsigned i = 0, n = 6 + R(36), r = R(8); i < n; ++i, r = R(8)) {
             if (r == 0) {
                 const auto [word, text] = PoolWord();
                 loads.push_back({at_, word, text}), H(0x4800 | R(8) << 8);  // ldr rd, [pc, #imm]
-            } else if (r == 1 && fns_.size() > 1) {
-                const auto off = static_cast<std::int32_t>(fns_[R(fns_.size() - 1)] - (at_ + 4));
-                H(0xF000 | (off >> 12 & 0x7FF)), H(0xF800 | (off >> 1 & 0x7FF));  // bl
+            } else if (r == 1) {
+                calls_.push_back(at_), W(0);  // bl, once every function is placed
             } else if (const uint32_t word = PointerTo(labels_[AnyText()]), mid = word >> 8 & 0xFF;
-                       r == 2 && lookalike && mid < 0xA0 && (mid < 0x44 || mid >= 0x48)) {
+                       r == 2 && lookalike && mid < 0xA0 && (mid < 0x44 || mid >= 0x50)) {
                 // lo mid hi 08 at a half-word boundary: (mid lo) decodes as a shift, an immediate, ALU or
-                // load/store instruction, (08 hi) as lsrs rd, rs, #32.
+                // load/store instruction (not ldr rd, [pc, #n]: its word would be in the pool), (08 hi) as
+                // lsrs rd, rs, #32.
                 if (at_ % 4 == 0) H(Alu());
                 placed_[at_] = "code", H(word & 0xFFFF), H(word >> 16), lookalike = false;
             } else {
                 H(Alu());
             }
         }
-        for (H(0xBDF0), Align(); const auto& [place, word, text] : loads) {  // pop {r4-r7, pc}, then the pool
+        for (H(0xBDF0), loads.empty() ? void() : Align(); const auto& [place, word, text] : loads) {  // pop {r4-r7, pc}, then the pool
             img_[place] = static_cast<char>((at_ - ((place + 4) & ~3u)) / 4);
             text ? void(placed_[at_] = "pool") : void(), W(word);
         }
@@ -397,7 +403,7 @@ private:
     std::size_t flushed_ = 0, nextSys_ = 0;
     int orphan_ = -1;
     GameImage out_;
-    std::vector<uint32_t> labels_, pics_, tables_, fns_, funcRefs_;
+    std::vector<uint32_t> labels_, pics_, tables_, fns_, funcRefs_, calls_;
     std::vector<std::pair<uint32_t, int>> fixes_;
     std::map<uint32_t, const char*> placed_;
     std::vector<std::tuple<uint32_t, uint32_t, const char*>> regions_;

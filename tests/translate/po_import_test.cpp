@@ -30,9 +30,12 @@ struct Stage {
     TempDir dir;
     std::filesystem::path rom = dir / "game.gba", offsets = dir / "QLNE.ini", po = dir / "texts.po";
 
-    ImportPlan Plan(std::int32_t freeSpaceOffset = 0x200000, Progress* progress = nullptr) const {
+    ImportPlan Plan(std::int32_t freeSpaceOffset = 0x200000, Progress* progress = nullptr,
+                    bool rewriteUnknown = false) const {
         NoProgress none;
-        return PlanImport({rom, offsets, po, freeSpaceOffset}, progress ? *progress : none);
+        ImportRequest request{rom, offsets, po, freeSpaceOffset};
+        request.rewriteUnknown = rewriteUnknown;
+        return PlanImport(request, progress ? *progress : none);
     }
     void WriteTranslations(const std::vector<PoMessage>& messages) const {
         WritePo(po, {{{"Content-Type", "text/plain; charset=UTF-8"}, {"X-Game-Code", "QLNE"}}, messages});
@@ -102,7 +105,9 @@ protected:
             .Put(0x100000, Stored("Hello")).Put(0x100010, Stored("Goodbye"))
             .Put(0x100020, Stored("Hi") + "\xFF\xFF\xFF\xFF").Put(0x100030, Stored("One\r\nTwo\r\nThree", true))
             .Put(0x100050, Stored("Yo"))
-            .Pointer(0x50000, 0x100030).Pointer(0x60001, 0x100030).Pointer(0x50010, 0x100050)
+            // A table of three slots, the second to a script that shows Move.
+            .Pointer(0x50000, 0x100030).Pointer(0x50004, 0x60000).Pointer(0x50010, 0x100050)
+            .PutHex(0x60000, "67").Pointer(0x60001, 0x100030).PutHex(0x60005, "02")
             .Save(s.rom);
         WriteFile(s.offsets, "[A]\r\nSame=100000\r\nShort=100010\r\nGrow=100020\r\nMove=100030\r\nAlso=100030\r\n"
                              "Yo=100050\r\n");
@@ -183,6 +188,18 @@ TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
     const ImportPlan full = s.Plan(0x2FFFF0);
     ASSERT_EQ(full.Count(ImportKind::Moved), 0u);
     EXPECT_NE(DescribePlan(full).find("A/Move: it needs moving, but no free space is left for it"), std::string::npos);
+}
+
+TEST_F(ImportKinds, APlaceOfUnknownUseKeepsTheTextUnlessTheUserRewritesIt) {
+    WriteFile(s.rom, ReadFile(s.rom).replace(0x70001, 4, PointerBytes(0x100050)));  // unaligned, in data
+    for (bool rewrite : {false, true}) {
+        const ImportPlan plan = s.Plan(0x200000, nullptr, rewrite);
+        const auto yo = std::ranges::find(plan.changes, "A/Yo", &ImportChange::context);
+        EXPECT_EQ(yo != plan.changes.end(), rewrite) << DescribePlan(plan);
+        if (rewrite) EXPECT_EQ(yo->pointers, 2u);
+        else EXPECT_THAT(DescribePlan(plan), HasSubstr("A/Yo: it needs moving, and 1 place of unknown use holds its "
+                                                       "pointer: 070001 (unaligned word in data)"));
+    }
 }
 
 TEST_F(ImportKinds, ACutAtAnyWriteLeavesTheFilesAsBeforeOrAsAfter) {
