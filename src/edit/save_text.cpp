@@ -9,7 +9,7 @@
 #include "core/file_io.h"
 #include "edit/text_view.h"
 #include "fit/fit_settings.h"
-#include "offsets/ini_document.h"
+#include "core/ini_document.h"
 #include "offsets/offset_file.h"
 
 #include <quillon/codec.h>

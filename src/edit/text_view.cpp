@@ -9,6 +9,7 @@
 #include <quillon/codec.h>
 #include <quillon/rom.h>
 
+#include "core/codec/text_bytes.h"
 #include "core/file_io.h"
 #include "edit/write_plan.h"
 

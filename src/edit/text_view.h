@@ -10,9 +10,6 @@ namespace quillon {
 
 class Session;
 
-// The longest text the editor reads.
-inline constexpr std::int16_t kMaxTextBytes = 10000;
-
 // Loads the selected tree entry's text (nothing when no node is selected; a
 // section node empties the editor). Errors end it silently.
 void Text_Load(Session& session);

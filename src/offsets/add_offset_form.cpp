@@ -4,7 +4,7 @@
 #include "app/session.h"
 #include "core/file_io.h"
 #include "edit/commit.h"
-#include "offsets/ini_document.h"
+#include "core/ini_document.h"
 #include "offsets/offset_file.h"
 #include "offsets/offset_text.h"
 

@@ -3,7 +3,7 @@
 #include "app/session.h"
 #include "core/file_io.h"
 #include "edit/text_view.h"
-#include "offsets/ini_document.h"
+#include "core/ini_document.h"
 
 #include <quillon/errors.h>
 #include <quillon/header.h>

@@ -2,7 +2,7 @@
 #include "core/hex_text.h"
 
 #include "core/codec/tables.h"
-#include "edit/text_view.h"
+#include "core/codec/text_bytes.h"
 #include "edit/write_plan.h"
 
 #include <quillon/codec.h>

@@ -2,7 +2,7 @@
 #include "discover/find_texts.h"
 #include "discover/offset_merge.h"
 #include "offsets/add_offset_form.h"
-#include "offsets/ini_document.h"
+#include "core/ini_document.h"
 #include "support/progress_recorder.h"
 #include "support/workspace.h"
 
