@@ -138,9 +138,7 @@ Step Repoint(Session& session, std::int32_t newLength) {
     }
     const std::string oldPointer = HexToBytes(PointerHex(PadHex(oldOffset)));
     const std::string newPointer = HexToBytes(PointerHex(newOffsetText));
-    std::vector<BytesAt> blocks;
-    for (auto& p : ScanPointerRewrites(session.romPath, oldPointer, newPointer))
-        blocks.push_back({p.offset, std::move(p.bytes)});
+    std::vector<BytesAt> blocks = ScanPointerRewrites(session.romPath, oldPointer, newPointer);
     if (!ChooseRewrites(session, blocks)) return Step::Stop;
     if (blocks.empty()) {
         session.prompter.Message(Icon::Critical, "The text pointer wasn't found!\r\nThe text can't be edited!");

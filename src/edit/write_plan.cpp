@@ -242,15 +242,15 @@ void CheckWritable(const WritePlan& plan) {
     }
 }
 
-std::vector<io::Patch> Patches(const WritePlan& plan, bool after) {
-    std::vector<io::Patch> patches;
+std::vector<BytesAt> Patches(const WritePlan& plan, bool after) {
+    std::vector<BytesAt> patches;
     for (const auto& w : plan.romWrites) patches.push_back({w.offset, after ? w.after : w.before});
     return patches;
 }
 
 // Puts the plan's old state back where the new one (or part of it) landed.
 void PutBack(const WritePlan& plan) {
-    std::vector<io::Patch> patches = Patches(plan, false);
+    std::vector<BytesAt> patches = Patches(plan, false);
     std::reverse(patches.begin(), patches.end());
     if (!patches.empty()) io::WritePatches(plan.rom, patches);
     if (plan.offsetFile && ReadIfExists(*plan.offsetFile) != plan.offsetBefore) {
@@ -322,7 +322,7 @@ CommitResult CommitPlan(const WritePlan& plan) {
 
     CommitResult result;
     try {
-        std::vector<io::Patch> patches = Patches(plan, true);
+        std::vector<BytesAt> patches = Patches(plan, true);
         if (!patches.empty()) io::WritePatches(plan.rom, patches);
         if (plan.offsetFile) io::ReplaceFile(*plan.offsetFile, plan.offsetAfter);
     } catch (const FileError& e) {

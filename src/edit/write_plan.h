@@ -7,6 +7,8 @@
 // journal. A journal found later means a write was cut off: RecoverPending
 // puts the recorded state back, but only when the files still look as the
 // journal says they may.
+#include "core/bytes_at.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -64,12 +66,6 @@ struct CommitResult {
 };
 
 std::filesystem::path JournalPath(const std::filesystem::path& rom);
-
-// One block to put at an offset, as a command thinks of its writes.
-struct BytesAt {
-    std::uint64_t offset = 0;
-    std::string bytes;
-};
 
 // Turns blocks, applied in order (a later one wins where they overlap), into
 // non-overlapping ranges whose `before` is read from the ROM now.
