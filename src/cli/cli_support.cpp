@@ -3,7 +3,7 @@
 #include "app/session.h"
 #include "core/file_io.h"
 #include "edit/free_space.h"
-#include "edit/write_plan.h"
+#include "store/write_plan.h"
 #include "translate/rom_texts.h"
 
 #include <quillon/header.h>

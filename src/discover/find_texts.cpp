@@ -1,10 +1,10 @@
 #include "discover/find_texts.h"
 
+#include "app/commit.h"
 #include "app/progress.h"
 #include "app/session.h"
 #include "core/file_io.h"
 #include "discover/offset_merge.h"
-#include "edit/commit.h"
 #include "offsets/offset_file.h"
 
 #include <quillon/errors.h>

@@ -2,7 +2,7 @@
 // Before a repoint writes anything: when some places of the old pointer look
 // like program code rather than references, the user chooses whether to
 // rewrite only the references or every place as before.
-#include "edit/write_plan.h"
+#include "core/bytes_at.h"
 
 #include <vector>
 

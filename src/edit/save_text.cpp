@@ -1,15 +1,15 @@
 #include "edit/save_text.h"
 #include "core/hex_text.h"
 
+#include "app/commit.h"
 #include "app/session.h"
-#include "edit/free_space.h"
-#include "discover/repoint_choice.h"
-#include "edit/pointer_scan.h"
-#include "edit/commit.h"
 #include "core/file_io.h"
+#include "core/ini_document.h"
+#include "discover/repoint_choice.h"
+#include "edit/free_space.h"
+#include "edit/pointer_scan.h"
 #include "edit/text_view.h"
 #include "fit/fit_settings.h"
-#include "core/ini_document.h"
 #include "offsets/offset_file.h"
 
 #include <quillon/codec.h>

@@ -11,7 +11,7 @@
 
 #include "core/codec/text_bytes.h"
 #include "core/file_io.h"
-#include "edit/write_plan.h"
+#include "store/write_plan.h"
 
 #include <cstdio>
 #include <exception>

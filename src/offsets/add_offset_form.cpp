@@ -1,12 +1,13 @@
 #include "offsets/add_offset_form.h"
 #include "core/hex_text.h"
 
+#include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
-#include "edit/commit.h"
 #include "core/ini_document.h"
 #include "offsets/offset_file.h"
 #include "offsets/offset_text.h"
+#include "store/writer.h"
 
 #include <quillon/errors.h>
 

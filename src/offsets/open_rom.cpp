@@ -1,10 +1,10 @@
 #include "offsets/open_rom.h"
 
+#include "app/commit.h"
 #include "app/progress.h"
 #include "app/session.h"
 #include "core/file_io.h"
 #include "discover/find_texts.h"
-#include "edit/commit.h"
 #include "edit/text_view.h"
 #include "offsets/offset_file.h"
 

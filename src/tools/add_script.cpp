@@ -1,9 +1,9 @@
 #include "tools/add_script.h"
 #include "core/hex_text.h"
 
+#include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
-#include "edit/commit.h"
 #include "edit/free_space.h"
 #include "offsets/add_offset_form.h"
 

@@ -3,7 +3,7 @@
 
 #include "core/codec/tables.h"
 #include "core/codec/text_bytes.h"
-#include "edit/write_plan.h"
+#include "store/write_plan.h"
 
 #include <quillon/codec.h>
 #include <quillon/rom.h>

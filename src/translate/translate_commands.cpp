@@ -1,8 +1,8 @@
 #include "translate/translate_commands.h"
 
+#include "app/commit.h"
 #include "app/progress.h"
 #include "app/session.h"
-#include "edit/commit.h"
 #include "edit/free_space.h"
 #include "fit/fit_settings.h"
 #include "offsets/offset_file.h"

@@ -3,12 +3,13 @@
 // every refusal before the first write, and what a save does when the world is hostile: cut off after
 // any write, the ROM changed by another program, a journal left behind,
 // offsets that point where no text can be written.
+#include "app/commit.h"
 #include "core/file_io.h"
-#include "edit/commit.h"
 #include "edit/save_text.h"
 #include "edit/text_view.h"
-#include "edit/write_plan.h"
 #include "offsets/add_offset_form.h"
+#include "store/journal.h"
+#include "store/writer.h"
 #include "support/save_messages.h"
 #include "support/workspace.h"
 

@@ -3,8 +3,8 @@
 // free space, and the editor text exported to a file.
 #include "core/file_io.h"
 #include "edit/free_space.h"
-#include "edit/write_plan.h"
 #include "offsets/add_offset_form.h"
+#include "store/journal.h"
 #include "support/workspace.h"
 #include "tools/add_script.h"
 #include "tools/export_text.h"

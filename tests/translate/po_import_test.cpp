@@ -1,13 +1,15 @@
 // Import of a translated PO file: what is planned, what is refused, what
 // lands in the ROM and the offset file, and what a cut-off write leaves.
 #include "core/file_io.h"
+#include "store/journal.h"
+#include "store/recovery.h"
+#include "support/progress_recorder.h"
+#include "support/translation_game.h"
+#include "support/workspace.h"
 #include "translate/offset_entries.h"
 #include "translate/po_file.h"
 #include "translate/po_import.h"
 #include "translate/rom_texts.h"
-#include "support/progress_recorder.h"
-#include "support/translation_game.h"
-#include "support/workspace.h"
 
 #include <quillon/codec.h>
 #include <quillon/rom.h>
@@ -196,7 +198,7 @@ TEST_F(ImportKinds, ACutAtAnyWriteLeavesTheFilesAsBeforeOrAsAfter) {
         const ImportPlan plan = s.Plan();
         if (io::ScopedWriteHook hook(io::StopAfterWrites(writes)); ApplyImport(plan).outcome != CommitOutcome::Written)
             ++cutOffs;
-        RecoverPending(s.rom);
+        EXPECT_NE(RecoverPending(s.rom).outcome, RecoveryOutcome::Refused) << writes;
         const auto now = std::pair(ReadFile(s.rom), ReadFile(s.offsets));
         EXPECT_TRUE(now == std::pair(romBefore, offsetsBefore) || now == std::pair(romAfter, offsetsAfter)) << writes;
         EXPECT_FALSE(FileExists(JournalPath(s.rom))) << writes;
