@@ -11,6 +11,7 @@
 #include "edit/text_view.h"
 #include "fit/fit_settings.h"
 #include "offsets/offset_file.h"
+#include "store/write_plan.h"
 
 #include <quillon/codec.h>
 #include <quillon/errors.h>
@@ -22,8 +23,6 @@ namespace quillon {
 namespace {
 
 constexpr std::string_view kAskTitle = "Do you really want to do that?";
-constexpr std::int32_t kLowestPointable = 0x100000;
-constexpr std::int32_t kHighestPointable = 0xFFFFFF;
 
 std::string Repeat(std::string_view piece, std::size_t times) {
     std::string out;
@@ -35,8 +34,6 @@ std::string Repeat(std::string_view piece, std::size_t times) {
 void Refuse(Session& session, const std::string& why) {
     session.prompter.Message(Icon::Critical, why + "\r\nNothing was written.");
 }
-
-bool Pointable(std::int32_t offset) { return offset >= kLowestPointable && offset <= kHighestPointable; }
 
 // Adds the offset file to the plan: the selected entry gets the new offset, but
 // only when it is the text being moved (a text opened by its offset need not

@@ -10,12 +10,19 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillon {
 
 // The first byte a command may write: the cartridge header lies below it.
 inline constexpr std::uint64_t kFirstWritableOffset = 0xC0;
+
+// A pointer reaches the offsets from kLowestPointable to kHighestPointable;
+// a text or script that something points to must lie there.
+inline constexpr std::uint32_t kLowestPointable = 0x100000;
+inline constexpr std::uint32_t kHighestPointable = 0xFFFFFF;
+inline constexpr bool Pointable(std::int64_t offset) { return offset >= kLowestPointable && offset <= kHighestPointable; }
 
 // One ROM range: `before` is what must be there now, `after` what goes there.
 // Both have the same length.
@@ -56,8 +63,12 @@ struct ChangedOnDisk : PlanRefused {
 };
 
 // Turns blocks, applied in order (a later one wins where they overlap), into
-// non-overlapping ranges whose `before` is read from the ROM now. Throws
-// PlanRefused when a block reaches past the end.
+// non-overlapping ranges sorted by offset. Blocks at most `joinGap` bytes
+// apart share one range with the bytes between them. `before` is read from
+// the ROM now, or from `image`, the ROM held in memory. Throws PlanRefused
+// when a block reaches past the end.
 [[nodiscard]] std::vector<RomWrite> RangesFor(const std::filesystem::path& rom, const std::vector<BytesAt>& blocks);
+[[nodiscard]] std::vector<RomWrite> RangesFor(std::string_view image, const std::vector<BytesAt>& blocks,
+                                              std::uint64_t joinGap);
 
 }  // namespace quillon
