@@ -11,12 +11,14 @@
 #include "edit/text_view.h"
 #include "fit/fit_settings.h"
 #include "offsets/offset_file.h"
+#include "store/disk_check.h"
 #include "store/write_plan.h"
 
 #include <quillon/codec.h>
 #include <quillon/errors.h>
 #include <quillon/rom.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace quillon {
@@ -61,29 +63,32 @@ void MoveOffsetEntry(Session& session, WritePlan& plan, std::int32_t oldOffset, 
 
 enum class Step { Done, Stop };
 
-// The shown text's bytes as they were loaded, still in the ROM: nothing when
-// they are, else what differs.
-std::optional<std::string> ChangedSinceLoad(const Session& session) {
-    const LoadedText& loaded = session.loaded;
-    const std::uint64_t size = io::FileSize(session.romPath);
-    if (size != loaded.romSize)
-        return "The ROM was changed outside Quillon since the text was loaded: its size is now " +
-               std::to_string(size) + " bytes instead of " + std::to_string(loaded.romSize) + ".";
-    if (io::ReadAt(session.romPath, loaded.offset, loaded.bytes.size()) != loaded.bytes)
-        return "The ROM was changed outside Quillon since the text was loaded: the text's bytes at offset " +
-               PlainHex(static_cast<std::int32_t>(loaded.offset)) + " are no longer the ones shown.";
-    return std::nullopt;
+// The shown text's place as the text was loaded there: what a save expects
+// to find before it writes anything.
+WritePlan AsLoaded(const Session& session) {
+    WritePlan plan;
+    plan.rom = session.romPath;
+    plan.romSize = session.loaded.romSize;
+    plan.romWrites.push_back({session.loaded.offset, session.loaded.bytes, session.loaded.bytes});
+    return plan;
 }
 
+// The writes of `blocks`, expecting the text's place to hold the text as it
+// was loaded, so that the writer also notices a change made while the user
+// answered a question.
 WritePlan PlanFor(const Session& session, std::vector<BytesAt> blocks) {
-    WritePlan plan;
+    WritePlan plan = AsLoaded(session);  // its ranges follow
     plan.command = "Save Text";
     plan.subject = session.tree.SelectedParentText();
     if (const TreeNode* node = session.tree.SelectedNode(); node && !IsSectionNodeKey(node->key))
         plan.subject += " / " + KeyNameOf(node->key);
-    plan.rom = session.romPath;
-    plan.romSize = session.loaded.romSize;
     plan.romWrites = RangesFor(session.romPath, blocks);
+    const LoadedText& loaded = session.loaded;
+    for (RomWrite& w : plan.romWrites) {
+        const std::uint64_t from = std::max(w.offset, loaded.offset);
+        const std::uint64_t to = std::min(w.offset + w.before.size(), loaded.offset + loaded.bytes.size());
+        if (from < to) loaded.bytes.copy(w.before.data() + (from - w.offset), to - from, from - loaded.offset);
+    }
     return plan;
 }
 
@@ -165,7 +170,7 @@ Step Save(Session& session) {
         return Step::Stop;
     }
     if (!fit::ConfirmFitBeforeSave(session)) return Step::Stop;  // a line over the message box
-    if (auto changed = ChangedSinceLoad(session)) {
+    if (auto changed = ChangedSinceRead(AsLoaded(session))) {
         Refuse(session, *changed);
         OfferReload(session);
         return Step::Stop;

@@ -390,6 +390,18 @@ TEST_F(Save, ChangedOrWriteProtectedFilesStopTheSaveBeforeAnyWrite) {
     }
 }
 
+// The text's place is expected as it was loaded up to the write itself.
+TEST_F(Save, AChangeMadeWhileAQuestionIsOpenIsNotOverwritten) {
+    Prepared();
+    std::string changed = Take().rom;
+    changed[kText + 1] = '\xDA';
+    w->user.atNextQuestion = [&] { WriteFile(w->Rom(), changed); };
+    w->user.Yes().Yes();  // repoint, then reload
+    SaveText(w->session);
+    EXPECT_EQ(w->RomBytes(), changed);
+    EXPECT_TRUE(Mentions(w->user.Take(), "changed outside Quillon since the text was loaded"));
+}
+
 TEST_F(Save, TheWriterRefusesPlansThatNoLongerMatchTheFiles) {
     Build();
     const auto rom = w->Rom();

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace quillon::test {
 
 std::ostream& operator<<(std::ostream& os, const Shown& s) {
@@ -39,6 +41,7 @@ void FakePrompter::Message(Icon icon, std::string_view text, std::string_view ti
 
 bool FakePrompter::AskYesNo(std::string_view text, std::string_view title) {
     shown.push_back({Shown::Question, std::string(text), std::string(title), Icon::Question});
+    if (auto act = std::exchange(atNextQuestion, nullptr)) act();
     return Next<bool>("question").value_or(false);
 }
 

@@ -60,6 +60,9 @@ public:
     std::vector<Shown> shown;
     std::deque<Answer> answers;
     std::vector<std::string> inputDefaults;  // default texts of the input prompts
+    // Runs once when the next question is shown, before it is answered (as
+    // another program might act while the question is open).
+    std::function<void()> atNextQuestion;
 
 private:
     template <class T>
