@@ -5,7 +5,7 @@
 #include "core/file_io.h"
 #include "discover/discover.h"
 #include "discover/offset_merge.h"
-#include "offsets/offset_file.h"
+#include "edit/text_view.h"
 #include "support/text_rom.h"
 
 #include <quillon/core.h>

@@ -9,7 +9,6 @@
 #include "edit/free_space.h"
 #include "edit/pointer_scan.h"
 #include "edit/text_view.h"
-#include "fit/fit_settings.h"
 #include "offsets/offset_file.h"
 #include "store/disk_check.h"
 #include "store/write_plan.h"
@@ -159,7 +158,7 @@ Step Repoint(Session& session, std::int32_t newLength) {
 }
 
 // Everything up to the final write; Done means the text is on disk.
-Step Save(Session& session) {
+Step Save(Session& session, const AskBeforeSave& askFirst) {
     auto& c = session.controls;
     if (!c.saveRefusal.empty()) {
         Refuse(session, c.saveRefusal);
@@ -169,7 +168,7 @@ Step Save(Session& session) {
         Refuse(session, session.readOnlyReason);
         return Step::Stop;
     }
-    if (!fit::ConfirmFitBeforeSave(session)) return Step::Stop;  // a line over the message box
+    if (!askFirst(session)) return Step::Stop;
     if (auto changed = ChangedSinceRead(AsLoaded(session))) {
         Refuse(session, *changed);
         OfferReload(session);
@@ -226,11 +225,11 @@ Step Save(Session& session) {
 
 }  // namespace
 
-void SaveText(Session& session) {
+void SaveText(Session& session, const AskBeforeSave& askFirst) {
     auto& c = session.controls;
     c.saveEnabled = false;
     try {
-        if (Save(session) == Step::Done) {
+        if (Save(session, askFirst) == Step::Done) {
             session.prompter.Message(Icon::Information, "Text has been saved.", "Saved!");
             c.specialDialog = false;
             session.oldTextLength = 0;

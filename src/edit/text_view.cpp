@@ -1,8 +1,8 @@
 #include "edit/text_view.h"
 
 #include "app/session.h"
+#include "edit/add_offset_form.h"
 #include "edit/drafts.h"
-#include "offsets/add_offset_form.h"
 #include "offsets/offset_file.h"
 #include "offsets/offset_text.h"
 
@@ -101,6 +101,16 @@ void LoadTextAt(Session& session, std::string_view offsetHex) {
     }
     c.saveEnabled = !c.japaneseTable && c.saveRefusal.empty() && session.readOnlyReason.empty();
     UpdateRepointCounter(session);
+}
+
+void Tree_Load(Session& session) {
+    if (LoadTree(session)) Text_Load(session);
+    session.Changed();
+}
+
+void Tree_Load(Session& session, std::string_view section, std::string_view key) {
+    if (LoadTree(session, section, key)) Text_Load(session);
+    session.Changed();
 }
 
 void Text_Load(Session& session) {

@@ -2,8 +2,8 @@
 
 #include "app/commit.h"
 #include "app/session.h"
+#include "edit/text_view.h"
 #include "history/patch.h"
-#include "offsets/offset_file.h"
 #include "store/replay.h"
 
 #include <quillon/errors.h>

@@ -4,8 +4,8 @@
 #include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
+#include "edit/add_offset_form.h"
 #include "edit/free_space.h"
-#include "offsets/add_offset_form.h"
 #include "store/write_plan.h"
 
 #include <quillon/codec.h>

@@ -4,8 +4,8 @@
 #include "app/progress.h"
 #include "app/session.h"
 #include "edit/free_space.h"
+#include "edit/text_view.h"
 #include "fit/fit_settings.h"
-#include "offsets/offset_file.h"
 #include "translate/po_export.h"
 #include "translate/po_import.h"
 

@@ -5,9 +5,10 @@
 // offsets that point where no text can be written.
 #include "app/commit.h"
 #include "core/file_io.h"
+#include "edit/add_offset_form.h"
 #include "edit/save_text.h"
 #include "edit/text_view.h"
-#include "offsets/add_offset_form.h"
+#include "fit/fit_settings.h"
 #include "store/journal.h"
 #include "store/writer.h"
 #include "support/save_messages.h"
@@ -90,14 +91,14 @@ protected:
     std::vector<Shown> SaveAs(std::string text, std::vector<bool> answers) {
         w->session.controls.text1.SetText(std::move(text));
         for (bool a : answers) w->user.Then(a);
-        SaveText(w->session);
+        SaveText(w->session, fit::ConfirmFitBeforeSave);
         return w->user.Take();
     }
     // The prepared repoint cut off after its first `writes` writes, leaving the journal.
     void SaveCutOff(int writes) {
         io::ScopedWriteHook hook(io::StopAfterWrites(writes));
         w->user.Yes();
-        SaveText(w->session);
+        SaveText(w->session, fit::ConfirmFitBeforeSave);
     }
     Snapshot Take() const { return {w->RomBytes(), ReadFile(w->OffsetFile())}; }
     std::string At(std::size_t offset, std::size_t count) const { return w->RomBytes().substr(offset, count); }
@@ -236,7 +237,7 @@ TEST_F(Save, SelectingShowsTheTextInEitherTableAndTheCounterTellsBytesLeftOrByte
 TEST_F(Save, ATextOpenedByItsDecimalOffsetIsSavedWithoutTouchingAnEntry) {
     Build(Rom().Pointer(0x50020, 0x100100));
     // Mom stays selected; the text at 0x100100 ("Men") is opened by its offset.
-    w->user.Then(std::string("1048832")).Then(FakePrompter::AddOffsetAction([&](AddOffsetForm& f) {
+    w->user.Then(std::string("1048832")).Then(FakePrompter::AddOffsetAction([&](AddOffsetFields& f) {
         EXPECT_FALSE(f.offsetEnabled);
     }));
     ViewOffset(w->session);
@@ -270,7 +271,7 @@ TEST_F(Save, ARepointCutAfterAnyWriteComesBackAsBeforeOrAfter) {
     Prepared();
     const Snapshot before = Take();
     w->user.Yes();
-    SaveText(w->session);
+    SaveText(w->session, fit::ConfirmFitBeforeSave);
     const Snapshot after = Take();
 
     int cutOffs = 0;
@@ -311,7 +312,7 @@ TEST_F(Save, APendingJournalIsReplayedBeforeTheNextSaveAndNeverOverwritten) {
         }
         w->user.Take();
         w->user.Yes();
-        SaveText(w->session);
+        SaveText(w->session, fit::ConfirmFitBeforeSave);
         auto shown = w->user.Take();
         EXPECT_TRUE(Mentions(shown, kSaveRestored)) << form;
         EXPECT_EQ(shown.back(), kSaved) << form;
@@ -353,7 +354,7 @@ TEST_F(Save, AJournalThatNoLongerFitsTheFilesIsKeptAndTheRomOpensReadOnly) {
 
         w->Select("Town", "Mom");
         EXPECT_FALSE(w->session.controls.saveEnabled);
-        SaveText(w->session);
+        SaveText(w->session, fit::ConfirmFitBeforeSave);
         EXPECT_EQ(Take(), meddled);
     }
 }
@@ -383,7 +384,7 @@ TEST_F(Save, ChangedOrWriteProtectedFilesStopTheSaveBeforeAnyWrite) {
         c.meddle(*w);
         const Snapshot meddled = Take();
         w->user.Yes().Yes();  // repoint (when asked), then reload
-        SaveText(w->session);
+        SaveText(w->session, fit::ConfirmFitBeforeSave);
         EXPECT_EQ(Take(), meddled);
         EXPECT_TRUE(Mentions(w->user.Take(), c.message));
         EXPECT_FALSE(JournalLeft());
@@ -397,7 +398,7 @@ TEST_F(Save, AChangeMadeWhileAQuestionIsOpenIsNotOverwritten) {
     changed[kText + 1] = '\xDA';
     w->user.atNextQuestion = [&] { WriteFile(w->Rom(), changed); };
     w->user.Yes().Yes();  // repoint, then reload
-    SaveText(w->session);
+    SaveText(w->session, fit::ConfirmFitBeforeSave);
     EXPECT_EQ(w->RomBytes(), changed);
     EXPECT_TRUE(Mentions(w->user.Take(), "changed outside Quillon since the text was loaded"));
 }
@@ -447,7 +448,7 @@ TEST_F(Save, BytesTheEditorCannotReproduceAreNamedAndSavingAsksFirst) {
     const std::string note = w->session.controls.roundTripNote;
     EXPECT_NE(note.find("from byte 2 on, the ROM holds FE FE C3"), std::string::npos) << note;
     w->user.No();
-    SaveText(w->session);
+    SaveText(w->session, fit::ConfirmFitBeforeSave);
     EXPECT_THAT(w->user.Take(), ElementsAre(Field(&Shown::kind, Shown::Question)));
     EXPECT_EQ(w->RomBytes(), rom.bytes());
 }

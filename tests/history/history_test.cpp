@@ -3,10 +3,11 @@
 // undo refuses changed ranges, survives a cut at any write, shows a damaged or
 // missing folder as empty with its reason, and keeps within its size limit.
 #include "core/file_io.h"
+#include "edit/add_offset_form.h"
 #include "edit/save_text.h"
+#include "fit/fit_settings.h"
 #include "history/history_commands.h"
 #include "history/patch.h"
-#include "offsets/add_offset_form.h"
 #include "store/recovery.h"
 #include "store/replay.h"
 #include "store/writer.h"
@@ -72,7 +73,7 @@ protected:
                                             : "Hello again, number " + std::to_string(i);
         w.session.controls.text1.SetText(text);
         w.user.answers.assign(2, FakePrompter::Answer(true));  // shorter or longer: go on
-        SaveText(w.session);
+        SaveText(w.session, fit::ConfirmFitBeforeSave);
     }
     // Writes `bytes` at `offset` and a line into the offset file, through the writer.
     void Write(std::uint64_t offset, std::string bytes) {

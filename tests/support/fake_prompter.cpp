@@ -74,7 +74,7 @@ std::optional<std::filesystem::path> FakePrompter::SaveFile(std::string_view tit
     return Next<std::filesystem::path>("save dialog");
 }
 
-void FakePrompter::ShowAddOffset(AddOffsetForm& form) {
+void FakePrompter::ShowAddOffset(AddOffsetFields& form) {
     shown.push_back({Shown::AddOffset, "Add Offset to INI", "", Icon::Information});
     if (auto action = Next<AddOffsetAction>("add-offset window")) (*action)(form);
 }
