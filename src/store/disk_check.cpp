@@ -48,9 +48,11 @@ std::optional<std::string> ChangedSinceRead(const WritePlan& plan) {
                std::to_string(plan.romSize) + ".";
     for (std::size_t i = 0; i < found.romWrites.size(); ++i)
         if (!found.romWrites[i].before)
-            return outside + ": the bytes at offset " + PlainHex(plan.romWrites[i].offset) + " differ from the ones it read.";
+            return outside + ": the bytes at offset " + PlainHex(plan.romWrites[i].offset) +
+                   " differ from the ones it read.";
     if (!found.offsetFile.before)
-        return "The offset file '" + plan.offsetFile->filename().string() + "' was changed outside Quillon since it was read.";
+        return "The offset file '" + plan.offsetFile->filename().string() +
+               "' was changed outside Quillon since it was read.";
     return std::nullopt;
 }
 

@@ -22,7 +22,9 @@ inline constexpr std::uint64_t kFirstWritableOffset = 0xC0;
 // a text or script that something points to must lie there.
 inline constexpr std::uint32_t kLowestPointable = 0x100000;
 inline constexpr std::uint32_t kHighestPointable = 0xFFFFFF;
-inline constexpr bool Pointable(std::int64_t offset) { return offset >= kLowestPointable && offset <= kHighestPointable; }
+[[nodiscard]] inline constexpr bool Pointable(std::int64_t offset) {
+    return offset >= kLowestPointable && offset <= kHighestPointable;
+}
 
 // One ROM range: `before` is what must be there now, `after` what goes there.
 // Both have the same length.
