@@ -19,7 +19,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <memory>
 
@@ -45,34 +44,6 @@ bool Mentions(const std::vector<Shown>& shown, std::string_view text) {
     for (const auto& s : shown)
         if (s.text.find(text) != std::string::npos) return true;
     return false;
-}
-
-// A pending journal as earlier versions wrote it: bytes as hex digits, the
-// lines checked by FNV-1a (form 2) or CRC-32 (form 3).
-std::string EarlierForm(const std::filesystem::path& rom, int form) {
-    const WritePlan plan = ReadJournal(JournalPath(rom), rom).value();
-    auto hex = [](std::string_view bytes) {
-        std::string out = bytes.empty() ? "-" : "";
-        for (unsigned char b : bytes) out += "0123456789ABCDEF"[b >> 4], out += "0123456789ABCDEF"[b & 15];
-        return out;
-    };
-    std::string body = "QUILLON WRITE JOURNAL " + std::to_string(form) + "\ncommand " + hex(plan.command) +
-                       "\nsubject " + hex(plan.subject) + "\nsize " + std::to_string(plan.romSize) + "\n";
-    if (plan.offsetFile)
-        body += "ini " + hex(plan.offsetFile->string()) + (plan.offsetBefore ? " 1 " : " 0 ") +
-                hex(plan.offsetBefore.value_or("")) + " " + hex(plan.offsetAfter) + "\n";
-    for (const RomWrite& w : plan.romWrites)
-        body += "rom " + std::to_string(w.offset) + " " + hex(w.before) + " " + hex(w.after) + "\n";
-    char sum[24];
-    if (form == 2) {
-        std::uint64_t h = 1469598103934665603ull;
-        for (char c : body) h = (h ^ static_cast<unsigned char>(c)) * 1099511628211ull;
-        std::snprintf(sum, sizeof sum, "%016llx", static_cast<unsigned long long>(h));
-    } else {
-        std::snprintf(sum, sizeof sum, "%08lx",
-                      crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size())));
-    }
-    return body + "end " + sum + "\n";
 }
 
 class Save : public ::testing::Test {
@@ -303,22 +274,15 @@ TEST_F(Save, APendingJournalIsReplayedBeforeTheNextSaveAndNeverOverwritten) {
     EXPECT_THROW(CommitPlan(other), PlanRefused);
     EXPECT_EQ(ReadFile(JournalPath(w->Rom())), journal);
 
-    // The same session's next save replays it first (also in the earlier forms), then saves.
-    for (int form : {4, 3, 2}) {
-        if (form != 4) {
-            Prepared();
-            SaveCutOff(3);
-            WriteFile(JournalPath(w->Rom()), EarlierForm(w->Rom(), form));
-        }
-        w->user.Take();
-        w->user.Yes();
-        SaveText(w->session, fit::ConfirmFitBeforeSave);
-        auto shown = w->user.Take();
-        EXPECT_TRUE(Mentions(shown, kSaveRestored)) << form;
-        EXPECT_EQ(shown.back(), kSaved) << form;
-        EXPECT_FALSE(JournalLeft()) << form;
-        EXPECT_NE(Take().rom, before.rom) << form;
-    }
+    // The same session's next save replays it first, then saves.
+    w->user.Take();
+    w->user.Yes();
+    SaveText(w->session, fit::ConfirmFitBeforeSave);
+    auto shown = w->user.Take();
+    EXPECT_TRUE(Mentions(shown, kSaveRestored));
+    EXPECT_EQ(shown.back(), kSaved);
+    EXPECT_FALSE(JournalLeft());
+    EXPECT_NE(Take().rom, before.rom);
 }
 
 TEST_F(Save, AJournalThatNoLongerFitsTheFilesIsKeptAndTheRomOpensReadOnly) {
