@@ -1,6 +1,7 @@
 #pragma once
-// The add-offset window as state and commands: section, text name and decimal
-// offset of a new offset-file entry. The window binds its controls to this.
+// The add-offset window's fields (app/add_offset_fields.h) filled for the
+// open game's offset file: section, text name and decimal offset of a new
+// entry, and the command that writes it.
 #include "app/add_offset_fields.h"
 
 #include <quillon/inifile.h>
