@@ -7,8 +7,8 @@
 #include "core/file_io.h"
 #include "discover/discover.h"
 #include "discover/offset_merge.h"
+#include "edit/text_view.h"
 #include "game/words.h"
-#include "offsets/offset_file.h"
 #include "support/game_image.h"
 
 #include <quillon/core.h>

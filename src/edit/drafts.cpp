@@ -2,6 +2,7 @@
 
 #include "app/session.h"
 #include "core/file_io.h"
+#include "core/codec/text_bytes.h"
 #include "edit/text_view.h"
 
 #include <quillon/codec.h>

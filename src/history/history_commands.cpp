@@ -1,10 +1,10 @@
 #include "history/history_commands.h"
 
+#include "app/commit.h"
 #include "app/session.h"
-#include "edit/commit.h"
-#include "history/history.h"
+#include "edit/text_view.h"
 #include "history/patch.h"
-#include "offsets/offset_file.h"
+#include "store/replay.h"
 
 #include <quillon/errors.h>
 

@@ -1,11 +1,12 @@
 #include "tools/add_script.h"
 #include "core/hex_text.h"
 
+#include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
-#include "edit/commit.h"
+#include "edit/add_offset_form.h"
 #include "edit/free_space.h"
-#include "offsets/add_offset_form.h"
+#include "store/write_plan.h"
 
 #include <quillon/codec.h>
 #include <quillon/errors.h>
@@ -18,14 +19,12 @@
 namespace quillon {
 namespace {
 
-bool InPointerRange(std::int64_t offset) { return offset >= kMinPointerTarget && offset <= kMaxPointerTarget; }
-
 // Hex digits of either case, leading zeros allowed, as a value a pointer can reach.
 std::optional<std::int32_t> PointerTarget(std::string_view hex) {
     if (!IsHex(hex) || hex.size() > 8) return std::nullopt;
     std::uint32_t value = 0;
     std::from_chars(hex.data(), hex.data() + hex.size(), value, 16);
-    if (!InPointerRange(value)) return std::nullopt;
+    if (!Pointable(value)) return std::nullopt;
     return static_cast<std::int32_t>(value);
 }
 
@@ -57,7 +56,7 @@ void AddScriptForm::AddScript() {
         target = PointerTarget(txtOffset);
         if (!target)
             return refuse("The text offset '" + txtOffset + "' is not a hexadecimal offset from " +
-                          PlainHex(kMinPointerTarget) + " to " + PlainHex(kMaxPointerTarget) + ".");
+                          PlainHex(kLowestPointable) + " to " + PlainHex(kHighestPointable) + ".");
     }
     auto freeSpaceOffset = ReadFreeSpaceOffset(session_);
     if (!freeSpaceOffset) return prompter.Message(Icon::Critical, kBadFreeSpaceOffset);
@@ -73,10 +72,10 @@ void AddScriptForm::AddScript() {
         script = FindFreeSpace(rom, FreeRun(session_.controls.gameCode, data.size() / 2 + 1), *freeSpaceOffset);
         if (script <= 0) return prompter.Message(Icon::Critical, "No free space found.");
         record = fromText ? script + kScriptBytes : script;
-        if (!InPointerRange(record))
+        if (!Pointable(record))
             return refuse("The free space found at offset " + PlainHex(script) +
-                          " lies outside the offsets a script can use (" + PlainHex(kMinPointerTarget) + " to " +
-                          PlainHex(kMaxPointerTarget) + ").");
+                          " lies outside the offsets a script can use (" + PlainHex(kLowestPointable) + " to " +
+                          PlainHex(kHighestPointable) + ").");
         if (fromText) data = ScriptHex(PointerHex(PadHex(record))) + text;
         WritePlan plan;
         plan.command = "Insert Dialog-Script";

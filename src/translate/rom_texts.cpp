@@ -2,8 +2,8 @@
 #include "core/hex_text.h"
 
 #include "core/codec/tables.h"
-#include "edit/text_view.h"
-#include "edit/write_plan.h"
+#include "core/codec/text_bytes.h"
+#include "store/write_plan.h"
 
 #include <quillon/codec.h>
 #include <quillon/rom.h>

@@ -4,27 +4,28 @@
 #include "app/session.h"
 #include "discover/find_texts.h"
 #include "discover/reference_list.h"
-#include "edit/save_text.h"
+#include "edit/add_offset_form.h"
 #include "edit/drafts.h"
+#include "edit/open_rom.h"
+#include "edit/save_text.h"
 #include "edit/tag_commands.h"
 #include "edit/tag_marks.h"
 #include "edit/text_menus.h"
 #include "edit/text_view.h"
-#include "offsets/add_offset_form.h"
-#include "offsets/open_rom.h"
+#include "fit/fit_settings.h"
 #include "tools/export_text.h"
 #include "translate/translate_commands.h"
 #include "ui/about_dialog.h"
-#include "ui/button_pictures.h"
 #include "ui/add_script_dialog.h"
+#include "ui/button_pictures.h"
 #include "ui/explanation_dialogs.h"
 #include "ui/fit_monitor.h"
 #include "ui/history_dialog.h"
-#include "ui/search_dialog.h"
-#include "ui/tag_highlighter.h"
 #include "ui/menu_builder.h"
 #include "ui/progress_dialog.h"
 #include "ui/references_dialog.h"
+#include "ui/search_dialog.h"
+#include "ui/tag_highlighter.h"
 #include "ui/text_bridge.h"
 #include "ui/tree_view_model.h"
 #include "ui/update_dialog.h"
@@ -157,7 +158,7 @@ void MainWindow::BuildControls() {
     save_ = new XPButton(QStringLiteral("Command2"), QStringLiteral("S&ave Text"), this);
     save_->SetPictureNormal(ButtonPicture(QStringLiteral("save"), 16, dpr));
     connect(save_, &XPButton::clicked, this, [this] {
-        if (ConfirmUnencodable(session_)) SaveText(session_);
+        if (ConfirmUnencodable(session_)) SaveText(session_, fit::ConfirmFitBeforeSave);
     });
 
     const char* names[5] = {"XPButton1", "XPButton2", "XPButton3", "XPButton6", "XPButton4"};
@@ -169,7 +170,7 @@ void MainWindow::BuildControls() {
     }
     connect(buttons_[0], &XPButton::clicked, this, [this] {
         LeaveRom(session_);
-        OpenRom(session_);
+        OpenRom(session_, OfferFindTexts);
         LoadDrafts(session_);
         session_.Changed();
     });

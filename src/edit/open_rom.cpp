@@ -1,10 +1,8 @@
-#include "offsets/open_rom.h"
+#include "edit/open_rom.h"
 
-#include "app/progress.h"
+#include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
-#include "discover/find_texts.h"
-#include "edit/commit.h"
 #include "edit/text_view.h"
 #include "offsets/offset_file.h"
 
@@ -56,7 +54,7 @@ void EnterNoRomState(Session& session) {
     c.textScriptEnabled = false;
 }
 
-void OpenRom(Session& session) {
+void OpenRom(Session& session, const AfterNewOffsetFile& afterNewOffsetFile) {
     session.controls.specialDialog = false;
     auto chosen = session.prompter.OpenFile(
         "Open a Pokémon ROM...", "GameBoy Advance ROMs (*.gba;*.agb;*.bin)|*.agb;*.gba;*.bin|All files (*.*)|*.*");
@@ -105,10 +103,7 @@ void OpenRom(Session& session) {
             Tree_Load(session);
         }
         EnterRomOpenState(session);
-        if (created && session.prompter.AskYesNo(kOfferFindTexts)) {
-            NoProgress quiet;
-            FindTextsInRom(session, session.progress ? *session.progress : quiet);
-        }
+        if (created) afterNewOffsetFile(session);
     } catch (const FileError& e) {
         session.prompter.Message(Icon::Critical, std::string("The ROM could not be opened:\r\n") + e.what());
         EnterNoRomState(session);
