@@ -5,7 +5,7 @@
 #include "app/session.h"
 #include "core/file_io.h"
 #include "core/ini_document.h"
-#include "discover/repoint_choice.h"
+#include "repoint/repoint_choice.h"
 #include "edit/free_space.h"
 #include "edit/pointer_scan.h"
 #include "edit/text_view.h"

@@ -5,6 +5,7 @@
 #include "edit/free_space.h"
 #include "fit/measure.h"
 #include "game/game_model.h"
+#include "repoint/rewrites.h"
 #include "translate/offset_entries.h"
 #include "translate/po_file.h"
 #include "translate/rom_texts.h"
@@ -441,22 +442,18 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         // The references are rewritten; bytes of program code that only
         // look like the pointer are left alone, and places of unknown use
         // keep the text where it is unless the user said to rewrite them.
-        std::vector<std::uint32_t> found, code;
-        std::string unknown;
-        std::size_t unknownCount = 0, references = 0;
-        for (const game::Place& place : model.ReferencesTo(change.offset)) {
-            if (game::IsReference(place.kind)) {
-                found.push_back(place.place), ++references;
-            } else if (place.kind == game::PlaceKind::Code) {
-                (request.rewriteCode ? found : code).push_back(place.place);
-                if (request.rewriteCode) change.codeRewritten.push_back(place.place);
-            } else if (request.rewriteUnknown) {
-                found.push_back(place.place);
-            } else {
-                unknown += (unknownCount++ ? ", " : "") + PlainHex(place.place, 6) + " (" + std::string(place.rule) + ")";
-            }
+        const repoint::Rewrites rewrites = repoint::SelectRewrites(
+            model.ReferencesTo(change.offset), {request.rewriteCode, request.rewriteUnknown});
+        std::vector<std::uint32_t> found;
+        for (const game::Place& place : rewrites.rewrite) {
+            found.push_back(place.place);
+            if (place.kind == game::PlaceKind::Code) change.codeRewritten.push_back(place.place);
         }
-        change.codeLeft = code.size();
+        std::string unknown;
+        for (const game::Place& place : rewrites.unknown)
+            unknown += (unknown.empty() ? "" : ", ") + PlainHex(place.place, 6) + " (" + std::string(place.rule) + ")";
+        const std::size_t unknownCount = rewrites.unknown.size(), references = rewrites.references;
+        change.codeLeft = rewrites.code.size();
         if (unknownCount > 0) {
             plan.unknownLeft += unknownCount;
             drop("it needs moving, and " + Plural(unknownCount, "place", "places") + " of unknown use hold" +
