@@ -44,6 +44,8 @@ void RequireRom(const std::filesystem::path& rom) {
         throw CommandFailed("'" + rom.string() + "' is not a file.");
     if (io::FileSize(rom) < kFirstWritableOffset)
         throw CommandFailed("'" + rom.string() + "' is too short to hold a cartridge header.");
+    if (io::FileSize(rom) > kLargestImage)
+        throw CommandFailed("'" + rom.string() + "' is larger than 32 MiB, more than a Game Boy Advance cartridge holds.");
 }
 
 std::filesystem::path OffsetFileFor(const CliContext& ctx, const std::filesystem::path& rom,

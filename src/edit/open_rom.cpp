@@ -3,6 +3,7 @@
 #include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
+#include "store/write_plan.h"
 #include "edit/text_view.h"
 #include "offsets/offset_file.h"
 
@@ -67,6 +68,12 @@ void OpenRom(Session& session, const AfterNewOffsetFile& afterNewOffsetFile) {
     session.romPath = *chosen;
     session.readOnlyReason.clear();
     try {
+        if (io::FileSize(session.romPath) > kLargestImage) {
+            session.prompter.Message(Icon::Warning, std::string(kTooLarge));
+            EnterNoRomState(session);
+            session.Changed();
+            return;
+        }
         RecoverJournal(session);  // a journal that can't be replayed leaves the ROM read-only
         const std::string code = GetRomCode(session.romPath);
         if (!UsableGameCode(code)) {

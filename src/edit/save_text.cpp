@@ -119,9 +119,13 @@ Step Repoint(Session& session, std::int32_t newLength) {
         session.prompter.Message(Icon::Critical, kBadFreeSpaceOffset);
         return Step::Stop;
     }
-    if (!Pointable(oldOffset)) {
-        Refuse(session, "The text at offset " + c.offsetCaption +
-                            " can't be re-pointed: pointers can only be built for offsets from 100000 to FFFFFF (Hex).");
+    // A 16 MiB image reaches up to FFFFFF; a larger one up to its end, with
+    // pointers of the second half.
+    const std::uint64_t romSize = io::FileSize(session.romPath);
+    const std::string reach =
+        "pointers can only be built for offsets from 100000 to " + PlainHex(HighestPointable(romSize)) + " (Hex).";
+    if (!Pointable(oldOffset, romSize)) {
+        Refuse(session, "The text at offset " + c.offsetCaption + " can't be re-pointed: " + reach);
         return Step::Stop;
     }
     std::string run = FreeRun(c.gameCode, static_cast<std::size_t>(newLength) + 2);
@@ -132,13 +136,12 @@ Step Repoint(Session& session, std::int32_t newLength) {
     }
     const std::int32_t newOffset = found + 1;
     const std::string newOffsetText = PlainHex(newOffset);
-    if (!Pointable(newOffset)) {
-        Refuse(session, "The free space found at offset " + newOffsetText +
-                            " can't be pointed to: pointers can only be built for offsets from 100000 to FFFFFF (Hex).");
+    if (!Pointable(newOffset, romSize)) {
+        Refuse(session, "The free space found at offset " + newOffsetText + " can't be pointed to: " + reach);
         return Step::Stop;
     }
-    const std::string oldPointer = HexToBytes(PointerHex(PadHex(oldOffset)));
-    const std::string newPointer = HexToBytes(PointerHex(newOffsetText));
+    const std::string oldPointer = HexToBytes(WidePointerHex(static_cast<std::uint32_t>(oldOffset)));
+    const std::string newPointer = HexToBytes(WidePointerHex(static_cast<std::uint32_t>(newOffset)));
     std::vector<BytesAt> blocks = ScanPointerRewrites(session.romPath, oldPointer, newPointer);
     if (!ChooseRewrites(session, static_cast<std::uint32_t>(oldOffset), blocks)) return Step::Stop;
     if (blocks.empty()) {

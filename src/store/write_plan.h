@@ -5,6 +5,7 @@
 // changes a file builds one and hands it to CommitPlan (store/writer.h).
 #include "core/bytes_at.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -24,6 +25,31 @@ inline constexpr std::uint32_t kLowestPointable = 0x100000;
 inline constexpr std::uint32_t kHighestPointable = 0xFFFFFF;
 [[nodiscard]] inline constexpr bool Pointable(std::int64_t offset) {
     return offset >= kLowestPointable && offset <= kHighestPointable;
+}
+// The cartridge maps 32 MiB: in an image larger than 16 MiB pointers of the
+// second half (bank 0x09) reach up to its end; a 16 MiB image keeps the limit above.
+inline constexpr std::uint64_t kLargestImage = 0x2000000;
+inline constexpr std::string_view kTooLarge =
+    "This file is larger than 32 MiB, more than a Game Boy Advance cartridge holds.\r\nThe ROM can't be edited.";
+[[nodiscard]] inline constexpr std::uint32_t HighestPointable(std::uint64_t romSize) {
+    return romSize > kHighestPointable + 1 ? static_cast<std::uint32_t>(std::min(romSize, kLargestImage) - 1)
+                                           : kHighestPointable;
+}
+[[nodiscard]] inline constexpr bool Pointable(std::int64_t offset, std::uint64_t romSize) {
+    return offset >= kLowestPointable && offset <= HighestPointable(romSize);
+}
+// The four bytes of the pointer to `offset`, of either half, as hex text
+// ("5634120" + bank): PointerHex's rule for the first 16 MiB, widened.
+[[nodiscard]] inline std::string WidePointerHex(std::uint32_t offset) {
+    const std::uint32_t word = 0x08000000u + offset;
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string hex;
+    for (int i = 0; i < 4; ++i) {
+        const auto b = static_cast<unsigned>(word >> (8 * i)) & 0xFF;
+        hex += kDigits[b >> 4];
+        hex += kDigits[b & 15];
+    }
+    return hex;
 }
 
 // One ROM range: `before` is what must be there now, `after` what goes there.

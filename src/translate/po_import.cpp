@@ -219,7 +219,7 @@ struct RomScan {
           freeSpace(side.image, side.freeByte,
                     std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(freeSpaceOffset, 1) - 1),
                                             kLowestPointable),
-                    std::uint64_t{kHighestPointable} + 1, progress) {}
+                    std::uint64_t{HighestPointable(side.image.size())} + 1, progress) {}
 
     game::GameModel model;
     FreeSpace freeSpace;
@@ -434,9 +434,9 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             pending[move.pending].bytes.clear();  // the text stays where it is
             refuse(change.context, std::move(reason));
         };
-        if (!Pointable(change.offset)) {
+        if (!Pointable(change.offset, image.size())) {
             drop("it needs moving, and pointers can only be rewritten for offsets from " + PlainHex(kLowestPointable) +
-                 " to " + PlainHex(kHighestPointable));
+                 " to " + PlainHex(HighestPointable(image.size())));
             continue;
         }
         // The references are rewritten; bytes of program code that only
