@@ -74,7 +74,20 @@ private:
     void BuildControls();
     void PlaceControls();
     void DoTransparency();
+    // Construction, by part (main_window*.cpp, one file per concern).
     QPainterPath Outline() const;
+    void BuildEditor();
+    void BuildButtons();
+    void BuildTables();
+    void BuildTree();
+    void BuildOffsetButton();
+    void BuildInformation();
+    void BuildChrome();
+    void BuildMenus();
+    // The event filter's parts; each says whether it took the event.
+    bool EditorEvent(QObject* watched, QEvent* event);
+    bool TreeEvent(QObject* watched, QEvent* event);
+    bool HotspotEvent(QObject* watched, QEvent* event);
     void Refresh();
     void RefreshTree();
     void FilterTree(const QString& text);
