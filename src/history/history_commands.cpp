@@ -99,3 +99,5 @@ void ApplyPatchCommand(Session& session) {
 }
 
 }  // namespace quillon
+    if (!out->has_extension()) *out += ".bps";  // so that Apply Patch lists it
+    if (!out->has_extension()) *out += ".gba";  // so that Open ROM lists it

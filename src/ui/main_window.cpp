@@ -3,6 +3,7 @@
 #include "app/session.h"
 #include "edit/drafts.h"
 #include "edit/text_view.h"
+#include "ui/dialog_folder.h"
 #include "ui/fit_monitor.h"
 #include "ui/progress_dialog.h"
 #include "ui/tag_highlighter.h"
@@ -23,6 +24,9 @@ MainWindow::MainWindow(Session& session, Clipboard& clipboard, QWidget* parent)
     setAttribute(Qt::WA_DeleteOnClose, false);
     progress_ = std::make_unique<ProgressDialog>(this);
     session_.progress = progress_.get();
+    // File dialogs open beside the ROM until one is used.
+    ForgetDialogFolder();
+    SetDialogRom([this] { return session_.romPath; });
     BuildControls();
     PlaceControls();
     SetSmoothCorners(ScreenComposites());
@@ -35,6 +39,7 @@ MainWindow::MainWindow(Session& session, Clipboard& clipboard, QWidget* parent)
 
 MainWindow::~MainWindow() {
     if (session_.progress == progress_.get()) session_.progress = nullptr;
+    SetDialogRom({});
 }
 
 int MainWindow::T(int twips) const { return TwipsToPixels(twips, logicalDpiX()); }
