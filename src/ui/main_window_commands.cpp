@@ -17,6 +17,7 @@
 #include "ui/add_script_dialog.h"
 #include "ui/button_pictures.h"
 #include "ui/history_dialog.h"
+#include "ui/explanation_dialogs.h"
 #include "ui/menu_builder.h"
 #include "ui/progress_dialog.h"
 #include "ui/references_dialog.h"
@@ -29,10 +30,12 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QToolTip>
+#include <QShortcut>
 
 // The commands: the buttons, the menus and the editor's keys, each handed to
 // the logic below the window.
@@ -56,9 +59,11 @@ void MainWindow::BuildButtons() {
     connect(buttons_[0], &XPButton::clicked, this, [this] {
         LeaveRom(session_);
         OpenRom(session_);
+        treeFilter_->clear();  // what narrowed one game's tree means nothing in the next
         LoadDrafts(session_);
         session_.Changed();
     });
+        AnnounceDrafts(session_);
     connect(buttons_[1], &XPButton::clicked, this, [this] { ExitProgram(); });
     connect(buttons_[2], &XPButton::clicked, this, [this] {
         SearchDialog dialog(session_, clipboard_, this);
@@ -71,6 +76,23 @@ void MainWindow::BuildButtons() {
         about.exec();
     });
 }
+
+    // Keys for the commands a new user looks for first; each acts as its
+    // button does, and not while the button is disabled.
+    const std::pair<QKeySequence, QAbstractButton*> keys[] = {
+        {QKeySequence(Qt::CTRL | Qt::Key_O), buttons_[0]},
+        {QKeySequence(Qt::CTRL | Qt::Key_S), save_},
+        {QKeySequence(Qt::CTRL | Qt::Key_F), buttons_[2]},
+    };
+    for (auto [key, button] : keys) {
+        auto* shortcut = new QShortcut(key, this);
+        connect(shortcut, &QShortcut::activated, button, &QAbstractButton::click);
+    }
+    auto* help = new QShortcut(QKeySequence(Qt::Key_F1), this);  // as the "?" icon
+    connect(help, &QShortcut::activated, this, [this] {
+        MenuExplanationDialog dialog(session_.prompter, this);
+        dialog.exec();
+    });
 
 void MainWindow::BuildOffsetButton() {
     offset_ = new QPushButton(QStringLiteral("O&ffset"), this);
