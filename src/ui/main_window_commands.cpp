@@ -14,10 +14,11 @@
 #include "tools/export_text.h"
 #include "translate/translate_commands.h"
 #include "ui/about_dialog.h"
+#include "ui/all_texts_window.h"
 #include "ui/add_script_dialog.h"
 #include "ui/button_pictures.h"
-#include "ui/history_dialog.h"
 #include "ui/explanation_dialogs.h"
+#include "ui/history_dialog.h"
 #include "ui/menu_builder.h"
 #include "ui/progress_dialog.h"
 #include "ui/references_dialog.h"
@@ -29,13 +30,13 @@
 
 #include <QHelpEvent>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QToolTip>
 #include <QShortcut>
+#include <QToolTip>
 
 // The commands: the buttons, the menus and the editor's keys, each handed to
 // the logic below the window.
@@ -58,12 +59,12 @@ void MainWindow::BuildButtons() {
     }
     connect(buttons_[0], &XPButton::clicked, this, [this] {
         LeaveRom(session_);
-        OpenRom(session_);
         treeFilter_->clear();  // what narrowed one game's tree means nothing in the next
+        OpenRom(session_);
         LoadDrafts(session_);
         session_.Changed();
-    });
         AnnounceDrafts(session_);
+    });
     connect(buttons_[1], &XPButton::clicked, this, [this] { ExitProgram(); });
     connect(buttons_[2], &XPButton::clicked, this, [this] {
         SearchDialog dialog(session_, clipboard_, this);
@@ -75,7 +76,6 @@ void MainWindow::BuildButtons() {
         AboutDialog about(this);
         about.exec();
     });
-}
 
     // Keys for the commands a new user looks for first; each acts as its
     // button does, and not while the button is disabled.
@@ -93,6 +93,7 @@ void MainWindow::BuildButtons() {
         MenuExplanationDialog dialog(session_.prompter, this);
         dialog.exec();
     });
+}
 
 void MainWindow::BuildOffsetButton() {
     offset_ = new QPushButton(QStringLiteral("O&ffset"), this);
@@ -109,6 +110,10 @@ void MainWindow::BuildMenus() {
             return;
         }
         if (RunHistoryItem(item.action, session_, this)) return;
+        if (item.action == MenuAction::AllTexts) {
+            ShowAllTexts();
+            return;
+        }
         if (item.action == MenuAction::FindTexts) {
             FindTextsInRom(session_, *progress_);
             return;
@@ -121,6 +126,11 @@ void MainWindow::BuildMenus() {
         session_.Changed();
     });
     AddHistoryShortcuts(this, toolsMenu_);
+    if (QAction* all = FindAction(toolsMenu_, QStringLiteral("mnuAllTexts"))) {
+        all->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
+        all->setShortcutContext(Qt::WindowShortcut);
+        addAction(all);
+    }
     treeMenu_ = BuildMenu(this, quillon::TreeViewMenu(), [this](const MenuItem& item) {
         if (item.action == MenuAction::AddOffset)
             quillon::ShowAddOffset(session_);
@@ -130,6 +140,14 @@ void MainWindow::BuildMenus() {
 }
 
 void MainWindow::ShowToolsMenu() { toolsMenu_->popup(mapToGlobal(ToolsMenuPoint())); }
+
+AllTextsWindow* MainWindow::ShowAllTexts() {
+    if (!allTexts_) allTexts_ = new AllTextsWindow(session_, this);
+    allTexts_->show();
+    allTexts_->raise();
+    allTexts_->activateWindow();
+    return allTexts_;
+}
 
 bool MainWindow::EditorEvent(QObject* watched, QEvent* event) {
     if (watched == text1_ && event->type() == QEvent::KeyPress) {

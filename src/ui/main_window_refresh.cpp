@@ -59,7 +59,7 @@ void MainWindow::Refresh() {
     if (QAction* script = FindAction(toolsMenu_, QStringLiteral("mnuTextScript")))
         script->setEnabled(c.textScriptEnabled);
     if (QAction* find = FindAction(toolsMenu_, QStringLiteral("mnuFindTexts"))) find->setEnabled(c.textScriptEnabled);
-    for (const char* name : {"mnuExportAll", "mnuImportTranslation"})
+    for (const char* name : {"mnuExportAll", "mnuImportTranslation", "mnuAllTexts"})
         if (QAction* a = FindAction(toolsMenu_, QString::fromLatin1(name))) a->setEnabled(c.textScriptEnabled);
     label3_->setText(Q(c.offsetCaption));
     // One pass over the ROM per text shown, not per change of the editor.
