@@ -21,6 +21,7 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <filesystem>
 #include <unordered_set>
 
@@ -77,7 +78,7 @@ AllTextsWindow::AllTextsWindow(Session& session, QWidget* mainWindow)
     header->setSortIndicator(-1, Qt::AscendingOrder);  // file order until a column is clicked
     list_->setSortingEnabled(true);
     header->setStretchLastSection(false);
-    const int widths[AllTextsModel::kColumns] = {150, 130, 62, 320, 48, 48, 40, 46, 44};
+    const int widths[AllTextsModel::kColumns] = {150, 130, 62, 300, 48, 48, 40, 58, 46};
     for (int c = 0; c < AllTextsModel::kColumns; ++c) header->resizeSection(c, widths[c]);
     header->setSectionResizeMode(AllTextsModel::kFirstLine, QHeaderView::Stretch);
 
@@ -122,14 +123,27 @@ void AllTextsWindow::showEvent(QShowEvent* event) {
 }
 
 void AllTextsWindow::PlaceBesideMainWindow() {
+    // Right of the main window; where the screen has no room there, left of
+    // its editor (over its buttons and tree); else at the screen's right edge.
     placed_ = true;
     QScreen* screen = main_ ? main_->screen() : QGuiApplication::primaryScreen();
     if (!main_ || !screen) return;
+    constexpr int kGap = 12, kNarrowest = 600;
     const QRect area = screen->availableGeometry();
     const QRect beside = main_->frameGeometry();
-    int x = beside.right() + 8;
-    if (x + frameGeometry().width() > area.right()) x = std::max(area.left(), area.right() - frameGeometry().width());
-    move(x, std::clamp(beside.top(), area.top(), std::max(area.top(), area.bottom() - frameGeometry().height())));
+    const QWidget* editor = main_->findChild<QWidget*>(QStringLiteral("Text1"));
+    const int editorLeft = editor ? editor->mapToGlobal(QPoint(0, 0)).x() : beside.left();
+    const int right = area.right() - beside.right() - kGap, left = editorLeft - area.left() - kGap;
+    const int height = std::min(this->height(), area.height() - 40);
+    const int top = std::clamp(beside.top(), area.top(), std::max(area.top(), area.bottom() - height - 30));
+    if (right >= kNarrowest) {
+        setGeometry(beside.right() + kGap, top, std::min(width(), right), height);
+    } else if (left >= kNarrowest) {
+        const int w = std::min(width(), left);
+        setGeometry(editorLeft - kGap - w, top, w, height);
+    } else {
+        setGeometry(std::max(area.left(), area.right() - width()), top, std::min(width(), area.width()), height);
+    }
 }
 
 void AllTextsWindow::Refresh() {
@@ -154,7 +168,11 @@ void AllTextsWindow::Rebuild() {
         count_->setText(QStringLiteral("The texts could not be read: ") + Q(e.what()));
         return;
     }
-    // A filter typed for one game means nothing in the next.
+    // The row chosen before stays chosen; a filter typed for one game means
+    // nothing in the next.
+    const overview::Row* chosen = model_->RowAt(list_->currentIndex().row());
+    std::pair<std::string, std::string> keep;
+    if (chosen) keep = {chosen->section, chosen->name};
     const bool sameRom = romFor_ == session_.romPath.string();
     romFor_ = session_.romPath.string();
     const QString section = sameRom ? section_->currentText() : QString();
@@ -168,16 +186,22 @@ void AllTextsWindow::Rebuild() {
     for (const std::string& s : texts->Sections()) section_->addItem(Q(s));
     section_->setCurrentIndex(std::max(0, section_->findText(section, Qt::MatchExactly)));
     draftsFor_.clear();
+    const auto& rows = texts->Rows();
+    const auto again = std::find_if(rows.begin(), rows.end(), [&](const overview::Row& r) {
+        return sameRom && r.section == keep.first && r.name == keep.second;
+    });
+    const auto kept = static_cast<std::uint32_t>(again - rows.begin());
     model_->SetTexts(std::move(texts));
-    ApplyFilter();
+    ApplyFilter(kept);
 }
 
-void AllTextsWindow::ApplyFilter() {
+void AllTextsWindow::ApplyFilter(std::optional<std::uint32_t> keep) {
     const overview::AllTexts* texts = model_->Texts();
     if (!texts) return;
-    // The text shown before stays chosen when the filter keeps it.
+    // The row chosen before stays chosen when the filter keeps it.
     const overview::Row* before = model_->RowAt(list_->currentIndex().row());
-    const std::uint32_t kept = before ? static_cast<std::uint32_t>(before - texts->Rows().data()) : UINT32_MAX;
+    const std::uint32_t kept =
+        keep ? *keep : before ? static_cast<std::uint32_t>(before - texts->Rows().data()) : UINT32_MAX;
     overview::Query query;
     query.words = U(filter_->text());
     if (section_->currentIndex() > 0) query.section = U(section_->currentText());

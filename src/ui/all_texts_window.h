@@ -7,7 +7,9 @@
 // file (or change of the ROM) and only filtered and sorted afterwards.
 #include <QWidget>
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 class QComboBox;
@@ -42,7 +44,9 @@ protected:
 
 private:
     void Rebuild();
-    void ApplyFilter();
+    // Shows the rows the boxes keep; `keep` (a row of the plain model) or else
+    // the row chosen now stays chosen when shown.
+    void ApplyFilter(std::optional<std::uint32_t> keep = std::nullopt);
     void MarkDrafts();
     void PlaceBesideMainWindow();
 

@@ -85,6 +85,15 @@ TEST_F(MainWindowTest, AllTextsFiltersByWordsSectionAndFitSortsMarksDraftsAndSho
     emit list->doubleClicked(model.index(Rows(model).indexOf("Town/Letter"), 0));
     EXPECT_EQ(Caption(*window, "Label3"), "1005ED");
     EXPECT_TRUE(all->isVisible());
+
+    // A save shows in the rows at once, and the chosen row stays chosen.
+    list->setCurrentIndex(model.index(Rows(model).indexOf("Town/Letter"), 0));
+    Find<QPlainTextEdit>("Text1")->setPlainText(QStringLiteral("Meet me."));
+    user.Yes();
+    Click("Command2");
+    const int letter = Rows(model).indexOf("Town/Letter");
+    EXPECT_EQ(model.index(letter, Model::kFirstLine).data().toString(), "Meet me.");
+    EXPECT_EQ(list->currentIndex().row(), letter);
 }
 
 TEST_F(MainWindowTest, Latin1NamesShowAndSaveAsTheFileHoldsThem) {
