@@ -3,9 +3,9 @@
 // building its model alone; and the time of each key typed into its filter.
 // Runs on Qt's offscreen platform unless another is set.
 #include "app/session.h"
-#include "discover/model_cache.h"
-#include "offsets/offset_file.h"
+#include "edit/text_view.h"
 #include "overview/all_texts.h"
+#include "repoint/model_cache.h"
 #include "support/translation_game.h"
 #include "ui/all_texts_model.h"
 #include "ui/all_texts_window.h"
@@ -45,7 +45,7 @@ int main(int argc, char** argv) {
     session.romPath = folder / "rom.gba";
     session.controls.gameCode = "QLNE";
     Tree_Load(session);
-    (void)discover::ModelOf(session.romPath);  // read once per ROM file, as the main window does
+    (void)repoint::ModelOf(session.romPath);  // read once per ROM file, as the main window does
 
     // Opened, then a word typed at once (pasted); then the same word typed key by key.
     int shown = -1;

@@ -2,6 +2,7 @@
 
 #include "app/session.h"
 #include "core/file_io.h"
+#include "core/codec/text_bytes.h"
 #include "edit/text_view.h"
 
 #include <quillon/codec.h>
@@ -142,7 +143,8 @@ void AnnounceDrafts(Session& session) {
     if (session.drafts.empty()) return;
     constexpr std::size_t kNamed = 5;
     const std::size_t count = session.drafts.size();
-    std::string text = count == 1 ? "1 unsaved edit kept from last time: " : std::to_string(count) + " unsaved edits kept from last time: ";
+    std::string text = (count == 1 ? std::string("1 unsaved edit") : std::to_string(count) + " unsaved edits") +
+                       " kept from last time: ";
     std::size_t named = 0;
     for (const auto& [entry, draft] : session.drafts) {
         if (named == kNamed) break;

@@ -1,8 +1,8 @@
 #include "fit/check_all.h"
 
 #include "core/file_io.h"
-#include "edit/text_view.h"
-#include "offsets/ini_document.h"
+#include "core/codec/text_bytes.h"
+#include "core/ini_document.h"
 
 #include <quillon/codec.h>
 #include <quillon/errors.h>

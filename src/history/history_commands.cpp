@@ -1,11 +1,13 @@
 #include "history/history_commands.h"
 
+#include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
-#include "edit/commit.h"
-#include "history/history.h"
+#include "edit/text_view.h"
 #include "history/patch.h"
-#include "offsets/offset_file.h"
+#include "store/history.h"
+#include "store/journal.h"
+#include "store/replay.h"
 #include "translate/offset_entries.h"
 
 #include <quillon/errors.h>

@@ -2,7 +2,7 @@
 
 #include "app/session.h"
 #include "core/file_io.h"
-#include "discover/model_cache.h"
+#include "repoint/model_cache.h"
 #include "edit/free_space.h"
 #include "fit/fit_settings.h"
 #include "game/game_model.h"
@@ -112,7 +112,8 @@ AllTexts AllTexts::Build(const Sources& s) {
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         if (!nodes[i].parent) continue;
         const std::size_t up = *nodes[i].parent;
-        if (sectionIndex.emplace(up, all.sections_.size()).second) all.sections_.push_back(ReadableName(nodes[up].text));
+        if (sectionIndex.emplace(up, all.sections_.size()).second)
+            all.sections_.push_back(ReadableName(nodes[up].text));
         entries.push_back({nodes[up].text, nodes[i].text, std::string(tree.OffsetOf(i)), 0});
         Row row;
         row.node = i;
@@ -215,7 +216,7 @@ AllTexts BuildFor(const Session& session) {
     const io::FileCopy rom(session.romPath);
     std::shared_ptr<const game::GameModel> game;
     try {
-        game = discover::ModelOf(session.romPath);
+        game = repoint::ModelOf(session.romPath);
     } catch (const std::exception&) {
         // Without a model the places go uncounted; the rest still shows.
     }

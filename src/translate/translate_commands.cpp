@@ -1,11 +1,11 @@
 #include "translate/translate_commands.h"
 
+#include "app/commit.h"
 #include "app/progress.h"
 #include "app/session.h"
-#include "edit/commit.h"
 #include "edit/free_space.h"
+#include "edit/text_view.h"
 #include "fit/fit_settings.h"
-#include "offsets/offset_file.h"
 #include "translate/po_export.h"
 #include "translate/po_import.h"
 

@@ -158,7 +158,8 @@ void AllTextsModel::sort(int column, Qt::SortOrder order) {
     std::vector<int> viewRow(drafts_.size(), -1);
     for (std::size_t i = 0; i < shown_.size(); ++i) viewRow[shown_[i]] = static_cast<int>(i);
     QModelIndexList after;
-    for (qsizetype i = 0; i < before.size(); ++i) after << index(viewRow[plain[static_cast<std::size_t>(i)]], before[i].column());
+    for (qsizetype i = 0; i < before.size(); ++i)
+        after << index(viewRow[plain[static_cast<std::size_t>(i)]], before[i].column());
     changePersistentIndexList(before, after);
     emit layoutChanged();
 }

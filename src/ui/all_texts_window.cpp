@@ -213,8 +213,9 @@ void AllTextsWindow::ApplyFilter(std::optional<std::uint32_t> keep) {
         list_->scrollTo(model_->index(row, 0));
     }
     const int total = static_cast<int>(texts->Rows().size());
+    const QString shown = Thousands(model_->Shown());
     count_->setText(model_->Shown() == total ? QStringLiteral("%1 texts").arg(Thousands(total))
-                                             : QStringLiteral("%1 of %2 texts").arg(Thousands(model_->Shown()), Thousands(total)));
+                                             : QStringLiteral("%1 of %2 texts").arg(shown, Thousands(total)));
 }
 
 void AllTextsWindow::MarkDrafts() {

@@ -3,14 +3,15 @@
 #include "app/clipboard.h"
 #include "app/session.h"
 #include "discover/find_texts.h"
+#include "edit/add_offset_form.h"
 #include "edit/drafts.h"
+#include "edit/open_rom.h"
 #include "edit/save_text.h"
 #include "edit/tag_commands.h"
 #include "edit/tag_marks.h"
 #include "edit/text_menus.h"
 #include "edit/text_view.h"
-#include "offsets/add_offset_form.h"
-#include "offsets/open_rom.h"
+#include "fit/fit_settings.h"
 #include "tools/export_text.h"
 #include "translate/translate_commands.h"
 #include "ui/about_dialog.h"
@@ -47,7 +48,7 @@ void MainWindow::BuildButtons() {
     save_ = new XPButton(QStringLiteral("Command2"), QStringLiteral("S&ave Text"), this);
     save_->SetPictureNormal(ButtonPicture(QStringLiteral("save"), 16, dpr));
     connect(save_, &XPButton::clicked, this, [this] {
-        if (ConfirmUnencodable(session_)) SaveText(session_);
+        if (ConfirmUnencodable(session_)) SaveText(session_, fit::ConfirmFitBeforeSave);
     });
 
     const char* names[5] = {"XPButton1", "XPButton2", "XPButton3", "XPButton6", "XPButton4"};
@@ -60,7 +61,7 @@ void MainWindow::BuildButtons() {
     connect(buttons_[0], &XPButton::clicked, this, [this] {
         LeaveRom(session_);
         treeFilter_->clear();  // what narrowed one game's tree means nothing in the next
-        OpenRom(session_);
+        OpenRom(session_, OfferFindTexts);
         LoadDrafts(session_);
         session_.Changed();
         AnnounceDrafts(session_);

@@ -129,7 +129,7 @@ std::optional<std::filesystem::path> QtPrompter::SaveFile(std::string_view title
     return ToPath(file);
 }
 
-void QtPrompter::ShowAddOffset(AddOffsetForm& form) {
+void QtPrompter::ShowAddOffset(AddOffsetFields& form) {
     AddOffsetDialog dialog(form, Owner() ? Owner() : parent_);
     dialog.exec();
 }

@@ -1,6 +1,7 @@
 // Saving a text with a line over the message box asks first; games without a
 // known font, and texts that fit, save as before.
 #include "edit/save_text.h"
+#include "fit/fit_settings.h"
 #include "support/save_messages.h"
 #include "support/workspace.h"
 
@@ -47,7 +48,7 @@ TEST(SaveFit, ALineOverTheBoxAsksFirstAndNoWritesNothing) {
         w.OpenAt(rom, "[Town]\r\nSign=100000\r\n", "Town", "Sign");
         if (!c.edit.empty()) w.session.controls.text1.SetText(c.edit);
         for (bool a : c.answers) w.user.Then(a);
-        SaveText(w.session);
+        SaveText(w.session, fit::ConfirmFitBeforeSave);
         EXPECT_EQ(w.user.Take(), c.shown);
         EXPECT_EQ(w.RomBytes() != rom.bytes(), c.shown.back() == kSaved && !c.edit.empty());
         EXPECT_TRUE(w.session.controls.saveEnabled);

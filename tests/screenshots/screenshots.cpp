@@ -3,9 +3,9 @@
 // auxiliary window into FOLDER. Each picture is checked before it is kept:
 // drawn (not blank), and with every control inside its window, no overlaps
 // and no cut captions. Runs on any Qt platform (offscreen or an X server).
-#include "main_window_fixture.h"
+#include "edit/add_offset_form.h"
 #include "history/history_commands.h"
-#include "offsets/add_offset_form.h"
+#include "main_window_fixture.h"
 #include "ui/about_dialog.h"
 #include "ui/add_offset_dialog.h"
 #include "ui/add_script_dialog.h"

@@ -2,9 +2,9 @@
 // resume, preview, hand-over to the offset file), dialog scripts written into
 // free space, and the editor text exported to a file.
 #include "core/file_io.h"
+#include "edit/add_offset_form.h"
 #include "edit/free_space.h"
-#include "edit/write_plan.h"
-#include "offsets/add_offset_form.h"
+#include "store/journal.h"
 #include "support/workspace.h"
 #include "tools/add_script.h"
 #include "tools/export_text.h"
@@ -97,7 +97,7 @@ TEST_F(Tools, SearchShowsTheMatchMovesToTheBeginningOfItsTextOnRequestOrClearsIt
     EXPECT_EQ(Result(), (std::vector<std::string>{"Result: Text found at Offset 1048598 (Decimal)!", "1048598", "5",
                                                   "there"}));
     EXPECT_TRUE(search.command2Enabled && search.command3Visible);
-    w.user.Then(FakePrompter::AddOffsetAction([](AddOffsetForm& f) {  // "Write to INI" hands the match over
+    w.user.Then(FakePrompter::AddOffsetAction([](AddOffsetFields& f) {  // "Write to INI" hands the match over
         EXPECT_EQ(f.offsetDecimal, "1048598");
         EXPECT_FALSE(f.offsetEnabled);
     }));
@@ -205,7 +205,7 @@ TEST_F(Tools, ScriptFromOffsetGoesToTheFirstFreeRunAndItsSpareByteStartsTheNext)
     // From Offset hands the script's own offset to the add-offset window.
     auto second = Script("2abcde");
     second.check1 = true;
-    w.user.Then(FakePrompter::AddOffsetAction([](AddOffsetForm& f) {
+    w.user.Then(FakePrompter::AddOffsetAction([](AddOffsetFields& f) {
         EXPECT_EQ(f.offsetDecimal, std::to_string(0x20000D));
     }));
     second.AddScript();
@@ -218,7 +218,7 @@ TEST_F(Tools, ScriptFromTextWritesTheTextBehindTheScriptAndHandsOverItsOffset) {
     Save();
     auto form = Script("", "Hi");
     form.check1 = true;
-    w.user.Then(FakePrompter::AddOffsetAction([](AddOffsetForm& f) {
+    w.user.Then(FakePrompter::AddOffsetAction([](AddOffsetFields& f) {
         EXPECT_EQ(f.offsetDecimal, std::to_string(0x20001E));
         EXPECT_FALSE(f.offsetEnabled);
     }));

@@ -3,7 +3,7 @@
 // showing a text in the main window. Then names that the offset file holds in
 // Latin-1, in the tree, its filter, the new window and the add-offset window.
 #include "main_window_fixture.h"
-#include "offsets/add_offset_form.h"
+#include "edit/add_offset_form.h"
 #include "ui/add_offset_dialog.h"
 #include "ui/all_texts_model.h"
 #include "ui/all_texts_window.h"
@@ -110,7 +110,7 @@ TEST_F(MainWindowTest, Latin1NamesShowAndSaveAsTheFileHoldsThem) {
     EXPECT_EQ(Rows(*all->Model()), QStringList{center + "/Nurse"});
 
     // Chosen from the list the section keeps its bytes; a typed name goes in as Latin-1.
-    user.Then(FakePrompter::AddOffsetAction([&](AddOffsetForm& form) {
+    user.Then(FakePrompter::AddOffsetAction([&](AddOffsetFields& form) {
         ui::AddOffsetDialog dialog(form);
         auto* sections = Child<QComboBox>(dialog, "Combo1");
         const int at = sections->findText(center);

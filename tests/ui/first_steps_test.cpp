@@ -4,7 +4,7 @@
 // with their extensions and dialogs beside the ROM, and on a fresh machine a
 // live update without a server and a font for the kana.
 #include "main_window_fixture.h"
-#include "offsets/add_offset_form.h"
+#include "edit/add_offset_form.h"
 #include "support/save_messages.h"
 #include "ui/qt_prompter.h"
 #include "ui/search_dialog.h"
@@ -81,7 +81,7 @@ TEST_F(MainWindowTest, ADecimalOffsetWhereOnlyItsHexadecimalReadingStartsATextIs
     for (const auto& [typed, answer, shown] : cases) {
         user.Then(std::string(typed));
         if (answer) user.Then(*answer);
-        user.Then(FakePrompter::AddOffsetAction([](AddOffsetForm&) {}));
+        user.Then(FakePrompter::AddOffsetAction([](AddOffsetFields&) {}));
         Click("Command5");
         const auto seen = user.Take();
         ASSERT_EQ(seen.size(), answer ? 3u : 2u) << typed;

@@ -1,8 +1,11 @@
-#include "edit/commit.h"
+#include "app/commit.h"
 
 #include "app/session.h"
 
 #include "core/file_io.h"
+#include "store/journal.h"
+#include "store/recovery.h"
+#include "store/writer.h"
 
 #include <quillon/errors.h>
 

@@ -1,4 +1,4 @@
-#include "offsets/ini_document.h"
+#include "core/ini_document.h"
 
 #include <cstring>
 

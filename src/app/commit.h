@@ -2,7 +2,7 @@
 // Running a command's write plan with the user told of every outcome: a
 // pending journal replayed first, a refusal, a change made by another
 // program, a failed write.
-#include "edit/write_plan.h"
+#include "store/write_plan.h"
 
 #include <string_view>
 

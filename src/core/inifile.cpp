@@ -5,7 +5,7 @@
 #include <quillon/inifile.h>
 
 #include "core/file_io.h"
-#include "offsets/ini_document.h"
+#include "core/ini_document.h"
 
 #include <cerrno>
 #include <cstdint>

@@ -1,8 +1,8 @@
-#include "discover/place_counts.h"
+#include "repoint/place_counts.h"
 
 #include <array>
 
-namespace quillon::discover {
+namespace quillon::repoint {
 
 std::string PlaceCounts(const std::vector<game::Place>& places) {
     struct Group {
@@ -34,4 +34,4 @@ std::string PlaceCounts(const std::vector<game::Place>& places) {
     return out.empty() ? "no place" : out;
 }
 
-}  // namespace quillon::discover
+}  // namespace quillon::repoint

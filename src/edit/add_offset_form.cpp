@@ -1,12 +1,14 @@
-#include "offsets/add_offset_form.h"
+#include "edit/add_offset_form.h"
 #include "core/hex_text.h"
 
+#include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
-#include "edit/commit.h"
-#include "offsets/ini_document.h"
+#include "core/ini_document.h"
+#include "edit/text_view.h"
 #include "offsets/offset_file.h"
 #include "offsets/offset_text.h"
+#include "store/writer.h"
 
 #include <quillon/errors.h>
 
@@ -45,7 +47,8 @@ bool UsableKeyName(std::string_view name) {
 }
 
 AddOffsetForm::AddOffsetForm(Session& session, std::optional<std::string> presetOffset, bool cancelEnabled)
-    : cancelEnabled(cancelEnabled), session_(session) {
+    : session_(session) {
+    this->cancelEnabled = cancelEnabled;
     ini_.SetPath(session.OffsetFile());
     std::int32_t count = 0;
     ini_.EnumerateAllSections(sections_, count);

@@ -1,10 +1,10 @@
-#include "discover/model_cache.h"
+#include "repoint/model_cache.h"
 
 #include "core/file_io.h"
 
 #include <mutex>
 
-namespace quillon::discover {
+namespace quillon::repoint {
 
 std::shared_ptr<const game::GameModel> ModelOf(const std::filesystem::path& rom) {
     struct Cached {
@@ -25,4 +25,4 @@ std::shared_ptr<const game::GameModel> ModelOf(const std::filesystem::path& rom)
     return cached.model;
 }
 
-}  // namespace quillon::discover
+}  // namespace quillon::repoint

@@ -1,10 +1,10 @@
 #pragma once
-// The history of a ROM's saves. Every plan the writer commits leaves its
-// journal behind as one entry in a folder beside the ROM ("game.gba.history"),
-// numbered in the order of the saves. An entry named *.journal is applied, one
-// named *.undone was undone and can be redone. Undo and redo build a plan from
-// an entry and hand it to the same writer, so they are as crash-safe as a save.
-#include "edit/write_plan.h"
+// The history of a ROM's saves. Every plan the writer commits as a change
+// leaves its journal behind as one entry in a folder beside the ROM
+// ("game.gba.history"), numbered in the order of the saves. An entry named
+// *.journal is applied, one named *.undone was undone and can be redone
+// (store/replay.h).
+#include "store/write_plan.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -15,7 +15,7 @@ namespace quillon {
 
 inline constexpr std::uint64_t kDefaultHistoryLimit = 64ull << 20;
 
-std::filesystem::path HistoryFolder(const std::filesystem::path& rom);
+[[nodiscard]] std::filesystem::path HistoryFolder(const std::filesystem::path& rom);
 
 struct HistoryEntry {
     std::uint64_t number = 0;    // 1, 2, ... in the order of the saves
@@ -33,7 +33,23 @@ struct HistoryListing {
     std::uint64_t limit = kDefaultHistoryLimit;
 };
 
-HistoryListing ListHistory(const std::filesystem::path& rom);
+[[nodiscard]] HistoryListing ListHistory(const std::filesystem::path& rom);
+
+// The entries as the folder's file names tell them ("00000012-1718000000.journal"),
+// oldest first, without reading them; `problem` says why there are none.
+struct HistoryScan {
+    std::vector<HistoryEntry> entries;
+    std::string problem;
+};
+[[nodiscard]] HistoryScan ScanHistory(const std::filesystem::path& rom);
+
+// The file of entry `number`, made at `when`, as applied or as undone.
+[[nodiscard]] std::filesystem::path EntryPath(const std::filesystem::path& folder, std::uint64_t number,
+                                              std::int64_t when, bool undone);
+
+// The plan an entry keeps, for `rom`. Throws PlanRefused when it cannot be
+// read or is damaged.
+[[nodiscard]] WritePlan ReadEntry(const HistoryEntry& entry, const std::filesystem::path& rom);
 
 // Called by the writer once every write of `plan` landed: moves the journal
 // into the history (dropping the entries that could be redone, then the
@@ -41,19 +57,7 @@ HistoryListing ListHistory(const std::filesystem::path& rom);
 // plan is an undo or redo, removes it.
 void KeepJournal(const WritePlan& plan, const std::filesystem::path& journal);
 
-// Undoes the newest applied entry; redoes the oldest undone one. Throw
-// PlanRefused when there is nothing to undo or redo or the history is damaged,
-// and ChangedOnDisk, naming every range that differs, when the files no
-// longer hold what the entry left there; nothing is written then.
-HistoryEntry UndoLastSave(const std::filesystem::path& rom);
-HistoryEntry RedoSave(const std::filesystem::path& rom);
-
-// Undoes, newest first, every applied entry from the newest down to `number`,
-// giving the state before that entry. Stops at the first refusal (throwing
-// it); the entries undone until then stay undone.
-void GoBackTo(const std::filesystem::path& rom, std::uint64_t number);
-
-std::uint64_t HistoryLimit(const std::filesystem::path& rom);
+[[nodiscard]] std::uint64_t HistoryLimit(const std::filesystem::path& rom);
 // Stores the limit and drops the oldest entries beyond it.
 void SetHistoryLimit(const std::filesystem::path& rom, std::uint64_t bytes);
 // Removes every entry (and a damaged folder's contents).

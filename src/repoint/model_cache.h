@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <memory>
 
-namespace quillon::discover {
+namespace quillon::repoint {
 
 // The model of `rom` as the file is now. Throws FileError.
 [[nodiscard]] std::shared_ptr<const game::GameModel> ModelOf(const std::filesystem::path& rom);
 
-}  // namespace quillon::discover
+}  // namespace quillon::repoint

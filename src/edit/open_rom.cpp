@@ -1,10 +1,9 @@
-#include "offsets/open_rom.h"
+#include "edit/open_rom.h"
 
-#include "app/progress.h"
+#include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
-#include "discover/find_texts.h"
-#include "edit/commit.h"
+#include "store/write_plan.h"
 #include "edit/text_view.h"
 #include "offsets/offset_file.h"
 
@@ -56,7 +55,7 @@ void EnterNoRomState(Session& session) {
     c.textScriptEnabled = false;
 }
 
-void OpenRom(Session& session) {
+void OpenRom(Session& session, const AfterNewOffsetFile& afterNewOffsetFile) {
     session.controls.specialDialog = false;
     auto chosen = session.prompter.OpenFile(
         "Open a Pokémon ROM...", "GameBoy Advance ROMs (*.gba;*.agb;*.bin)|*.agb;*.gba;*.bin|All files (*.*)|*.*");
@@ -69,6 +68,12 @@ void OpenRom(Session& session) {
     session.romPath = *chosen;
     session.readOnlyReason.clear();
     try {
+        if (io::FileSize(session.romPath) > kLargestImage) {
+            session.prompter.Message(Icon::Warning, std::string(kTooLarge));
+            EnterNoRomState(session);
+            session.Changed();
+            return;
+        }
         RecoverJournal(session);  // a journal that can't be replayed leaves the ROM read-only
         const std::string code = GetRomCode(session.romPath);
         if (!UsableGameCode(code)) {
@@ -105,10 +110,7 @@ void OpenRom(Session& session) {
             Tree_Load(session);
         }
         EnterRomOpenState(session);
-        if (created && session.prompter.AskYesNo(kOfferFindTexts)) {
-            NoProgress quiet;
-            FindTextsInRom(session, session.progress ? *session.progress : quiet);
-        }
+        if (created) afterNewOffsetFile(session);
     } catch (const FileError& e) {
         session.prompter.Message(Icon::Critical, std::string("The ROM could not be opened:\r\n") + e.what());
         EnterNoRomState(session);

@@ -3,7 +3,7 @@
 // no references of the game (bytes inside program code, places of unknown
 // use), the user chooses whether to rewrite only the references or every
 // place as before. The question names the kinds of the places.
-#include "edit/write_plan.h"
+#include "core/bytes_at.h"
 
 #include <cstdint>
 #include <vector>

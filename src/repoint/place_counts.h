@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-namespace quillon::discover {
+namespace quillon::repoint {
 
 [[nodiscard]] std::string PlaceCounts(const std::vector<game::Place>& places);
 
-}  // namespace quillon::discover
+}  // namespace quillon::repoint

@@ -1,5 +1,6 @@
 // A repoint when some places of the old pointer are no references.
 #include "edit/save_text.h"
+#include "fit/fit_settings.h"
 #include "support/save_messages.h"
 #include "support/workspace.h"
 
@@ -24,7 +25,7 @@ TEST(RepointChoice, PlacesThatAreNoReferencesAreKeptUnlessTheUserSaysAll) {
         w.OpenAt(HelloRom().PutHex(0x70001, "FFFF"), "[Town]\r\nMom=100000\r\n", "Town", "Mom");
         w.session.controls.text1.SetText("Hello there!");
         w.user.Yes().Then(c.answer);
-        SaveText(w.session);
+        SaveText(w.session, fit::ConfirmFitBeforeSave);
         const auto shown = w.user.Take();
         ASSERT_GE(shown.size(), 2u);
         EXPECT_EQ(shown[1], (Shown{Shown::Choices, question, "Only references|All|Quillon", Icon::Question}));

@@ -1,6 +1,9 @@
 #pragma once
-// The add-offset window as state and commands: section, text name and decimal
-// offset of a new offset-file entry. The window binds its controls to this.
+// The add-offset window's fields (app/add_offset_fields.h) filled for the
+// open game's offset file: section, text name and decimal offset of a new
+// entry, and the command that writes it.
+#include "app/add_offset_fields.h"
+
 #include <quillon/inifile.h>
 
 #include <optional>
@@ -12,7 +15,7 @@ namespace quillon {
 
 class Session;
 
-class AddOffsetForm {
+class AddOffsetForm final : public AddOffsetFields {
 public:
     // Opens over the session's ROM; with `presetOffset` (decimal) the offset
     // box is filled and disabled, as when a command hands over an offset it
@@ -20,19 +23,11 @@ public:
     explicit AddOffsetForm(Session& session, std::optional<std::string> presetOffset = std::nullopt,
                            bool cancelEnabled = true);
 
-    std::string sectionName;                 // Text1
-    std::string textName;                    // Text2
-    std::string offsetDecimal;               // Text3
-    bool offsetEnabled = true;               // Text3
-    bool cancelEnabled = true;               // Command2
-    const std::vector<std::string>& Sections() const { return sections_; }  // Combo1
-
-    // Copies the chosen section into the section box.
-    void ChooseSection(std::size_t index);
-    // "&Add to INI": true when the entry was written and the window closes.
+    const std::vector<std::string>& Sections() const override { return sections_; }
+    void ChooseSection(std::size_t index) override;
     // Empty boxes do nothing; bad input is refused with a message and the
     // window stays open.
-    bool Add();
+    bool Add() override;
     // Whether Add wrote an entry.
     bool Added() const { return added_; }
 
