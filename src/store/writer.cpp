@@ -5,6 +5,7 @@
 #include "store/disk_check.h"
 #include "store/history.h"
 #include "store/journal.h"
+#include "store/rom_lock.h"
 
 #include <quillon/errors.h>
 
@@ -12,6 +13,8 @@
 
 namespace quillon {
 namespace {
+
+}  // namespace
 
 // The plan's own consistency: ranges inside the file, past the header, the
 // same length before and after, and no two overlapping.
@@ -36,6 +39,12 @@ void CheckShape(const WritePlan& plan) {
             throw PlanRefused("Internal error: two writes of one save overlap at offset " +
                               PlainHex(sorted[i]->offset) + ".");
 }
+
+std::string BusyMessage(const std::string& holder) {
+    return "The ROM is being saved by " + holder + " right now. Nothing was written; try again when it has finished.";
+}
+
+namespace {
 
 void CheckWritable(const WritePlan& plan) {
     auto refuse = [](const std::filesystem::path& p, std::string_view what) {
@@ -79,16 +88,32 @@ void PutBack(const WritePlan& plan) {
 
 CommitResult CommitPlan(const WritePlan& plan) {
     const auto journal = JournalPath(plan.rom);
+    CheckShape(plan);
+    CheckWritable(plan);
+    // One writer at a time: the lock is held from before the journal is made
+    // until it is kept, so no other save or recovery comes between.
+    std::string holder;
+    const std::optional<RomLock> lock = RomLock::Take(plan.rom, holder);
+    if (!lock)
+        throw PlanRefused(BusyMessage(holder));
     std::error_code ec;
     if (std::filesystem::exists(std::filesystem::symlink_status(journal, ec)))
         throw PlanRefused("A journal of an earlier save that did not finish is waiting at '" + journal.string() +
                           "'. Open the ROM again to restore that save first. Nothing was written.");
-    CheckShape(plan);
-    CheckWritable(plan);
-    if (auto changed = ChangedSinceRead(plan)) throw ChangedOnDisk(*changed);
     if (!io::CreateExclusive(journal, JournalText(plan)))
         throw PlanRefused("Another save of this ROM is in progress (its journal is '" + journal.string() +
                           "'). Nothing was written.");
+    // The bytes on disk are checked once the journal exists, under the lock:
+    // nothing can change them between the check and the writes.
+    try {
+        if (auto changed = ChangedSinceRead(plan)) {
+            io::RemoveFile(journal);
+            throw ChangedOnDisk(*changed);
+        }
+    } catch (const FileError&) {
+        io::RemoveFile(journal);
+        throw;
+    }
 
     CommitResult result;
     try {

@@ -26,8 +26,18 @@ struct CommitResult {
 // header, the file's length or any expected bytes differ, the offset file
 // changed, a file or folder cannot be written, or a journal is pending; a
 // FileError means the journal could not be made, and nothing was written.
+// The ROM's lock is held from before the journal is made until it is kept;
+// a second writer waits for it a moment, then is refused.
 // A journal that stays after the writes counts as JournalKept.
 [[nodiscard]] CommitResult CommitPlan(const WritePlan& plan);
+
+// Refuses (PlanRefused) a plan whose ranges lie in the cartridge header or
+// past the ROM's end, change a length, or overlap: the guards of every
+// write, a new save's or a replayed journal's.
+void CheckShape(const WritePlan& plan);
+
+// Another Quillon holds the ROM's lock (a save in progress): its message.
+[[nodiscard]] std::string BusyMessage(const std::string& holder);
 
 // Puts the plan's old state back where its new state (or part of it) landed:
 // the ranges in reverse order, and the offset file when it differs.
