@@ -74,6 +74,7 @@ bool AddOffsetForm::Add() {
         return refuse("A text name can't start with \";\" or \"#\", start or end with a blank, or contain line "
                       "breaks, \"=\", \"[\" or \"]\": the offset file could not hold it.");
 
+    if (offsetEnabled) OfferHexReading(session_.prompter, session_.romPath, offsetDecimal);
     const auto parsed = ParseDecimalOrHexOffset(offsetDecimal);
     if (!parsed) return refuse("The offset must be a whole number from 0 to 4294967295, in decimal or in hexadecimal written with 0x.");
     const std::uint32_t offset = *parsed;

@@ -183,6 +183,7 @@ void ViewOffset(Session& session) {
         session.Changed();
         return;
     }
+    OfferHexReading(session.prompter, session.romPath, typed);
     auto offset = ParseDecimalOrHexOffset(typed);
     if (!offset) {
         session.prompter.Message(Icon::Warning, "'" + typed + "' is not an offset.\r\n"

@@ -91,8 +91,13 @@ void AddOffsetDialog::keyPressEvent(QKeyEvent* event) {
 }
 
 void AddOffsetDialog::Pull() {
-    form_.sectionName = U(section_->text());
-    form_.textName = U(name_->text());
+    // A name shown as it came keeps its bytes; a typed one goes into the file
+    // as the file holds names.
+    auto bytes = [](const std::string& kept, const QString& shown) {
+        return Q(kept) == shown ? kept : NameBytesOf(shown);
+    };
+    form_.sectionName = bytes(form_.sectionName, section_->text());
+    form_.textName = bytes(form_.textName, name_->text());
     if (form_.offsetEnabled) form_.offsetDecimal = U(offset_->text());
 }
 

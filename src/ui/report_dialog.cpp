@@ -1,10 +1,13 @@
 #include "ui/report_dialog.h"
 
+#include "ui/dialog_folder.h"
+
 #include "ui/xp_button.h"
 
 #include <QClipboard>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -54,9 +57,11 @@ ReportDialog::ReportDialog(const QString& text, const QString& title, bool askTo
 }
 
 void ReportDialog::Save() {
-    const QString file = QFileDialog::getSaveFileName(this, QStringLiteral("Save Report"), QString(),
-                                                      QStringLiteral("Text files (*.txt);;All files (*)"));
+    QString file = QFileDialog::getSaveFileName(this, QStringLiteral("Save Report"), DialogFolder(),
+                                                QStringLiteral("Text files (*.txt);;All files (*)"));
+    RememberDialogFile(file);
     if (file.isEmpty()) return;
+    if (QFileInfo(file).suffix().isEmpty()) file += QStringLiteral(".txt");
     QFile out(file);
     if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(text_->toPlainText().toUtf8()) < 0 ||
         !out.flush())

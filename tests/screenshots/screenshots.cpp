@@ -9,6 +9,7 @@
 #include "ui/about_dialog.h"
 #include "ui/add_offset_dialog.h"
 #include "ui/add_script_dialog.h"
+#include "ui/all_texts_window.h"
 #include "ui/explanation_dialogs.h"
 #include "ui/history_dialog.h"
 #include "ui/japanese_dialog.h"
@@ -178,6 +179,17 @@ TEST_F(Screenshot, ToolWindowsTheButtonGalleryPreviewAndHistory) {
     UndoLastSaveCommand(*session);
     ui::HistoryDialog history(*session, window.get());
     Keep(history, "history-window.png");
+}
+
+TEST_F(Screenshot, AllTextsWindow) {
+    // An edit left unsaved (a draft), and the texts that name the player.
+    Find<QPlainTextEdit>("Text1")->moveCursor(QTextCursor::End);
+    QTest::keyClicks(Find("Text1"), " Hurry!");
+    Select("Harbour", "Gull");
+    ui::AllTextsWindow* all = window->ShowAllTexts();
+    QTest::keyClicks(Child(*all, "txtAllFilter"), "player");
+    all->hide();
+    Keep(*all, "all-texts-window.png");
 }
 
 using UpdateScreenshot = UpdateFixture;
