@@ -137,7 +137,8 @@ GameModel GameModel::Read(std::string_view image) {
         if (!m.code_.IsCode(target) && isText(target)) slots.push_back(place);
     }
     std::sort(slots.begin(), slots.end());
-    for (const TextTable& t : FindTextTables(image, slots, [&](std::uint32_t at) { return Word(image, at) - kRomBase; })) {
+    m.textTables_ = FindTextTables(image, slots, [&](std::uint32_t at) { return Word(image, at) - kRomBase; });
+    for (const TextTable& t : m.textTables_) {
         for (std::uint32_t i = 0; i < t.count; ++i) {
             const std::uint32_t place = t.first + t.stride * i;
             m.tableSlots_.push_back({place, t.kind.empty() ? std::string_view("text table") : t.kind});

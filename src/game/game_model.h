@@ -10,6 +10,7 @@
 #include "game/pointer_index.h"
 #include "game/span.h"
 #include "game/text_context.h"
+#include "game/text_tables.h"
 
 #include <cstdint>
 #include <map>
@@ -57,6 +58,8 @@ public:
     [[nodiscard]] const std::vector<MapName>& Maps() const { return maps_; }
     [[nodiscard]] const CodeMap& Code() const { return code_; }
     [[nodiscard]] const PointerIndex& Pointers() const { return index_; }
+    // The tables in data whose records hold pointers to texts, in place order.
+    [[nodiscard]] const std::vector<TextTable>& TextTables() const { return textTables_; }
 
 private:
     struct Operand {
@@ -71,6 +74,7 @@ private:
     std::vector<Operand> operands_;        // script operands, by place
     std::vector<Span> scripts_;            // bytes of walked scripts, merged, in order
     std::vector<Operand> tableSlots_;      // slots of recognised tables, by place
+    std::vector<TextTable> textTables_;
     std::vector<TextUse> uses_;
     std::vector<MapName> maps_;
 };
