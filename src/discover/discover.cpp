@@ -1,6 +1,7 @@
 #include "discover/discover.h"
 
 #include "app/progress.h"
+#include "discover/found_names.h"
 #include "game/text_shape.h"
 
 #include <quillon/codec.h>
@@ -143,6 +144,7 @@ std::vector<FoundText> DiscoverTexts(const game::GameModel& model, std::string_v
         text.context = use.context;
         found.push_back(std::move(text));
     }
+    AddNames(model, image, found);
     return found;
 }
 

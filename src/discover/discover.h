@@ -24,12 +24,18 @@ struct FoundText {
     int confidence = 0;                   // 0-100
     std::string section;                  // where the game uses it (Latin-1); empty: not known
     game::TextContext context = game::TextContext::Other;
+    // A name in a record of a table of names: never moved, never longer
+    // than its field. 0 for a text.
+    std::uint32_t fixedLength = 0;        // bytes of the field, end mark included
+    std::uint8_t padding = 0;             // what fills the field behind the end mark
+    std::uint32_t recordStride = 0;       // bytes from one record of its table to the next
 };
 
 // Texts below this confidence are not reported.
 inline constexpr int kMinConfidence = 50;
 
-// Reads `image` into a game model and takes its texts, in offset order.
+// Reads `image` into a game model and takes its texts and the names of its
+// tables of names, in offset order. A text inside a name's field is left out.
 // Throws Cancelled when `progress` asks to stop.
 [[nodiscard]] std::vector<FoundText> DiscoverTexts(std::string_view image, Progress* progress = nullptr);
 // The same over a model read from `image` already.

@@ -2,6 +2,7 @@
 #include "core/hex_text.h"
 
 #include "core/ini_document.h"
+#include "offsets/fixed_length.h"
 
 #include <algorithm>
 #include <charconv>
@@ -111,6 +112,8 @@ Merge MergeFoundTexts(std::string_view offsetFile, const std::vector<FoundText>&
     auto addSection = [&](const std::string& wanted, auto first, auto last) {
         merge.text += "[" + Unique(wanted, sectionNames, " (%d)") + "]\r\n";
         ++merge.sections;
+        if (const FoundText* name = *first; name->fixedLength > 0)
+            merge.text += FixedLengthLine({name->fixedLength, name->padding, name->recordStride}) + "\r\n";
         NameSet keys;
         for (auto it = first; it != last; ++it) {
             const std::string key = Unique(KeyNameFor((*it)->preview, (*it)->offset), keys, " %d");
@@ -118,14 +121,17 @@ Merge MergeFoundTexts(std::string_view offsetFile, const std::vector<FoundText>&
             ++merge.added;
         }
     };
-    // Texts whose use the game tells go to the section of that use, by name.
-    std::map<std::string, std::vector<const FoundText*>, NameLess> named;
+    // Texts whose use the game tells go to the section of that use, by name;
+    // names of fixed length to sections of their own.
+    std::map<std::string, std::vector<const FoundText*>, NameLess> named, names;
     std::vector<const FoundText*> unnamed;
-    for (const FoundText* f : fresh) (f->section.empty() ? unnamed : named[f->section]).push_back(f);
-    for (const auto& [name, texts] : named)
-        for (std::size_t i = 0; i < texts.size(); i += kMaxSectionEntries)
-            addSection(name, texts.begin() + static_cast<std::ptrdiff_t>(i),
-                       texts.begin() + static_cast<std::ptrdiff_t>(std::min(texts.size(), i + kMaxSectionEntries)));
+    for (const FoundText* f : fresh)
+        (f->section.empty() ? unnamed : (f->fixedLength > 0 ? names : named)[f->section]).push_back(f);
+    for (const auto* groups : {&named, &names})
+        for (const auto& [name, texts] : *groups)
+            for (std::size_t i = 0; i < texts.size(); i += kMaxSectionEntries)
+                addSection(name, texts.begin() + static_cast<std::ptrdiff_t>(i),
+                           texts.begin() + static_cast<std::ptrdiff_t>(std::min(texts.size(), i + kMaxSectionEntries)));
     // The rest by where they lie.
     for (std::size_t i = 0; i < unnamed.size();) {
         // The texts of one 64 KiB area, cut into runs of at most kMaxSectionEntries.

@@ -28,7 +28,8 @@ struct Merge {
 // 3A0000-3AFFFF"), a group of more than kMaxSectionEntries split into runs
 // named by their first and last offsets. A section of more than
 // kMaxSectionEntries goes on in a second one; a name the file holds already
-// gets " (2)", " (3)", ...
+// gets " (2)", " (3)", ... Names of fixed length go to sections of their
+// own, each with the comment line that gives the length (FixedLengthLine).
 Merge MergeFoundTexts(std::string_view offsetFile, const std::vector<FoundText>& found);
 
 // A key name from a text's first words ("Welcome to the world of"), in the

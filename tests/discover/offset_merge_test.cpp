@@ -71,6 +71,22 @@ TEST(MergeFoundTexts, SplitsCrowdedAreasAndNeverReusesASectionName) {
     EXPECT_EQ(keys, 652u);
 }
 
+TEST(MergeFoundTexts, NamesGoToSectionsOfTheirOwnThatGiveTheirField) {
+    auto name = [](std::uint32_t offset, const char* preview, const char* section, std::uint32_t length,
+                   std::uint32_t stride) {
+        FoundText f = Found(offset, preview);
+        f.section = section, f.fixedLength = length, f.recordStride = stride;
+        return f;
+    };
+    FoundText text = Found(0x3A0010, "Welcome");
+    text.section = "Species names";  // a text of a use by that name stays apart from the names
+    const Merge m = MergeFoundTexts("", {name(0x20000, "BULB", "Species names", 11, 11),
+                                         name(0x26000, "BALL", "Item names", 14, 44), text});
+    EXPECT_EQ(m.text, "[Species names]\r\nWelcome=3A0010\r\n"
+                      "[Item names]\r\n; Fixed length: 14 bytes, padded with 00, records of 44 bytes\r\nBALL=26000\r\n"
+                      "[Species names (2)]\r\n; Fixed length: 11 bytes, padded with 00\r\nBULB=20000\r\n");
+}
+
 // Opening a ROM without an offset file offers to look for its texts; they go
 // in after a yes, and neither a no nor a cancelled scan writes anything.
 TEST(FindTextsInRom, AddsTheTextsAfterYesOnlyAndRebuildsTheTree) {

@@ -1,6 +1,7 @@
 // Tables of names found by their structure in a made-up image: tables of
 // several strides and paddings, names inside item records, the header that
 // names them, and decoys that must not be taken.
+#include "discover/discover.h"
 #include "game/name_tables.h"
 #include "support/name_records.h"
 #include "support/rom_builder.h"
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <tuple>
 
@@ -78,6 +80,17 @@ TEST(NameTables, FoundByStructureAndNamedByPointersAndSizes) {
         got.emplace_back(t.kind, t.first, t.stride, t.count, t.length, t.padding);
     EXPECT_EQ(got, want);
 
+    // Discovery takes every record as a name of its field, and nothing else inside the tables.
+    std::size_t names = 0, records = 0;
+    for (const Placed& t : tables) records += t.spec.count;
+    for (const discover::FoundText& f : discover::DiscoverTexts(model, image)) {
+        const bool inside = std::any_of(tables.begin(), tables.end(), [&](const Placed& t) {
+            return f.offset >= t.at && f.offset < t.at + t.spec.stride * t.spec.count;
+        });
+        EXPECT_EQ(inside, f.fixedLength > 0) << std::hex << f.offset;
+        names += f.fixedLength > 0;
+    }
+    EXPECT_EQ(names, records);
 }
 
 }  // namespace
