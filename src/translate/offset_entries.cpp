@@ -15,10 +15,11 @@ std::vector<OffsetEntry> ReadOffsetEntries(std::string_view fileText) {
     for (const auto& section : doc.Sections()) {
         if (section.name.empty() || !sectionsSeen.insert(ini::FoldedName(section.name)).second) continue;
         keysSeen.clear();
+        const std::optional<FixedLength> fixed = SectionFixedLength(doc, section);
         for (const auto& line : doc.Keys(section)) {
             if (!keysSeen.insert(ini::FoldedName(line.name)).second) continue;
             entries.push_back({std::string(section.name), std::string(line.name), std::string(line.value),
-                               static_cast<std::size_t>(line.value.data() - doc.Text().data())});
+                               static_cast<std::size_t>(line.value.data() - doc.Text().data()), fixed});
         }
     }
     return entries;

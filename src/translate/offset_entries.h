@@ -1,7 +1,10 @@
 #pragma once
 // The entries of an offset file as a list, in file order, and the file's text
 // with some of their offsets replaced.
+#include "offsets/fixed_length.h"
+
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,6 +20,7 @@ struct OffsetEntry {
     std::string key;
     std::string value;            // without the blanks around it
     std::size_t valueBegin = 0;   // where the value stands in the file's text
+    std::optional<FixedLength> fixed;  // a name of fixed length: its section says so
 };
 
 std::vector<OffsetEntry> ReadOffsetEntries(std::string_view fileText);

@@ -21,11 +21,22 @@ std::string HeaderString(std::string_view image, std::size_t at, std::size_t cou
     return Latin1ToUtf8(field);
 }
 
+// A name's notes: how many letters its field holds and which table it is.
+std::string NameNotes(const OffsetEntry& e) {
+    const FixedLength& f = *e.fixed;
+    std::string table = "\nTable: " + Latin1ToUtf8(e.section) + ", ";
+    table += f.stride > f.bytes ? "fields of " + std::to_string(f.bytes) + " bytes in records of " + std::to_string(f.stride)
+                                : "records of " + std::to_string(f.bytes) + " bytes";
+    return "\nFixed length: " + std::to_string(f.Letters()) + " letters" + table + ", padded with " +
+           PlainHex(f.padding, 2);
+}
+
 std::string Comments(const EntryText& t, std::size_t pointers, const fit::Font* font,
                      const fit::MeasureOptions& options) {
     std::string out = "Offset: " + PlainHex(t.offset) + "\nBytes: " + std::to_string(t.bytes.size()) +
-                      "\nRoom before a repoint: " + std::to_string(t.room) +
-                      " bytes\nPointers: " + std::to_string(pointers);
+                      (t.entry->fixed ? NameNotes(*t.entry)
+                                      : "\nRoom before a repoint: " + std::to_string(t.room) + " bytes") +
+                      "\nPointers: " + std::to_string(pointers);
     if (font)
         out += "\nbox: " + std::to_string(fit::kBoxWidth) + " px, widest line " +
                std::to_string(fit::MeasureBytes(t.bytes, *font, options).WidestWidth()) + " px";

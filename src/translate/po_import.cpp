@@ -247,9 +247,16 @@ Translated Translate(const PoMessage& message, const RomSide& side, const fit::M
         tr.linesOver = measured.overCount;
     }
     // The new text padded to the old length, grown into the free bytes
-    // behind it, or, when it moves, free bytes.
+    // behind it, or, when it moves, free bytes. A name stays in its field.
     const std::size_t oldLength = t.bytes.size();
     tr.newLength = tr.encoded.bytes.size();
+    if (t.entry->fixed) {
+        NameWrite name = WriteName(side.image.substr(t.offset, t.entry->fixed->bytes), tr.encoded.bytes, *t.entry->fixed);
+        tr.kind = tr.newLength < oldLength ? ImportKind::Shorter : tr.newLength == oldLength ? ImportKind::InPlace : ImportKind::Grown;
+        tr.encoded.refusal = std::move(name.refusal);
+        tr.after = std::move(name.bytes);
+        return tr;
+    }
     if (tr.newLength <= oldLength) {
         tr.kind = tr.newLength == oldLength ? ImportKind::InPlace : ImportKind::Shorter;
         tr.after = std::move(tr.encoded.bytes);
@@ -389,6 +396,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         change.newLength = tr.newLength;
         change.widest = tr.widest;
         change.linesOver = tr.linesOver;
+        change.name = t.entry->fixed.has_value();
         plan.changes.push_back(std::move(change));
         pending.push_back({t.offset, std::move(tr.after)});
     };
@@ -521,11 +529,20 @@ std::string DescribePlan(const ImportPlan& plan) {
     for (const auto& c : plan.changes) pointers += c.pointers;
     std::string out;
     out += Plural(plan.changes.size(), "text changes", "texts change") + ":\n";
-    out += "  " + std::to_string(plan.Count(ImportKind::InPlace)) + " in place\n";
-    out += "  " + std::to_string(plan.Count(ImportKind::Shorter)) + " shorter, padded with FF\n";
-    out += "  " + std::to_string(plan.Count(ImportKind::Grown)) + " grown into free bytes behind them\n";
+    // Names are counted apart: they stay in their fields, padded as the game pads them.
+    auto texts = [&plan](ImportKind kind) {
+        return std::count_if(plan.changes.begin(), plan.changes.end(),
+                             [kind](const ImportChange& c) { return c.kind == kind && !c.name; });
+    };
+    const auto names = std::count_if(plan.changes.begin(), plan.changes.end(), [](const auto& c) { return c.name; });
+    out += "  " + std::to_string(texts(ImportKind::InPlace)) + " in place\n";
+    out += "  " + std::to_string(texts(ImportKind::Shorter)) + " shorter, padded with FF\n";
+    out += "  " + std::to_string(texts(ImportKind::Grown)) + " grown into free bytes behind them\n";
     out += "  " + std::to_string(moved) + " moved to free space (" + Plural(pointers, "pointer", "pointers") +
            " rewritten)\n";
+    if (names > 0)
+        out += "  " + Plural(static_cast<std::size_t>(names), "name", "names") +
+               " of fixed length, each in its own field, padded as the game pads it\n";
     out += Plural(plan.unchanged, "text is", "texts are") + " unchanged, " + std::to_string(plan.untranslated) +
            " untranslated, " + std::to_string(plan.fuzzy) + " fuzzy (left out).\n";
     std::size_t codeLeft = 0;

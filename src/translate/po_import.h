@@ -46,6 +46,7 @@ struct ImportChange {
     int linesOver = 0;            // its lines over the message box
     std::size_t codeLeft = 0;     // places inside program code that hold its pointer, left alone
     std::vector<std::uint32_t> codeRewritten;  // such places rewritten all the same (rewriteCode)
+    bool name = false;            // a name of fixed length, written in its field only
 };
 
 struct ImportPlan {
