@@ -53,6 +53,11 @@ struct LoadedText {
     std::uint64_t offset = 0;
     std::string bytes;  // the text and the byte behind it (its terminator)
     std::uint64_t romSize = 0;
+    // A name of fixed length (its entry stands in a section of names): the
+    // bytes of its field, end mark included, and the padding behind the end
+    // mark. 0 for a text.
+    std::uint32_t fixedLength = 0;
+    std::uint8_t padding = 0;
 };
 
 class Session {

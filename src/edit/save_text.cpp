@@ -3,6 +3,7 @@
 
 #include "app/commit.h"
 #include "app/session.h"
+#include "edit/name_edit.h"
 #include "core/file_io.h"
 #include "core/ini_document.h"
 #include "repoint/repoint_choice.h"
@@ -180,6 +181,10 @@ Step Save(Session& session, const AskBeforeSave& askFirst) {
     if (!c.roundTripNote.empty() &&
         !session.prompter.AskYesNo(c.roundTripNote + "\r\n\r\nDo you want to save it anyway?", kAskTitle))
         return Step::Stop;
+    if (session.loaded.fixedLength > 0) {  // a name: written in its field, never moved
+        auto blocks = NameBlocks(session);
+        return blocks && Write(session, PlanFor(session, std::move(*blocks))) ? Step::Done : Step::Stop;
+    }
     std::string hex = EncodeText(c.text1.Text(), c.specialDialog);
     const auto newLength = static_cast<std::int32_t>(hex.size() / 2);
 

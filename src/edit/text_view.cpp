@@ -3,6 +3,7 @@
 #include "app/session.h"
 #include "edit/add_offset_form.h"
 #include "edit/drafts.h"
+#include "edit/name_edit.h"
 #include "offsets/offset_file.h"
 #include "offsets/offset_text.h"
 
@@ -97,6 +98,7 @@ void LoadTextAt(Session& session, std::string_view offsetHex) {
     if (c.saveRefusal.empty()) {
         const auto offset = static_cast<std::uint64_t>(HexToLong(offsetHex));
         session.loaded = {offset, io::ReadAt(session.romPath, offset, bytes.size() + 1), size};
+        NoteFixedLength(session);
         if (!c.japaneseTable) c.roundTripNote = RoundTripNote(bytes, HexToBytes(EncodeText(c.text1.Text(), false)));
     }
     c.saveEnabled = !c.japaneseTable && c.saveRefusal.empty() && session.readOnlyReason.empty();
@@ -141,7 +143,9 @@ void Text_Load(Session& session) {
 
 bool UpdateRepointCounter(Session& session, std::int16_t& keyCode, bool shiftDown) {
     std::int32_t length = EncodedLength(session);
-    if (length > session.oldTextLength)
+    if (session.loaded.fixedLength > 0)
+        session.controls.repointCaption = NameCounterCaption(session.loaded.fixedLength - 1, length);
+    else if (length > session.oldTextLength)
         session.controls.repointCaption = std::to_string(length) + " Characters to repoint.";
     else
         session.controls.repointCaption =
