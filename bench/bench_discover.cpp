@@ -1,15 +1,17 @@
 // The game model and discovery over a 16 MiB image (a generated game padded
 // with picture-like random bytes, read from disk, then read as the game
-// reads itself), and the references of one text's offset from the built
-// model, each against one FindBytes pass over the same image that finds
-// nothing.
+// reads itself), the tables of names and the references of one text's
+// offset from the built model, each against one FindBytes pass over the same
+// image that finds nothing.
 #include "app/session.h"
 #include "core/file_io.h"
 #include "discover/discover.h"
 #include "discover/offset_merge.h"
 #include "edit/text_view.h"
+#include "game/name_tables.h"
 #include "game/words.h"
 #include "support/game_image.h"
+#include "support/name_records.h"
 
 #include <quillon/core.h>
 
@@ -31,6 +33,11 @@ int main() {
     std::string image = game.image;
     std::mt19937 random(7);
     while (image.size() < (16u << 20)) image += static_cast<char>(random());
+    // Tables of names of several strides in the random bytes.
+    for (std::uint32_t i = 0; i < 8; ++i) {
+        const std::string records = test::NameRecords({7 + 2 * i, 7 + 2 * i, '\0', 0x8000 / (7 + 2 * i)});
+        image.replace(0x400000 + 0x10000 * i, records.size(), records);
+    }
     io::ReplaceFile(path, image);
 
     // A 4-byte pattern that the image does not hold, as the baseline's.
@@ -60,6 +67,10 @@ int main() {
     bool ok = true;
     auto c = bench::Compare(discover, onePass, 7);
     ok &= bench::Report("Game model and discovery, 16 MiB image", c, 10.0);
+    std::size_t tables = 0;
+    auto names = [&] { tables = game::FindNameTables(image, model).size(); };
+    auto n = bench::Compare(names, onePass, 7);
+    ok &= bench::Report("Tables of names, from the model", n, 1.0);
     auto r = bench::Compare(references, onePass, 7, 1000);
     ok &= bench::Report("References of one offset, from the model", r, 1.0);
     const bool fast = r.subject < 1e-3;
@@ -97,7 +108,7 @@ int main() {
     std::printf("%-46s %11.3f us  (%zu entries in %zu sections; limit 100 ms) %s\n", "Tree of the discovered offset file",
                 tree * 1e6, merge.added, merge.sections, treeOk ? "ok" : "OVER");
     ok &= treeOk;
-    if (none != 0 || texts == 0 || places == 0) {
+    if (none != 0 || texts == 0 || places == 0 || tables != 8) {
         std::printf("unexpected: the baseline found its pattern, or the subjects found nothing\n");
         ok = false;
     }
