@@ -24,7 +24,12 @@ std::string HeaderString(std::string_view image, std::size_t at, std::size_t cou
 // A name's notes: how many letters its field holds and which table it is.
 std::string NameNotes(const OffsetEntry& e) {
     const FixedLength& f = *e.fixed;
-    std::string table = "\nTable: " + Latin1ToUtf8(e.section) + ", ";
+    // A table of more than one section is named once: "Species names (2)" is "Species names".
+    std::string_view name = e.section;
+    if (const auto open = name.rfind(" ("); open != std::string_view::npos && name.ends_with(')') &&
+        name.find_first_not_of("0123456789", open + 2) == name.size() - 1)
+        name = name.substr(0, open);
+    std::string table = "\nTable: " + Latin1ToUtf8(name) + ", ";
     table += f.stride > f.bytes ? "fields of " + std::to_string(f.bytes) + " bytes in records of " + std::to_string(f.stride)
                                 : "records of " + std::to_string(f.bytes) + " bytes";
     return "\nFixed length: " + std::to_string(f.Letters()) + " letters" + table + ", padded with " +

@@ -41,15 +41,15 @@ std::string Field(std::string name, std::size_t length, char padding) {
 TEST(NamesInPo, ExportedWithTheirFieldAndImportedIntoItOnly) {
     Workspace w;
     StoryRom().Put(kSpecies, NameRecords(kSpeciesSpec)).Put(kItems, NameRecords(kItemSpec)).Save(w.Rom());
-    w.WriteOffsetFile(Section("Species names", "N", kSpecies, kSpeciesSpec) + Section("Item names", "I", kItems, kItemSpec));
+    w.WriteOffsetFile(Section("Species names", "N", kSpecies, kSpeciesSpec) + Section("Item names (2)", "I", kItems, kItemSpec));
     NoProgress none;
     const std::filesystem::path po = w.dir / "names.po";
     ExportPo({w.Rom(), w.OffsetFile(), po, {}, false}, none);
     std::map<std::string, std::string> notes;
     for (const PoMessage& m : ReadPo(po).messages) notes[m.context] = m.comments;
     EXPECT_THAT(notes["Species names/N1"], HasSubstr("Fixed length: 10 letters\nTable: Species names, records of 11 bytes, padded with 00"));
-    EXPECT_THAT(notes["Item names/I0"], HasSubstr("Fixed length: 13 letters\nTable: Item names, fields of 14 bytes in records of 44, padded with FF"));
-    EXPECT_THAT(notes["Item names/I0"], ::testing::Not(HasSubstr("repoint")));
+    EXPECT_THAT(notes["Item names (2)/I0"], HasSubstr("Fixed length: 13 letters\nTable: Item names, fields of 14 bytes in records of 44, padded with FF"));
+    EXPECT_THAT(notes["Item names (2)/I0"], ::testing::Not(HasSubstr("repoint")));
 
     struct Case {
         std::string context, translation;
@@ -61,8 +61,8 @@ TEST(NamesInPo, ExportedWithTheirFieldAndImportedIntoItOnly) {
         {"Species names/N1", "BIS", kSpecies + 11, kSpeciesSpec, true},         // shorter: padded with zeros
         {"Species names/N2", Letters(10), kSpecies + 22, kSpeciesSpec, true},   // as long as the field allows
         {"Species names/N3", Letters(11), kSpecies + 33, kSpeciesSpec, false},  // one letter too many
-        {"Item names/I4", "POTION", kItems + 4 * 44, kItemSpec, true},         // padded with end marks
-        {"Item names/I5", Letters(14), kItems + 5 * 44, kItemSpec, false},
+        {"Item names (2)/I4", "POTION", kItems + 4 * 44, kItemSpec, true},         // padded with end marks
+        {"Item names (2)/I5", Letters(14), kItems + 5 * 44, kItemSpec, false},
     };
     std::vector<PoMessage> messages;
     for (const Case& c : cases) messages.push_back({c.context, "-", c.translation, {}, false});
