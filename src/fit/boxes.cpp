@@ -121,7 +121,6 @@ TextBoxes TextBoxes::Read(std::string_view image, const game::GameModel& model) 
             runs.push_back({slots[i] - 4, static_cast<std::uint32_t>(j - i)});
         i = std::max(j, i + 1);
     }
-    std::uint32_t first = 0xFFFFFFFF, last = 0;
     for (std::size_t r = 0; r + 1 < runs.size(); ++r) {
         const Run& a = runs[r];
         const Run& b = runs[r + 1];
@@ -129,12 +128,10 @@ TextBoxes TextBoxes::Read(std::string_view image, const game::GameModel& model) 
         for (std::uint32_t k = 0; k < 2 * a.count + 1; ++k) {
             const std::uint32_t at = a.start + 4 + 4 * k;
             if (k == a.count) continue;  // the second table's empty word
-            const std::uint32_t target = game::Word(image, at) - game::kRomBase;
-            first = std::min(first, target);
-            last = std::max(last, target);
+            boxes.help_.push_back(game::Word(image, at) - game::kRomBase);
         }
     }
-    if (first <= last) boxes.help_.emplace_back(first, last);
+    std::sort(boxes.help_.begin(), boxes.help_.end());
     return boxes;
 }
 
@@ -145,8 +142,7 @@ Box TextBoxes::At(std::uint32_t offset) const {
     if (known && it->second.context != TextContext::Other) return it->second;
     // In an image of no family the model knows, every other text is taken for a message.
     if (!family_) return MessageBox(family_);
-    for (const auto& [first, last] : help_)
-        if (offset >= first && offset <= last) return BoxOf(family_, TextContext::HelpWindow);
+    if (std::binary_search(help_.begin(), help_.end(), offset)) return BoxOf(family_, TextContext::HelpWindow);
     return known ? it->second : BoxOf(family_, TextContext::Other);
 }
 

@@ -41,21 +41,20 @@ class TextBoxes {
 public:
     TextBoxes() = default;
     // The model's uses (in an image of no known family, texts of no known
-    // use are taken for messages), and the help system's texts: tables of them come in
-    // pairs of equal length, one right after the other, each led by an empty
-    // slot (titles, then their explanations); every text from the first to
-    // the last they point at belongs to the help system.
+    // use are taken for messages), and the help system's texts: tables of
+    // them come in pairs of equal length, one right after the other, each led
+    // by an empty slot (titles, then their explanations).
     [[nodiscard]] static TextBoxes Read(std::string_view image, const game::GameModel& model);
 
     [[nodiscard]] Box At(std::uint32_t offset) const;
     [[nodiscard]] std::optional<game::Family> family() const { return family_; }
-    // The help system's texts: [first, last] offsets, when found.
-    [[nodiscard]] const std::vector<std::pair<std::uint32_t, std::uint32_t>>& HelpSpans() const { return help_; }
+    // The help system's texts found, in offset order.
+    [[nodiscard]] const std::vector<std::uint32_t>& HelpTexts() const { return help_; }
 
 private:
     std::optional<game::Family> family_;
     std::vector<std::pair<std::uint32_t, Box>> uses_;  // by offset
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> help_;
+    std::vector<std::uint32_t> help_;
 };
 
 // "208 px, message box" for reports.

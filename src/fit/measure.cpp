@@ -59,6 +59,7 @@ MeasureOptions OptionsFor(const Box& box, std::optional<game::Family> family, st
     MeasureOptions o;
     o.box = box;
     o.symbols = family != game::Family::RubySapphire;
+    o.family = family;
     o.playerName = std::move(playerName);
     return o;
 }
@@ -68,7 +69,12 @@ std::optional<std::string> SampleName(std::string_view editorText) {
     return FromHex(EncodeText(editorText, false));
 }
 
-Item ItemAt(std::string_view b, std::size_t i, const Font& font, const MeasureOptions& options) {
+NameWidths NamesIn(const Font& font) {
+    return {static_cast<int>(std::lround(kUsualNameLetters * font.MeanCapital())), kNameLetters * font.WidestCapital(),
+            font.Width(kZero), static_cast<int>(std::lround(kBufferLetters * font.MeanCapital()))};
+}
+
+Item ItemAt(std::string_view b, std::size_t i, const Font& font, const MeasureOptions& options, const NameWidths& names) {
     const auto byte = static_cast<std::uint8_t>(b[i]);
     auto param = [&](std::size_t k) { return i + k < b.size() ? static_cast<std::uint8_t>(b[i + k]) : std::uint8_t{0}; };
     Item item;
@@ -78,8 +84,8 @@ Item ItemAt(std::string_view b, std::size_t i, const Font& font, const MeasureOp
     }
     auto buffer = [&] {
         item.kind = Item::Placeholder;
-        item.width = font.Width(kZero);
-        item.longest = static_cast<int>(std::lround(kBufferLetters * font.MeanCapital()));
+        item.width = names.buffer;
+        item.longest = names.longestBuffer;
     };
     if (byte == kVariable) {
         item.length = 2;
@@ -94,8 +100,8 @@ Item ItemAt(std::string_view b, std::size_t i, const Font& font, const MeasureOp
             item.longest = item.width;
         } else {
             item.kind = Item::Placeholder;
-            item.width = static_cast<int>(std::lround(kUsualNameLetters * font.MeanCapital()));
-            item.longest = kNameLetters * font.WidestCapital();
+            item.width = names.name;
+            item.longest = names.longestName;
         }
         return item;
     }
@@ -144,6 +150,7 @@ Measure MeasureBytes(std::string_view bytes, const Font& font, const MeasureOpti
     m.limit = options.box.width;
     const std::string_view b = m.bytes;
 
+    const NameWidths names = NamesIn(font);
     int editorLine = 0;
     Line line;
     line.editorLine = 0;
@@ -191,7 +198,7 @@ Measure MeasureBytes(std::string_view bytes, const Font& font, const MeasureOpti
             ++i;
             continue;
         }
-        const Item item = ItemAt(b, i, font, options);
+        const Item item = ItemAt(b, i, font, options, names);
         if (item.kind == Item::Position) {
             width = item.grows ? std::max(width, item.width) : item.width;
             longest = item.grows ? std::max(longest, item.width) : item.width;

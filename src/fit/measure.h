@@ -48,6 +48,7 @@ struct MeasureOptions {
     std::optional<std::string> playerName;
     Box box{};             // the window the text shows in
     bool symbols = true;   // F7, F8 and F9 take a parameter byte (not in Ruby and Sapphire)
+    std::optional<game::Family> family;
 };
 
 // The options for a text of `box` in a game of `family`.
@@ -105,8 +106,19 @@ struct Item {
     bool grows = false;      // Position: the x is a least one (clear to), not a jump
 };
 
-// The item at `at` (inside `bytes`).
-Item ItemAt(std::string_view bytes, std::size_t at, const Font& font, const MeasureOptions& options);
+// Names and buffers in a font: as usual and at their longest.
+struct NameWidths {
+    int name = 0, longestName = 0;
+    int buffer = 0, longestBuffer = 0;
+};
+NameWidths NamesIn(const Font& font);
+
+// The item at `at` (inside `bytes`); `names` as NamesIn(font) gives them.
+Item ItemAt(std::string_view bytes, std::size_t at, const Font& font, const MeasureOptions& options,
+            const NameWidths& names);
+inline Item ItemAt(std::string_view bytes, std::size_t at, const Font& font, const MeasureOptions& options) {
+    return ItemAt(bytes, at, font, options, NamesIn(font));
+}
 
 // The width of a button picture (F8 xx).
 int KeypadWidth(std::uint8_t code);

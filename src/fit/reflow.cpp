@@ -26,8 +26,9 @@ std::vector<Paragraph> Parse(std::string_view bytes, const Font& font, const Mea
     std::vector<Paragraph> paragraphs(1, Paragraph(1));
     std::string spaces;
     int spaceWidth = 0;
+    const NameWidths names = NamesIn(font);
     for (std::size_t i = 0; i < bytes.size();) {
-        const Item item = ItemAt(bytes, i, font, options);
+        const Item item = ItemAt(bytes, i, font, options, names);
         const auto byte = static_cast<std::uint8_t>(bytes[i]);
         if (item.kind == Item::Break) {
             if (byte == kNewBox)
@@ -70,6 +71,12 @@ std::vector<Words> Wrap(const Paragraph& paragraph, int first, int rest, const W
     Words pending;
     auto limit = [&] { return lines.empty() ? first : rest; };
     for (std::size_t li = 0; li < paragraph.size(); ++li) {
+        if (paragraph[li].empty() && li + 1 < paragraph.size()) {
+            // An empty line the author left stays, after what came before it.
+            if (!pending.empty()) lines.push_back(std::move(pending)), pending.clear();
+            lines.emplace_back();
+            continue;
+        }
         const bool carried = !pending.empty();
         for (std::size_t k = 0; k < paragraph[li].size(); ++k) {
             Word w = paragraph[li][k];
@@ -116,19 +123,28 @@ std::vector<Words> Wrap(const Paragraph& paragraph, int first, int rest, const W
 }  // namespace
 
 ReflowOptions ReflowFor(const Box& box, std::optional<game::Family> family, bool specialDialog,
-                        std::optional<std::string> playerName) {
+                        std::optional<std::string> playerName, const Font* font, std::string_view original) {
     ReflowOptions o;
     o.measure = OptionsFor(box, family, std::move(playerName));
     o.scroll = box.lines == 2 && !specialDialog;
+    if (box.context != game::TextContext::Other) return o;
+    o.wrap = MessageBox(family);
+    o.scroll = !specialDialog;
+    const Measure m = font ? MeasureBytes(original, *font, o.measure) : Measure{};
+    if (m.lines.size() >= 2 && m.WidestWidth() < box.width) {
+        o.wrap->width = std::min(o.wrap->width, m.WidestWidth());
+        o.measure.box.width = o.wrap->width;  // what does not fit it is broken anew
+        o.scroll = original.find_first_of("\xFA\xFB") != std::string_view::npos;
+    }
     return o;
 }
 
 std::string ReflowBytes(std::string_view bytes, const Font& font, const ReflowOptions& options) {
     const std::string_view text = bytes.substr(0, std::min(bytes.find('\xFF'), bytes.size()));
-    const Box& box = options.measure.box;
-    if (!box.check) return std::string(text);
+    if (!options.measure.box.check) return std::string(text);
     const Measure m = MeasureBytes(text, font, options.measure);
     if (m.overCount == 0) return std::string(text);
+    const Box& box = options.wrap ? *options.wrap : options.measure.box;
 
     const Word space{std::string(1, '\0'), ItemAt(std::string_view("\0", 1), 0, font, options.measure).width, {}, 0, {}};
     const int waiting = box.width - box.cursor;  // a line that waits leaves room for the arrow

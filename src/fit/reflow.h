@@ -18,11 +18,18 @@ struct ReflowOptions {
     // Lines after a box's second scroll in with \l (the message box); else
     // every line break is \n (the editor's Special Dialog, other windows).
     bool scroll = true;
+    // The box a text that does not fit is broken for, when not its own (see
+    // ReflowFor).
+    std::optional<Box> wrap;
 };
 
-// The options for a text of `box` in a game of `family`.
+// The options for a text of `box` in a game of `family`. A text whose
+// window is not known is broken for the message box, which fits in any; when
+// its text as the game had it (`original`, game bytes) holds several lines,
+// their widest tells the window, and its breaks whether it scrolls.
 ReflowOptions ReflowFor(const Box& box, std::optional<game::Family> family, bool specialDialog = false,
-                        std::optional<std::string> playerName = std::nullopt);
+                        std::optional<std::string> playerName = std::nullopt, const Font* font = nullptr,
+                        std::string_view original = {});
 
 // Game bytes (up to 0xFF, not included) reflowed; the same bytes when every
 // line already fits. A line that waits for a button keeps the box's room

@@ -74,6 +74,7 @@ Picture DrawBox(const Measure& m, int box, const Font& font, const DrawOptions& 
     const std::string_view bytes = m.bytes;
     const std::size_t rows = std::min(b.lines.size(), static_cast<std::size_t>(kLinesPerBox));
 
+    const NameWidths names = NamesIn(font);
     // Walks a line: every glyph with its x and colours; returns the x reached.
     using GlyphAt = std::function<void(std::uint8_t byte, int x, std::uint32_t letter, std::uint32_t shadow)>;
     auto walk = [&](const Line& line, const GlyphAt& draw) {
@@ -82,7 +83,7 @@ Picture DrawBox(const Measure& m, int box, const Font& font, const DrawOptions& 
         int x = 0;
         for (std::size_t i = line.begin; i < line.end;) {
             const auto byte = static_cast<std::uint8_t>(bytes[i]);
-            const Item item = ItemAt(bytes.substr(0, line.end), i, font, o.measure);
+            const Item item = ItemAt(bytes.substr(0, line.end), i, font, o.measure, names);
             auto param = [&](std::size_t k) {
                 return i + 2 + k < line.end ? static_cast<std::uint8_t>(bytes[i + 2 + k]) : std::uint8_t{0};
             };
