@@ -274,8 +274,9 @@ Translated Translate(const PoMessage& message, const RomSide& side, const Import
     tr.newText = FromPoText(message.str);
     tr.encoded = EncodeForImport(tr.newText, SavedAsSpecialDialog(t.bytes));
     if (side.model && side.font.font && tr.encoded.refusal.empty()) {
-        const fit::ReflowOptions reflow = fit::ReflowFor(side.boxes.At(t.offset), side.boxes.family(),
-                                                         SavedAsSpecialDialog(t.bytes), request.fit.PlayerName());
+        const fit::ReflowOptions reflow =
+            fit::ReflowFor(side.boxes.At(t.offset), side.boxes.family(), SavedAsSpecialDialog(t.bytes),
+                           request.fit.PlayerName(), &*side.font.font, t.bytes);
         std::string reflowed = fit::ReflowBytes(tr.encoded.bytes, *side.font.font, reflow);
         if (reflowed != tr.encoded.bytes) tr.newText = DecodeText(reflowed, false), tr.encoded.bytes = std::move(reflowed);
     }

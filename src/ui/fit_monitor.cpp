@@ -16,6 +16,8 @@
 #include <QTextCursor>
 #include <QToolTip>
 
+#include <algorithm>
+
 namespace quillon::ui {
 
 FitMonitor::FitMonitor(Session& session, QPlainTextEdit* text1, QLabel* repoint, QMenu* textMenu, QMenu* toolsMenu,
@@ -173,7 +175,11 @@ void FitMonitor::Reflow() {
     if (!font_ || !session_.RomOpen()) return;
     const std::string& text = session_.controls.text1.Text();
     const bool special = session_.controls.specialDialog;
-    const std::string reflowed = fit::ReflowText(text, special, *font_, {options_, options_.box.lines == 2 && !special});
+    const std::string& loaded = session_.loaded.bytes;
+    const std::string reflowed = fit::ReflowText(
+        text, special, *font_,
+        fit::ReflowFor(options_.box, options_.family, special, options_.playerName, &*font_,
+                       std::string_view(loaded).substr(0, std::min(loaded.find('\xFF'), loaded.size()))));
     if (reflowed == text) return;
     QTextCursor cursor(text1_->document());
     cursor.beginEditBlock();
