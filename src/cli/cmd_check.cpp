@@ -50,6 +50,8 @@ void RegisterCheck(CLI::App& app, CliContext& ctx) {
         const fit::CheckReport report = fit::CheckRom(args->rom, offsets, settings.named, settings.PlayerName());
         if (!report.checked) throw CommandFailed(report.why);
         for (const std::string& skipped : report.skipped) std::fprintf(stderr, "skipped %s\n", skipped.c_str());
+        for (const fit::FoundFont& font : report.fonts)
+            std::fprintf(stderr, "font: %s\n", fit::DescribePlace(font.place).c_str());
         if (args->format == "tsv") {
             for (const fit::CheckRow& row : report.rows)
                 for (const fit::Finding& f : row.findings)

@@ -146,6 +146,4 @@ Box TextBoxes::At(std::uint32_t offset) const {
     return known ? it->second : BoxOf(family_, TextContext::Other);
 }
 
-std::string DescribeBox(const Box& box) { return std::to_string(box.width) + " px, " + std::string(box.name); }
-
 }  // namespace quillon::fit

@@ -57,7 +57,4 @@ private:
     std::vector<std::uint32_t> help_;
 };
 
-// "208 px, message box" for reports.
-[[nodiscard]] std::string DescribeBox(const Box& box);
-
 }  // namespace quillon::fit

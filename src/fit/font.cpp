@@ -169,7 +169,6 @@ Font MakeFont(std::string_view image, const FontPlace& place) {
     std::copy_n(At(image, place.widths), widthBytes, font.widths.begin());
     const std::size_t glyphBytes = kGlyphCount * GlyphBytes(place.format);
     font.glyphs.assign(At(image, place.glyphs), At(image, place.glyphs) + glyphBytes);
-    font.widest = *std::max_element(font.widths.begin(), font.widths.begin() + kTextGlyphs);
     return font;
 }
 
@@ -341,12 +340,7 @@ static FontResult LocateWith(std::string_view image, std::optional<FontPlace> na
         }
         for (std::size_t i = 0; i < kWidthCount; ++i) result.font->widths[i] = std::max(result.font->widths[i], f.widths[i]);
     }
-    result.font->widest = *std::max_element(result.font->widths.begin(), result.font->widths.begin() + kTextGlyphs);
     return result;
-}
-
-FontResult LoadFont(const std::filesystem::path& rom, std::optional<FontPlace> named) {
-    return LocateFont(ReadImage(rom), named);
 }
 
 std::string ReadImage(const std::filesystem::path& rom) {

@@ -48,7 +48,6 @@ struct Font {
     FontPlace place;
     std::array<std::uint8_t, kWidthCount> widths{};
     std::vector<std::uint8_t> glyphs;  // kGlyphCount glyphs in place.format
-    int widest = 0;                    // widest glyph of the text bytes 0x00..0xF6
 
     int Width(std::uint8_t byte) const { return widths[byte]; }
     // A symbol of the second table (F9 xx).
@@ -85,9 +84,6 @@ struct FontResult {
 FontResult LocateFont(std::string_view image, std::optional<FontPlace> named = std::nullopt);
 // The same with the image's pointers already indexed.
 FontResult LocateFont(std::string_view image, std::optional<FontPlace> named, const game::PointerIndex& pointers);
-
-// The same from a ROM file (read whole, at most 32 MiB).
-FontResult LoadFont(const std::filesystem::path& rom, std::optional<FontPlace> named = std::nullopt);
 
 // Reads a whole image into memory; throws FileError, or std::runtime_error
 // for an image larger than 32 MiB.
