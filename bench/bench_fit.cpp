@@ -101,7 +101,7 @@ int main() {
     // Reflowing 5,000 texts into a box narrow enough that most break anew.
     fit::Box narrow;
     narrow.width = 120;
-    const fit::ReflowOptions reflow{fit::OptionsFor(narrow, std::nullopt), true};
+    const fit::ReflowOptions reflow{fit::OptionsFor(narrow, std::nullopt), true, {}};
     perCall("Reflow 5000 texts",
             bench::Compare(
                 [&] {

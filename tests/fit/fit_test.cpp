@@ -260,16 +260,16 @@ TEST(FitReflow, BreaksBetweenWordsKeepsForcedBreaksAndNeverSplitsATag) {
         {"room for the arrow", "aaaaaaaaa bbbbbbbbb", "aaaaaaaaa\r\nbbbbbbbb\r\nb", Narrow(60, 7)},
     };
     for (const Case& c : cases) {
-        const ReflowOptions o{OptionsFor(c.box, Family::FireRedLeafGreen), true};
+        const ReflowOptions o{OptionsFor(c.box, Family::FireRedLeafGreen), true, {}};
         const std::string out = ReflowText(c.text, false, font, o);
         EXPECT_EQ(out, c.reflowed) << c.name;
         EXPECT_EQ(MeasureText(out, false, font, o.measure).overCount, 0) << c.name;
     }
     // The game's breaks: \n for the second line, \l for each that scrolls in; \n alone elsewhere.
     const std::string bytes = HexToBytes(EncodeText("aaaa bbbb cccc dddd eeee", false));
-    EXPECT_EQ(ReflowBytes(bytes, font, {OptionsFor(Narrow(60), {}), true}),
+    EXPECT_EQ(ReflowBytes(bytes, font, {OptionsFor(Narrow(60), {}), true, {}}),
               HexToBytes(EncodeText("aaaa bbbb\r\ncccc dddd", false)) + "\xFA" + HexToBytes(EncodeText("eeee", false)));
-    EXPECT_EQ(ReflowBytes(bytes, font, {OptionsFor(Narrow(60), {}), false}).find('\xFA'), std::string::npos);
+    EXPECT_EQ(ReflowBytes(bytes, font, {OptionsFor(Narrow(60), {}), false, {}}).find('\xFA'), std::string::npos);
 }
 
 // --- drawing ---------------------------------------------------------------
