@@ -7,8 +7,8 @@
 #include "core/file_io.h"
 #include "discover/discover.h"
 #include "discover/offset_merge.h"
+#include "edit/text_view.h"
 #include "game/words.h"
-#include "offsets/offset_file.h"
 #include "support/game_image.h"
 
 #include <quillon/core.h>
@@ -66,6 +66,20 @@ int main() {
     std::printf("texts found %zu, places of one text's pointer %zu, %.3f ms each (limit 1 ms) %s\n", texts, places,
                 r.subject * 1e3, fast ? "ok" : "OVER");
     ok &= fast;
+
+    // The same over 32 MiB: the second half's pointers (bank 0x09) are read too.
+    {
+        std::string large = image;
+        while (large.size() < (32u << 20)) large += static_cast<char>(random());
+        const auto largePath = folder / "large.gba";
+        io::ReplaceFile(largePath, large);
+        auto largePass = [&] {
+            std::int32_t start = 1;
+            none = FindBytes(largePath, missing, start);
+        };
+        auto largeDiscover = [&] { texts = discover::DiscoverTexts(io::ReadAll(largePath)).size(); };
+        ok &= bench::Report("Game model and discovery, 32 MiB image", bench::Compare(largeDiscover, largePass, 5), 10.0);
+    }
 
     // The tree of the offset file that discovery writes for this image.
     const auto found = discover::DiscoverTexts(model, image);

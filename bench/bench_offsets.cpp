@@ -1,10 +1,12 @@
 // Loading a large offset file into the tree, and a repoint in a 32 MiB image
 // with 1,000 pointers to the moved text.
 #include "app/session.h"
+#include "discover/find_texts.h"
+#include "edit/open_rom.h"
 #include "edit/save_text.h"
 #include "edit/text_view.h"
+#include "fit/fit_settings.h"
 #include "offsets/offset_file.h"
-#include "offsets/open_rom.h"
 
 #include <quillon/core.h>
 
@@ -28,7 +30,7 @@ public:
     std::optional<std::string> Input(std::string_view, std::string_view, std::string_view) override { return {}; }
     std::optional<std::filesystem::path> OpenFile(std::string_view, std::string_view) override { return rom; }
     std::optional<std::filesystem::path> SaveFile(std::string_view, std::string_view) override { return {}; }
-    void ShowAddOffset(AddOffsetForm&) override {}
+    void ShowAddOffset(AddOffsetFields&) override {}
 };
 
 void Write(const std::filesystem::path& path, const std::string& bytes) {
@@ -75,7 +77,7 @@ int main() {
     QuietUser user;
     user.rom = rom;
     Session session(folder, user);
-    OpenRom(session);
+    OpenRom(session, OfferFindTexts);
 
     bool ok = true;
     std::size_t lines = 0;
@@ -103,7 +105,7 @@ int main() {
         session.tree.Select(1);
         Text_Load(session);
         session.controls.text1.SetText("Hello, a longer text!");
-        repoint.push_back(bench::TimeOnce([&] { SaveText(session); }));
+        repoint.push_back(bench::TimeOnce([&] { SaveText(session, fit::ConfirmFitBeforeSave); }));
         std::int32_t found = 0;
         pass.push_back(bench::TimeOnce([&] {
             std::int32_t start = 1;

@@ -4,7 +4,7 @@
 // Runs on Qt's offscreen platform unless another is set.
 #include "app/clipboard.h"
 #include "app/session.h"
-#include "offsets/offset_file.h"
+#include "edit/text_view.h"
 #include "ui/main_window.h"
 
 #include "ratio.h"
@@ -26,7 +26,7 @@ public:
     std::optional<std::string> Input(std::string_view, std::string_view, std::string_view) override { return {}; }
     std::optional<std::filesystem::path> OpenFile(std::string_view, std::string_view) override { return {}; }
     std::optional<std::filesystem::path> SaveFile(std::string_view, std::string_view) override { return {}; }
-    void ShowAddOffset(AddOffsetForm&) override {}
+    void ShowAddOffset(AddOffsetFields&) override {}
 };
 
 class NoClipboard : public Clipboard {

@@ -12,7 +12,7 @@ struct SilentPrompter : Prompter {
     std::optional<std::string> Input(std::string_view, std::string_view, std::string_view) override { return {}; }
     std::optional<std::filesystem::path> OpenFile(std::string_view, std::string_view) override { return {}; }
     std::optional<std::filesystem::path> SaveFile(std::string_view, std::string_view) override { return {}; }
-    void ShowAddOffset(AddOffsetForm&) override {}
+    void ShowAddOffset(AddOffsetFields&) override {}
 };
 
 }  // namespace quillon::bench

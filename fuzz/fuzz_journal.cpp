@@ -1,7 +1,7 @@
 // Feeds arbitrary bytes to the save journal's reader as a journal left
 // behind: in any of its forms, damaged or not, it reads a plan whose writes
 // keep their length, or refuses; it never reads past the bytes it was given.
-#include "edit/write_plan.h"
+#include "store/journal.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -21,5 +21,6 @@ QUILLON_FUZZ_PACKAGES=(clang libclang-rt-dev)
 # The windows: Qt 6 Widgets, Network and Test, and an X server with a window
 # manager and a pointer driver for the screenshots and the drag check.
 QUILLON_UI_PACKAGES=(qt6-base-dev xvfb xauth openbox xdotool)
-# The screenshot tool: a CJK font for the kana of the Japanese character list.
-QUILLON_SHOT_PACKAGES=(fonts-noto-cjk)
+# A CJK font, so that the kana of the Japanese character list and the search
+# window's button draw on a fresh machine (the program and its pictures).
+QUILLON_FONT_PACKAGES=(fonts-noto-cjk)

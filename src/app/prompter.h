@@ -9,7 +9,7 @@
 
 namespace quillon {
 
-class AddOffsetForm;
+class AddOffsetFields;
 
 // Title of every message box that has none of its own.
 inline constexpr std::string_view kProgramTitle = "Quillon";
@@ -59,7 +59,7 @@ public:
     virtual std::optional<std::filesystem::path> SaveFile(std::string_view title, std::string_view filter) = 0;
     // Shows the add-offset window modally over the current window until the
     // user adds the entry or cancels; the form holds its fields and commands.
-    virtual void ShowAddOffset(AddOffsetForm& form) = 0;
+    virtual void ShowAddOffset(AddOffsetFields& form) = 0;
 };
 
 }  // namespace quillon

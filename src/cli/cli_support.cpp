@@ -3,7 +3,7 @@
 #include "app/session.h"
 #include "core/file_io.h"
 #include "edit/free_space.h"
-#include "edit/write_plan.h"
+#include "store/write_plan.h"
 #include "translate/rom_texts.h"
 
 #include <quillon/header.h>
@@ -26,7 +26,7 @@ public:
     std::optional<std::string> Input(std::string_view, std::string_view, std::string_view) override { return {}; }
     std::optional<std::filesystem::path> OpenFile(std::string_view, std::string_view) override { return {}; }
     std::optional<std::filesystem::path> SaveFile(std::string_view, std::string_view) override { return {}; }
-    void ShowAddOffset(AddOffsetForm&) override {}
+    void ShowAddOffset(AddOffsetFields&) override {}
 };
 
 }  // namespace
@@ -44,6 +44,8 @@ void RequireRom(const std::filesystem::path& rom) {
         throw CommandFailed("'" + rom.string() + "' is not a file.");
     if (io::FileSize(rom) < kFirstWritableOffset)
         throw CommandFailed("'" + rom.string() + "' is too short to hold a cartridge header.");
+    if (io::FileSize(rom) > kLargestImage)
+        throw CommandFailed("'" + rom.string() + "' is larger than 32 MiB, more than a Game Boy Advance cartridge holds.");
 }
 
 std::filesystem::path OffsetFileFor(const CliContext& ctx, const std::filesystem::path& rom,

@@ -2,7 +2,7 @@
 #include "cli/cli_support.h"
 #include "cli/commands.h"
 #include "core/file_io.h"
-#include "edit/text_view.h"
+#include "core/codec/text_bytes.h"
 
 #include <quillon/codec.h>
 #include <quillon/rom.h>

@@ -5,7 +5,7 @@
 #include "core/file_io.h"
 #include "discover/discover.h"
 #include "discover/offset_merge.h"
-#include "edit/write_plan.h"
+#include "store/writer.h"
 
 #include <quillon/rom.h>
 

@@ -112,13 +112,13 @@ std::string ReadAll(const std::filesystem::path& path) {
 }
 
 void WriteAt(const std::filesystem::path& path, std::uint64_t offset, std::string_view bytes) {
-    WritePatches(path, {Patch{offset, std::string(bytes)}});
+    WritePatches(path, {BytesAt{offset, std::string(bytes)}});
 }
 
-void WritePatches(const std::filesystem::path& path, const std::vector<Patch>& patches) {
+void WritePatches(const std::filesystem::path& path, const std::vector<BytesAt>& patches) {
     if (IsWriteProtected(path)) ThrowFileError(path, "write", EACCES);
     File f = Open(path, "r+b", "open for writing");
-    for (const Patch& p : patches) {
+    for (const BytesAt& p : patches) {
         if (p.bytes.empty()) continue;
         CheckHook(path);
         Seek(f.get(), p.offset, path, "write");

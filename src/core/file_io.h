@@ -2,6 +2,8 @@
 // The one place where the program touches files on disk. Every write goes
 // through here so that a test can make any single write fail (as a full disk
 // or a pulled cable would) and check what is left behind.
+#include "core/bytes_at.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -87,15 +89,9 @@ private:
 // block reaches past its end. The data is flushed to disk before returning.
 void WriteAt(const std::filesystem::path& path, std::uint64_t offset, std::string_view bytes);
 
-// One block of bytes to put at an offset.
-struct Patch {
-    std::uint64_t offset;
-    std::string bytes;
-};
-
 // Writes the blocks in order through one opening of the file and flushes them
 // to disk once at the end. Each block counts as one write for the hook.
-void WritePatches(const std::filesystem::path& path, const std::vector<Patch>& patches);
+void WritePatches(const std::filesystem::path& path, const std::vector<BytesAt>& patches);
 
 // Replaces (or creates) a whole file through a temporary file in the same
 // folder and a rename, so a crash leaves either the old or the new contents.

@@ -64,8 +64,10 @@ std::optional<int> Confidence(std::string_view image, const game::TextUse& use, 
     const Boundary boundary = BoundaryBefore(image, use.offset);
     // Right after another text's end a label will do: "B3F", "[PLAYER]".
     const bool label = boundary == Boundary::Terminator && game::LooksLikeLabel(*shape);
+    // A table of a known kind holds texts: names and labels will do.
+    if (!use.table.empty() && table > 0 && (game::LooksLikeText(*shape) || game::LooksLikeLabel(*shape)))
+        return std::clamp(70 + game::TextScore(*shape) / 4, 0, 100);
     if (table + pool == 0 || !(game::LooksLikeText(*shape) || label)) return std::nullopt;
-    if (!use.table.empty()) return std::clamp(70 + game::TextScore(*shape) / 4, 0, 100);
     // A lone word: the text must start where a text can start.
     switch (boundary) {
         case Boundary::InsideText: return std::nullopt;  // the middle of a longer run

@@ -1,11 +1,11 @@
 #include "discover/find_texts.h"
 
+#include "app/commit.h"
 #include "app/progress.h"
 #include "app/session.h"
 #include "core/file_io.h"
 #include "discover/offset_merge.h"
-#include "edit/commit.h"
-#include "offsets/offset_file.h"
+#include "edit/text_view.h"
 
 #include <quillon/errors.h>
 #include <quillon/rom.h>
@@ -60,6 +60,12 @@ bool FindTextsInRom(Session& session, Progress& progress) {
     Tree_Load(session);
     session.Changed();
     return true;
+}
+
+void OfferFindTexts(Session& session) {
+    if (!session.prompter.AskYesNo(kOfferFindTexts)) return;
+    NoProgress quiet;
+    FindTextsInRom(session, session.progress ? *session.progress : quiet);
 }
 
 }  // namespace quillon

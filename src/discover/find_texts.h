@@ -19,4 +19,8 @@ inline constexpr std::string_view kOfferFindTexts =
 // user says No. True when entries were added.
 bool FindTextsInRom(Session& session, Progress& progress);
 
+// After a blank offset file was created: asks kOfferFindTexts and on Yes
+// finds the texts, showing the work on the session's progress display.
+void OfferFindTexts(Session& session);
+
 }  // namespace quillon

@@ -1,7 +1,7 @@
 #include "discover/offset_merge.h"
 #include "core/hex_text.h"
 
-#include "offsets/ini_document.h"
+#include "core/ini_document.h"
 
 #include <algorithm>
 #include <charconv>

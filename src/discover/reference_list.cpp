@@ -2,8 +2,8 @@
 
 #include "core/file_io.h"
 #include "core/hex_text.h"
-#include "discover/model_cache.h"
-#include "discover/place_counts.h"
+#include "repoint/model_cache.h"
+#include "repoint/place_counts.h"
 
 #include <quillon/codec.h>
 
@@ -40,7 +40,7 @@ std::vector<ReferenceRow> ReferenceRows(const std::filesystem::path& rom, const 
     const auto target = Offset(offset);
     if (!target) return rows;
     constexpr std::size_t kAround = 6;
-    for (const game::Place& r : ModelOf(rom)->ReferencesTo(*target)) {
+    for (const game::Place& r : repoint::ModelOf(rom)->ReferencesTo(*target)) {
         const std::uint64_t from = r.place >= kAround ? r.place - kAround : 0;
         const std::string window = io::ReadAt(rom, from, static_cast<std::size_t>(r.place - from) + 4 + kAround);
         rows.push_back({PlainHex(r.place, 6), std::string(game::KindName(r.kind)), std::string(r.rule),
@@ -53,7 +53,7 @@ std::string PointersCaption(const std::filesystem::path& rom, const std::string&
     const auto target = Offset(offset);
     if (!target || rom.empty()) return {};
     std::size_t references = 0;
-    for (const game::Place& r : ModelOf(rom)->ReferencesTo(*target)) references += game::IsReference(r.kind);
+    for (const game::Place& r : repoint::ModelOf(rom)->ReferencesTo(*target)) references += game::IsReference(r.kind);
     return "Pointers: " + std::to_string(references);
 }
 

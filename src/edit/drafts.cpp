@@ -2,6 +2,7 @@
 
 #include "app/session.h"
 #include "core/file_io.h"
+#include "core/codec/text_bytes.h"
 #include "edit/text_view.h"
 
 #include <quillon/codec.h>
@@ -136,6 +137,23 @@ void LoadDrafts(Session& session) {
         }
     } catch (const std::exception&) {
     }
+}
+
+void AnnounceDrafts(Session& session) {
+    if (session.drafts.empty()) return;
+    constexpr std::size_t kNamed = 5;
+    const std::size_t count = session.drafts.size();
+    std::string text = (count == 1 ? std::string("1 unsaved edit") : std::to_string(count) + " unsaved edits") +
+                       " kept from last time: ";
+    std::size_t named = 0;
+    for (const auto& [entry, draft] : session.drafts) {
+        if (named == kNamed) break;
+        const auto cut = entry.find('\n');
+        text += (named++ ? ", " : "") + entry.substr(0, cut) + " / " + entry.substr(cut + 1);
+    }
+    if (count > kNamed) text += " and " + std::to_string(count - kNamed) + " more";
+    text += ".\r\nTheir entries show in italics; open one to restore or discard its edit.";
+    session.prompter.Message(Icon::Information, text, "Unsaved edits");
 }
 
 }  // namespace quillon

@@ -34,5 +34,8 @@ void LeaveRom(Session& session);
 // drafts are a convenience, never a reason to stop.
 void StoreDrafts(const Session& session);
 void LoadDrafts(Session& session);
+// Once, after a ROM is opened with drafts kept from an earlier session: one
+// message that names their entries ("3 unsaved edits kept from last time: ...").
+void AnnounceDrafts(Session& session);
 
 }  // namespace quillon

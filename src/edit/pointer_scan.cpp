@@ -5,10 +5,10 @@
 
 namespace quillon {
 
-std::vector<io::Patch> ScanPointerRewrites(const std::filesystem::path& rom, std::string_view oldPointer,
+std::vector<BytesAt> ScanPointerRewrites(const std::filesystem::path& rom, std::string_view oldPointer,
                                            std::string_view newPointer) {
     constexpr std::size_t kBlock = 1 << 20;
-    std::vector<io::Patch> rewrites;
+    std::vector<BytesAt> rewrites;
     if (oldPointer.empty() || oldPointer.size() != newPointer.size()) return rewrites;
     io::InputFile in(rom);
     const std::size_t keep = oldPointer.size();  // carried into the next block

@@ -13,7 +13,7 @@ namespace quillon {
 // pointer that only appears once neighbouring pointers are rewritten is
 // caught too. A hit at file offset 0 ends the scan, as a search reports it as
 // no match. Nothing is written.
-std::vector<io::Patch> ScanPointerRewrites(const std::filesystem::path& rom, std::string_view oldPointer,
+std::vector<BytesAt> ScanPointerRewrites(const std::filesystem::path& rom, std::string_view oldPointer,
                                            std::string_view newPointer);
 
 }  // namespace quillon

@@ -1,29 +1,29 @@
 #include "edit/save_text.h"
 #include "core/hex_text.h"
 
+#include "app/commit.h"
 #include "app/session.h"
-#include "edit/free_space.h"
-#include "discover/repoint_choice.h"
-#include "edit/pointer_scan.h"
-#include "edit/commit.h"
 #include "core/file_io.h"
+#include "core/ini_document.h"
+#include "repoint/repoint_choice.h"
+#include "edit/free_space.h"
+#include "edit/pointer_scan.h"
 #include "edit/text_view.h"
-#include "fit/fit_settings.h"
-#include "offsets/ini_document.h"
 #include "offsets/offset_file.h"
+#include "store/disk_check.h"
+#include "store/write_plan.h"
 
 #include <quillon/codec.h>
 #include <quillon/errors.h>
 #include <quillon/rom.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace quillon {
 namespace {
 
 constexpr std::string_view kAskTitle = "Do you really want to do that?";
-constexpr std::int32_t kLowestPointable = 0x100000;
-constexpr std::int32_t kHighestPointable = 0xFFFFFF;
 
 std::string Repeat(std::string_view piece, std::size_t times) {
     std::string out;
@@ -35,8 +35,6 @@ std::string Repeat(std::string_view piece, std::size_t times) {
 void Refuse(Session& session, const std::string& why) {
     session.prompter.Message(Icon::Critical, why + "\r\nNothing was written.");
 }
-
-bool Pointable(std::int32_t offset) { return offset >= kLowestPointable && offset <= kHighestPointable; }
 
 // Adds the offset file to the plan: the selected entry gets the new offset, but
 // only when it is the text being moved (a text opened by its offset need not
@@ -64,29 +62,32 @@ void MoveOffsetEntry(Session& session, WritePlan& plan, std::int32_t oldOffset, 
 
 enum class Step { Done, Stop };
 
-// The shown text's bytes as they were loaded, still in the ROM: nothing when
-// they are, else what differs.
-std::optional<std::string> ChangedSinceLoad(const Session& session) {
-    const LoadedText& loaded = session.loaded;
-    const std::uint64_t size = io::FileSize(session.romPath);
-    if (size != loaded.romSize)
-        return "The ROM was changed outside Quillon since the text was loaded: its size is now " +
-               std::to_string(size) + " bytes instead of " + std::to_string(loaded.romSize) + ".";
-    if (io::ReadAt(session.romPath, loaded.offset, loaded.bytes.size()) != loaded.bytes)
-        return "The ROM was changed outside Quillon since the text was loaded: the text's bytes at offset " +
-               PlainHex(static_cast<std::int32_t>(loaded.offset)) + " are no longer the ones shown.";
-    return std::nullopt;
+// The shown text's place as the text was loaded there: what a save expects
+// to find before it writes anything.
+WritePlan AsLoaded(const Session& session) {
+    WritePlan plan;
+    plan.rom = session.romPath;
+    plan.romSize = session.loaded.romSize;
+    plan.romWrites.push_back({session.loaded.offset, session.loaded.bytes, session.loaded.bytes});
+    return plan;
 }
 
+// The writes of `blocks`, expecting the text's place to hold the text as it
+// was loaded, so that the writer also notices a change made while the user
+// answered a question.
 WritePlan PlanFor(const Session& session, std::vector<BytesAt> blocks) {
-    WritePlan plan;
+    WritePlan plan = AsLoaded(session);  // its ranges follow
     plan.command = "Save Text";
     plan.subject = session.tree.SelectedParentText();
     if (const TreeNode* node = session.tree.SelectedNode(); node && !IsSectionNodeKey(node->key))
         plan.subject += " / " + KeyNameOf(node->key);
-    plan.rom = session.romPath;
-    plan.romSize = session.loaded.romSize;
     plan.romWrites = RangesFor(session.romPath, blocks);
+    const LoadedText& loaded = session.loaded;
+    for (RomWrite& w : plan.romWrites) {
+        const std::uint64_t from = std::max(w.offset, loaded.offset);
+        const std::uint64_t to = std::min(w.offset + w.before.size(), loaded.offset + loaded.bytes.size());
+        if (from < to) loaded.bytes.copy(w.before.data() + (from - w.offset), to - from, from - loaded.offset);
+    }
     return plan;
 }
 
@@ -118,9 +119,13 @@ Step Repoint(Session& session, std::int32_t newLength) {
         session.prompter.Message(Icon::Critical, kBadFreeSpaceOffset);
         return Step::Stop;
     }
-    if (!Pointable(oldOffset)) {
-        Refuse(session, "The text at offset " + c.offsetCaption +
-                            " can't be re-pointed: pointers can only be built for offsets from 100000 to FFFFFF (Hex).");
+    // A 16 MiB image reaches up to FFFFFF; a larger one up to its end, with
+    // pointers of the second half.
+    const std::uint64_t romSize = io::FileSize(session.romPath);
+    const std::string reach =
+        "pointers can only be built for offsets from 100000 to " + PlainHex(HighestPointable(romSize)) + " (Hex).";
+    if (!Pointable(oldOffset, romSize)) {
+        Refuse(session, "The text at offset " + c.offsetCaption + " can't be re-pointed: " + reach);
         return Step::Stop;
     }
     std::string run = FreeRun(c.gameCode, static_cast<std::size_t>(newLength) + 2);
@@ -131,16 +136,13 @@ Step Repoint(Session& session, std::int32_t newLength) {
     }
     const std::int32_t newOffset = found + 1;
     const std::string newOffsetText = PlainHex(newOffset);
-    if (!Pointable(newOffset)) {
-        Refuse(session, "The free space found at offset " + newOffsetText +
-                            " can't be pointed to: pointers can only be built for offsets from 100000 to FFFFFF (Hex).");
+    if (!Pointable(newOffset, romSize)) {
+        Refuse(session, "The free space found at offset " + newOffsetText + " can't be pointed to: " + reach);
         return Step::Stop;
     }
-    const std::string oldPointer = HexToBytes(PointerHex(PadHex(oldOffset)));
-    const std::string newPointer = HexToBytes(PointerHex(newOffsetText));
-    std::vector<BytesAt> blocks;
-    for (auto& p : ScanPointerRewrites(session.romPath, oldPointer, newPointer))
-        blocks.push_back({p.offset, std::move(p.bytes)});
+    const std::string oldPointer = HexToBytes(WidePointerHex(static_cast<std::uint32_t>(oldOffset)));
+    const std::string newPointer = HexToBytes(WidePointerHex(static_cast<std::uint32_t>(newOffset)));
+    std::vector<BytesAt> blocks = ScanPointerRewrites(session.romPath, oldPointer, newPointer);
     if (!ChooseRewrites(session, static_cast<std::uint32_t>(oldOffset), blocks)) return Step::Stop;
     if (blocks.empty()) {
         session.prompter.Message(Icon::Critical, "The text pointer wasn't found!\r\nThe text can't be edited!");
@@ -159,7 +161,7 @@ Step Repoint(Session& session, std::int32_t newLength) {
 }
 
 // Everything up to the final write; Done means the text is on disk.
-Step Save(Session& session) {
+Step Save(Session& session, const AskBeforeSave& askFirst) {
     auto& c = session.controls;
     if (!c.saveRefusal.empty()) {
         Refuse(session, c.saveRefusal);
@@ -169,8 +171,8 @@ Step Save(Session& session) {
         Refuse(session, session.readOnlyReason);
         return Step::Stop;
     }
-    if (!fit::ConfirmFitBeforeSave(session)) return Step::Stop;  // a line over the message box
-    if (auto changed = ChangedSinceLoad(session)) {
+    if (!askFirst(session)) return Step::Stop;
+    if (auto changed = ChangedSinceRead(AsLoaded(session))) {
         Refuse(session, *changed);
         OfferReload(session);
         return Step::Stop;
@@ -226,11 +228,11 @@ Step Save(Session& session) {
 
 }  // namespace
 
-void SaveText(Session& session) {
+void SaveText(Session& session, const AskBeforeSave& askFirst) {
     auto& c = session.controls;
     c.saveEnabled = false;
     try {
-        if (Save(session) == Step::Done) {
+        if (Save(session, askFirst) == Step::Done) {
             session.prompter.Message(Icon::Information, "Text has been saved.", "Saved!");
             c.specialDialog = false;
             session.oldTextLength = 0;

@@ -80,13 +80,15 @@ const Menu& ToolsMenu() {
         script.enabled = false;  // opening a ROM enables it
         MenuItem find = Item("mnuFindTexts", "Find Texts in ROM...", MenuAction::FindTexts);
         find.enabled = false;  // opening a ROM enables it
+        MenuItem all = Item("mnuAllTexts", "All Texts...", MenuAction::AllTexts);
+        all.enabled = false;
         MenuItem exportAll = Item("mnuExportAll", "Export All Texts...", MenuAction::ExportAll);
         exportAll.enabled = false;
         MenuItem import = Item("mnuImportTranslation", "Import Translation...", MenuAction::ImportTranslation);
         import.enabled = false;
         return Menu{"mnuTools",
                     "Tools",
-                    {Item("mnuUpdate", "Live-Update", MenuAction::Update), std::move(script), std::move(find),
+                    {Item("mnuUpdate", "Live-Update", MenuAction::Update), std::move(script), std::move(find), std::move(all),
                      std::move(exportAll), std::move(import),
                      Separator(), Item("mnuUndoSave", "Undo Last Save", MenuAction::UndoSave),
                      Item("mnuRedoSave", "Redo", MenuAction::RedoSave),

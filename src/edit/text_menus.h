@@ -26,6 +26,7 @@ enum class MenuAction {
     CreatePatch,  // write a BPS patch from a clean original to the open ROM
     ApplyPatch,   // apply a BPS or IPS patch to a chosen ROM
     FindTexts,  // scan the ROM for its texts
+    AllTexts,   // open the window of every entry of the offset file
     References, // list the places that point at the current text
     ExportAll,  // every text of the offset file to a PO file
     ImportTranslation,  // the texts of a translated PO file into the ROM

@@ -1,16 +1,17 @@
 #include "edit/text_view.h"
 
 #include "app/session.h"
+#include "edit/add_offset_form.h"
 #include "edit/drafts.h"
-#include "offsets/add_offset_form.h"
 #include "offsets/offset_file.h"
 #include "offsets/offset_text.h"
 
 #include <quillon/codec.h>
 #include <quillon/rom.h>
 
+#include "core/codec/text_bytes.h"
 #include "core/file_io.h"
-#include "edit/write_plan.h"
+#include "store/write_plan.h"
 
 #include <cstdio>
 #include <exception>
@@ -102,6 +103,16 @@ void LoadTextAt(Session& session, std::string_view offsetHex) {
     UpdateRepointCounter(session);
 }
 
+void Tree_Load(Session& session) {
+    if (LoadTree(session)) Text_Load(session);
+    session.Changed();
+}
+
+void Tree_Load(Session& session, std::string_view section, std::string_view key) {
+    if (LoadTree(session, section, key)) Text_Load(session);
+    session.Changed();
+}
+
 void Text_Load(Session& session) {
     KeepDraft(session);  // the text shown now, if it was edited and not saved
     session.shownEntry.clear();
@@ -172,6 +183,7 @@ void ViewOffset(Session& session) {
         session.Changed();
         return;
     }
+    OfferHexReading(session.prompter, session.romPath, typed);
     auto offset = ParseDecimalOrHexOffset(typed);
     if (!offset) {
         session.prompter.Message(Icon::Warning, "'" + typed + "' is not an offset.\r\n"

@@ -10,8 +10,13 @@ namespace quillon {
 
 class Session;
 
-// The longest text the editor reads.
-inline constexpr std::int16_t kMaxTextBytes = 10000;
+// Rebuilds the tree from the offset file (LoadTree, offsets/offset_file.h),
+// then loads the text of the selected node; after a bad entry the tree stops
+// there and the editor keeps its text.
+void Tree_Load(Session& session);
+// The same, selecting the entry `key` of `section` afterwards (a section node
+// when `key` is empty) instead of the entry selected before.
+void Tree_Load(Session& session, std::string_view section, std::string_view key);
 
 // Loads the selected tree entry's text (nothing when no node is selected; a
 // section node empties the editor). Errors end it silently.

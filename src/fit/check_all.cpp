@@ -1,10 +1,10 @@
 #include "fit/check_all.h"
 
 #include "core/file_io.h"
-#include "edit/text_view.h"
+#include "core/codec/text_bytes.h"
+#include "core/ini_document.h"
 #include "game/game_model.h"
 #include "game/pointer_index.h"
-#include "offsets/ini_document.h"
 
 #include <quillon/codec.h>
 #include <quillon/errors.h>

@@ -1,6 +1,6 @@
 #include "fit/rom_fit.h"
 
-#include "discover/model_cache.h"
+#include "repoint/model_cache.h"
 
 #include "game/pointer_index.h"
 
@@ -26,7 +26,7 @@ std::shared_ptr<const RomFit> FitOf(const std::filesystem::path& rom, std::optio
         return cached.fit;
     const std::string image = ReadImage(rom);
     auto fit = std::make_shared<RomFit>();
-    const auto model = discover::ModelOf(rom);
+    const auto model = repoint::ModelOf(rom);
     fit->font = LocateFont(image, named, model->Pointers());
     fit->boxes = TextBoxes::Read(image, *model);
     cached = {rom, size, time, named, std::move(fit)};

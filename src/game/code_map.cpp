@@ -201,9 +201,10 @@ public:
         }
         // What follows a call that may not come back (a swi, or a bl to code
         // that does not save lr: a far jump within the function, say) is
-        // code only if it traces cleanly; if not, the function stands without it.
+        // code only if it traces cleanly; if not, the function stands without it,
+        // and without the maybes it met (a loop would meet them again and again).
         for (std::size_t i = 0; i < soft_.size(); ++i) {
-            const std::size_t marked = trial_.size(), calls = trialCalls_.size();
+            const std::size_t marked = trial_.size(), calls = trialCalls_.size(), maybes = soft_.size();
             const Trace before = t;
             work_.assign(1, soft_[i]);
             while (!work_.empty()) {
@@ -213,6 +214,7 @@ public:
                 for (std::size_t k = marked; k < trial_.size(); ++k) marks_[trial_[k]] = kFree;
                 trial_.resize(marked);
                 trialCalls_.resize(calls);
+                soft_.resize(maybes);
                 work_.clear();
                 t = before;
             }
@@ -540,21 +542,23 @@ private:
     // traces strictly and returns: odd pointers also lead to texts, and data
     // near code can trace as a row of functions.
     void FillGaps() {
-        const auto known = functions_.begin() + static_cast<std::ptrdiff_t>(functions_.size());
-        for (auto f = functions_.begin(); f + 1 < known; ++f) {
-            if (f[1].offset - f->End() <= kMaxGap) Fill(f->End(), f[1].offset);
+        const std::size_t known = functions_.size();  // in file order; Keep adds more after them
+        for (std::size_t i = 0; i + 1 < known; ++i) {
+            if (functions_[i + 1].offset - functions_[i].End() <= kMaxGap)
+                Fill(functions_[i].End(), functions_[i + 1].offset);
         }
         for (const std::uint32_t at : callbacks_) {
             if (tracer_.MarkAt(at) != kFree) continue;
-            const auto next = std::upper_bound(functions_.begin(), known, at,
+            const auto last = functions_.begin() + static_cast<std::ptrdiff_t>(known);
+            const auto next = std::upper_bound(functions_.begin(), last, at,
                                                [](std::uint32_t o, const Span& f) { return o < f.offset; });
-            const bool after = next != functions_.begin() && std::prev(next)->End() <= at &&
-                               PastFiller(image_, std::prev(next)->End(), at) == at;
-            if (!after && (next == known || next->offset - at > kMaxGap)) continue;
+            // Where the code before it ends and where the code after it starts: it must touch one.
+            const std::uint32_t from = next != functions_.begin() ? std::prev(next)->End() : at + 1;
+            const std::uint32_t to = next != last ? next->offset : 0;
+            const bool after = from <= at && at - from <= kMaxGap && PastFiller(image_, from, at) == at;
+            if (!after && (to == 0 || to - at > kMaxGap)) continue;
             const Trace t = tracer_.Run(at, false, true);
-            const bool before =
-                next != known && t.end <= next->offset && PastFiller(image_, t.end, next->offset) == next->offset;
-            if (t.clean && t.returns && (before || after)) Keep(at, t);
+            if (t.clean && t.returns && (after || (t.end <= to && PastFiller(image_, t.end, to) == to))) Keep(at, t);
             else tracer_.Drop();
         }
     }

@@ -10,8 +10,8 @@
 // editor asks this map before it rewrites a place.
 //
 // Code is found by tracing functions: first those that save lr, call out and
-// return; then what they call; then what lies between functions, or between
-// them and a function a pointer leads to, when it traces as functions too.
+// return; then what they call; then what lies between functions when it
+// traces as functions too, and a function a pointer leads to next to code.
 // Binary data is found where aligned pointers lead, by its own structure.
 #include "game/span.h"
 

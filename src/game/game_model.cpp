@@ -124,6 +124,11 @@ GameModel GameModel::Read(std::string_view image) {
         else if (p.standard == kStandardSign) u.context = TextContext::Sign;
         else u.context = TextContext::MessageBox;
     }
+    // The game's own names of its places.
+    for (const auto& [section, offset] : names.names) {
+        TextUse& u = use(offset);
+        if (u.table.empty() && u.map < 0) u.table = "Place names", u.context = TextContext::Name;
+    }
     // Aligned words in data that lead to texts, grouped into tables.
     std::vector<std::uint32_t> slots;
     for (std::uint64_t e : m.index_.Entries()) {

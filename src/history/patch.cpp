@@ -2,10 +2,13 @@
 
 #include "core/file_io.h"
 
+#include <quillon/errors.h>
+
 #include <zlib.h>
 
 #include <algorithm>
 #include <bit>
+#include <initializer_list>
 #include <cstring>
 #include <vector>
 
@@ -175,7 +178,8 @@ private:
 
 // ---------------------------------------------------------------- BPS reading
 
-constexpr std::uint64_t kLargestTarget = 1ull << 30;
+// A result is a cartridge image: at most 32 MiB, checked before anything is allocated.
+constexpr std::uint64_t kLargestTarget = 32ull << 20;
 
 std::uint32_t LoadLe32(std::string_view s, std::size_t at) {
     std::uint32_t v = 0;
@@ -239,7 +243,7 @@ std::string ApplyBps(std::string_view source, std::string_view patch) {
                          " bytes; this one has " + std::to_string(source.size()) + " bytes.");
     if (Crc32(source) != LoadLe32(patch, footer))
         throw PatchError("The patch was made for another image: the checksum of the image does not match.");
-    if (targetSize > kLargestTarget) Damaged("the result would be larger than 1 GiB");
+    if (targetSize > kLargestTarget) Damaged("the result would be larger than 32 MiB, more than a cartridge holds");
 
     std::string out(targetSize, '\0');
     std::uint64_t pos = 0;
@@ -331,8 +335,21 @@ std::string ApplyPatch(std::string_view source, std::string_view patch) {
     return DetectPatchFormat(patch) == PatchFormat::Bps ? ApplyBps(source, patch) : ApplyIps(source, patch);
 }
 
+namespace {
+
+// A result written over one of its inputs would lose it.
+void RefuseOverwritingAnInput(const std::filesystem::path& out, std::initializer_list<std::filesystem::path> inputs) {
+    std::error_code ec;
+    for (const auto& in : inputs)
+        if (std::filesystem::equivalent(out, in, ec))
+            throw FileError("'" + out.string() + "' is also an input of this command; choose another file to write.");
+}
+
+}  // namespace
+
 void CreatePatchFile(const std::filesystem::path& original, const std::filesystem::path& modified,
                      const std::filesystem::path& out) {
+    RefuseOverwritingAnInput(out, {original, modified});
     const std::string source = io::ReadAll(original);
     const std::string target = io::ReadAll(modified);
     io::ReplaceFile(out, CreateBps(source, target));
@@ -340,6 +357,7 @@ void CreatePatchFile(const std::filesystem::path& original, const std::filesyste
 
 PatchFormat ApplyPatchFile(const std::filesystem::path& rom, const std::filesystem::path& patch,
                            const std::filesystem::path& out) {
+    RefuseOverwritingAnInput(out, {rom, patch});
     const std::string source = io::ReadAll(rom);
     const std::string bytes = io::ReadAll(patch);
     const PatchFormat format = DetectPatchFormat(bytes);

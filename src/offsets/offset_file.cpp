@@ -2,8 +2,7 @@
 
 #include "app/session.h"
 #include "core/file_io.h"
-#include "edit/text_view.h"
-#include "offsets/ini_document.h"
+#include "core/ini_document.h"
 
 #include <quillon/errors.h>
 #include <quillon/header.h>
@@ -55,7 +54,7 @@ SelectionMemo Remember(const TreeModel& tree) {
     return {tree.SelectedParentText(), node->text, true};
 }
 
-void LoadTree(Session& session, const SelectionMemo& memo);
+bool Build(Session& session, const SelectionMemo& memo);
 
 }  // namespace
 
@@ -128,15 +127,15 @@ std::string KeyNameOf(std::string_view nodeKey) {
     return nodeKey.size() > 5 ? std::string(nodeKey.substr(5)) : std::string();
 }
 
-void Tree_Load(Session& session) { LoadTree(session, Remember(session.tree)); }
+bool LoadTree(Session& session) { return Build(session, Remember(session.tree)); }
 
-void Tree_Load(Session& session, std::string_view section, std::string_view key) {
-    LoadTree(session, {std::string(section), std::string(key), true});
+bool LoadTree(Session& session, std::string_view section, std::string_view key) {
+    return Build(session, {std::string(section), std::string(key), true});
 }
 
 namespace {
 
-void LoadTree(Session& session, const SelectionMemo& memo) {
+bool Build(Session& session, const SelectionMemo& memo) {
     session.tree.Clear();
     session.ini.SetPath(session.OffsetFile());
 
@@ -169,8 +168,7 @@ void LoadTree(Session& session, const SelectionMemo& memo) {
                         Icon::Critical,
                         "Error: A Key used in the Offsets file is not unique!\r\n"
                         "Please make sure all Key and Sections names are unique and fix them if needed!");
-                    session.Changed();
-                    return;
+                    return false;
                 }
                 session.tree.Add({TextNodeKey(position, key.name), std::string(key.name), image, parent}, Unquoted(key.value));
                 if (memo.any && memo.key == key.name && memo.section == section.name && !session.tree.Selected())
@@ -179,15 +177,12 @@ void LoadTree(Session& session, const SelectionMemo& memo) {
         }
     } catch (const TypeMismatch&) {
         session.prompter.Message(Icon::Critical, "Error: Type mismatch!");
-        session.Changed();
-        return;
+        return false;
     } catch (const std::exception& e) {
         session.prompter.Message(Icon::Critical, std::string("Error: #75\r\n") + e.what() + "!");
-        session.Changed();
-        return;
+        return false;
     }
-    Text_Load(session);
-    session.Changed();
+    return true;
 }
 
 }  // namespace

@@ -24,11 +24,12 @@ bool IsSectionNodeKey(std::string_view nodeKey);
 // The key name of a text node: its node key without the first five characters.
 std::string KeyNameOf(std::string_view nodeKey);
 
-// Rebuilds the tree from the offset file (read once), then loads the text of
-// the selected node. Stops with a message at the first bad entry.
-void Tree_Load(Session& session);
+// Rebuilds the tree from the offset file (read once), keeping the entry that
+// was selected selected. Stops with a message at the first bad entry and
+// returns false. Tree_Load (edit/text_view.h) also shows the selected text.
+bool LoadTree(Session& session);
 // The same, selecting the entry `key` of `section` afterwards (a section node
 // when `key` is empty) instead of the entry selected before.
-void Tree_Load(Session& session, std::string_view section, std::string_view key);
+bool LoadTree(Session& session, std::string_view section, std::string_view key);
 
 }  // namespace quillon

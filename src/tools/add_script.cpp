@@ -1,11 +1,12 @@
 #include "tools/add_script.h"
 #include "core/hex_text.h"
 
+#include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
-#include "edit/commit.h"
+#include "edit/add_offset_form.h"
 #include "edit/free_space.h"
-#include "offsets/add_offset_form.h"
+#include "store/write_plan.h"
 
 #include <quillon/codec.h>
 #include <quillon/errors.h>
@@ -18,14 +19,12 @@
 namespace quillon {
 namespace {
 
-bool InPointerRange(std::int64_t offset) { return offset >= kMinPointerTarget && offset <= kMaxPointerTarget; }
-
 // Hex digits of either case, leading zeros allowed, as a value a pointer can reach.
-std::optional<std::int32_t> PointerTarget(std::string_view hex) {
+std::optional<std::int32_t> PointerTarget(std::string_view hex, std::uint64_t romSize) {
     if (!IsHex(hex) || hex.size() > 8) return std::nullopt;
     std::uint32_t value = 0;
     std::from_chars(hex.data(), hex.data() + hex.size(), value, 16);
-    if (!InPointerRange(value)) return std::nullopt;
+    if (!Pointable(value, romSize)) return std::nullopt;
     return static_cast<std::int32_t>(value);
 }
 
@@ -52,19 +51,26 @@ void AddScriptForm::AddScript() {
     auto refuse = [&](const std::string& why) { prompter.Message(Icon::Critical, why + std::string(kNothingWritten)); };
     const auto& rom = session_.romPath;
 
+    std::uint64_t romSize = 0;
+    try {
+        romSize = io::FileSize(rom);
+    } catch (const FileError& e) {
+        return prompter.Message(Icon::Critical, e.what());
+    }
+    const std::string highest = PlainHex(HighestPointable(romSize));
     std::optional<std::int32_t> target;
     if (!fromText) {
-        target = PointerTarget(txtOffset);
+        target = PointerTarget(txtOffset, romSize);
         if (!target)
             return refuse("The text offset '" + txtOffset + "' is not a hexadecimal offset from " +
-                          PlainHex(kMinPointerTarget) + " to " + PlainHex(kMaxPointerTarget) + ".");
+                          PlainHex(kLowestPointable) + " to " + highest + ".");
     }
     auto freeSpaceOffset = ReadFreeSpaceOffset(session_);
     if (!freeSpaceOffset) return prompter.Message(Icon::Critical, kBadFreeSpaceOffset);
 
     // From Text measures with a placeholder pointer and fills it in once the place is known.
     const std::string text = fromText ? EncodeText(txtText.Text(), session_.controls.specialDialog) + "FF" : "";
-    std::string data = ScriptHex(fromText ? "00000000" : PointerHex(PadHex(*target))) + text;
+    std::string data = ScriptHex(fromText ? "00000000" : WidePointerHex(static_cast<std::uint32_t>(*target))) + text;
     std::int32_t script = 0;
     std::int32_t record = 0;
     try {
@@ -73,11 +79,11 @@ void AddScriptForm::AddScript() {
         script = FindFreeSpace(rom, FreeRun(session_.controls.gameCode, data.size() / 2 + 1), *freeSpaceOffset);
         if (script <= 0) return prompter.Message(Icon::Critical, "No free space found.");
         record = fromText ? script + kScriptBytes : script;
-        if (!InPointerRange(record))
+        if (!Pointable(record, romSize))
             return refuse("The free space found at offset " + PlainHex(script) +
-                          " lies outside the offsets a script can use (" + PlainHex(kMinPointerTarget) + " to " +
-                          PlainHex(kMaxPointerTarget) + ").");
-        if (fromText) data = ScriptHex(PointerHex(PadHex(record))) + text;
+                          " lies outside the offsets a script can use (" + PlainHex(kLowestPointable) + " to " +
+                          highest + ").");
+        if (fromText) data = ScriptHex(WidePointerHex(static_cast<std::uint32_t>(record))) + text;
         WritePlan plan;
         plan.command = "Insert Dialog-Script";
         plan.subject = PlainHex(script);

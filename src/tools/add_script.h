@@ -15,9 +15,6 @@ class Session;
 
 inline constexpr std::string_view kAddScriptCaption = "Add Dialog-Script";
 inline constexpr std::int32_t kScriptBytes = 13;
-// A pointer is built from six hex digits, so texts must lie in this range.
-inline constexpr std::int32_t kMinPointerTarget = 0x100000;
-inline constexpr std::int32_t kMaxPointerTarget = 0xFFFFFF;
 
 // The script as hex text around the 8-digit `pointerHex`.
 std::string ScriptHex(std::string_view pointerHex);
@@ -39,7 +36,7 @@ public:
 
     // "Add Script". An empty input box does nothing. Bad input, a missing
     // FreeSpaceOffset setting and a free run whose pointer target would lie
-    // outside kMinPointerTarget..kMaxPointerTarget are refused before
+    // outside the offsets a pointer reaches (kLowestPointable..kHighestPointable) are refused before
     // anything is written; so is no free space at all. On success the script
     // is written, its offset reported, optionally handed to the add-offset
     // window (the new text's offset for From Text, the script's own for From

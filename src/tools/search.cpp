@@ -1,11 +1,12 @@
 #include "tools/search.h"
 
 #include "app/session.h"
-#include "edit/tag_commands.h"
+#include "core/codec/text_bytes.h"
 #include "core/file_io.h"
+#include "core/ini_document.h"
+#include "edit/add_offset_form.h"
+#include "edit/tag_commands.h"
 #include "edit/text_view.h"
-#include "offsets/add_offset_form.h"
-#include "offsets/ini_document.h"
 #include "offsets/offset_file.h"
 
 #include <quillon/codec.h>

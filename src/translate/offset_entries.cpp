@@ -1,6 +1,6 @@
 #include "translate/offset_entries.h"
 
-#include "offsets/ini_document.h"
+#include "core/ini_document.h"
 
 #include <algorithm>
 #include <cctype>

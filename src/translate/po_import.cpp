@@ -6,6 +6,7 @@
 #include "fit/measure.h"
 #include "fit/reflow.h"
 #include "game/game_model.h"
+#include "repoint/rewrites.h"
 #include "translate/offset_entries.h"
 #include "translate/po_file.h"
 #include "translate/rom_texts.h"
@@ -74,30 +75,6 @@ bool SavedAsSpecialDialog(std::string_view bytes) {
 // Writes closer than this are joined into one, with the unchanged bytes
 // between them, so that a whole import is a few large writes.
 constexpr std::uint64_t kJoinGap = 256;
-
-// New bytes for the image at an offset; the old ones are read from the image
-// when the writes are joined.
-struct Pending {
-    std::uint64_t offset;
-    std::string after;
-};
-
-std::vector<RomWrite> Joined(std::vector<Pending> pending, std::string_view image) {
-    std::sort(pending.begin(), pending.end(), [](const Pending& a, const Pending& b) { return a.offset < b.offset; });
-    std::vector<RomWrite> joined;
-    for (std::size_t first = 0, last; first < pending.size(); first = last) {
-        std::uint64_t end = pending[first].offset + pending[first].after.size();
-        for (last = first + 1; last < pending.size() && pending[last].offset <= end + kJoinGap; ++last)
-            end = std::max<std::uint64_t>(end, pending[last].offset + pending[last].after.size());
-        RomWrite& w = joined.emplace_back();
-        w.offset = pending[first].offset;
-        w.before = image.substr(w.offset, end - w.offset);
-        w.after = w.before;
-        for (std::size_t k = first; k < last; ++k)
-            w.after.replace(pending[k].offset - w.offset, pending[k].after.size(), pending[k].after);
-    }
-    return joined;
-}
 
 // A text that outgrew its room, waiting for its pointers and free space.
 struct Move {
@@ -250,7 +227,7 @@ struct RomScan {
           freeSpace(side.image, side.freeByte,
                     std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1),
                                             kLowestPointable),
-                    std::uint64_t{kHighestPointable} + 1, progress),
+                    std::uint64_t{HighestPointable(side.image.size())} + 1, progress),
           font(side.model ? side.font : fit::LocateFont(side.image, request.fit.named, model.Pointers())),
           boxes(side.model ? side.boxes : fit::TextBoxes::Read(side.image, model)) {}
 
@@ -367,7 +344,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     Ranges written(image.size());
     std::unordered_map<std::uint32_t, std::size_t> plannedAt;  // offset: the message whose text goes there
     std::vector<Move> moves;
-    std::vector<Pending> pending;
+    std::vector<BytesAt> pending;  // new bytes; the old ones are read from the image when they are joined
     // Messages are planned in the file's order: of two that claim the same
     // bytes, the first one read wins.
     auto planMessage = [&](std::size_t m) {
@@ -460,7 +437,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         for (std::size_t i = 0; i < plan.changes.size(); ++i) {
             ImportChange& change = plan.changes[i];
             const fit::Box box = scan.boxes.At(change.offset);
-            const fit::Measure m = fit::MeasureBytes(moved[i] ? *moved[i] : pending[i].after, *scan.font.font,
+            const fit::Measure m = fit::MeasureBytes(moved[i] ? *moved[i] : pending[i].bytes, *scan.font.font,
                                                      fit::OptionsFor(box, scan.boxes.family(), request.fit.PlayerName()));
             change.limit = m.limit;
             change.linesOver = m.overCount;
@@ -479,35 +456,31 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     for (const Move& move : moves) {
         ImportChange& change = plan.changes[move.change];
         auto drop = [&](std::string reason) {
-            written.Remove(move.text->offset, move.text->offset + pending[move.pending].after.size());
+            written.Remove(move.text->offset, move.text->offset + pending[move.pending].bytes.size());
             dropped[move.change] = true;
-            pending[move.pending].after.clear();  // the text stays where it is
+            pending[move.pending].bytes.clear();  // the text stays where it is
             refuse(change.context, std::move(reason));
         };
-        if (change.offset < kLowestPointable || change.offset > kHighestPointable) {
+        if (!Pointable(change.offset, image.size())) {
             drop("it needs moving, and pointers can only be rewritten for offsets from " + PlainHex(kLowestPointable) +
-                 " to " + PlainHex(kHighestPointable));
+                 " to " + PlainHex(HighestPointable(image.size())));
             continue;
         }
         // The references are rewritten; bytes of program code that only
         // look like the pointer are left alone, and places of unknown use
         // keep the text where it is unless the user said to rewrite them.
-        std::vector<std::uint32_t> found, code;
-        std::string unknown;
-        std::size_t unknownCount = 0, references = 0;
-        for (const game::Place& place : model.ReferencesTo(change.offset)) {
-            if (game::IsReference(place.kind)) {
-                found.push_back(place.place), ++references;
-            } else if (place.kind == game::PlaceKind::Code) {
-                (request.rewriteCode ? found : code).push_back(place.place);
-                if (request.rewriteCode) change.codeRewritten.push_back(place.place);
-            } else if (request.rewriteUnknown) {
-                found.push_back(place.place);
-            } else {
-                unknown += (unknownCount++ ? ", " : "") + PlainHex(place.place, 6) + " (" + std::string(place.rule) + ")";
-            }
+        const repoint::Rewrites rewrites = repoint::SelectRewrites(
+            model.ReferencesTo(change.offset), {request.rewriteCode, request.rewriteUnknown});
+        std::vector<std::uint32_t> found;
+        for (const game::Place& place : rewrites.rewrite) {
+            found.push_back(place.place);
+            if (place.kind == game::PlaceKind::Code) change.codeRewritten.push_back(place.place);
         }
-        change.codeLeft = code.size();
+        std::string unknown;
+        for (const game::Place& place : rewrites.unknown)
+            unknown += (unknown.empty() ? "" : ", ") + PlainHex(place.place, 6) + " (" + std::string(place.rule) + ")";
+        const std::size_t unknownCount = rewrites.unknown.size(), references = rewrites.references;
+        change.codeLeft = rewrites.code.size();
         if (unknownCount > 0) {
             plan.unknownLeft += unknownCount;
             drop("it needs moving, and " + Plural(unknownCount, "place", "places") + " of unknown use hold" +
@@ -551,9 +524,9 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         for (std::size_t i = 0; i < plan.changes.size(); ++i)
             if (!dropped[i]) kept.push_back(std::move(plan.changes[i]));
         plan.changes = std::move(kept);
-        std::erase_if(pending, [](const Pending& p) { return p.after.empty(); });
+        std::erase_if(pending, [](const BytesAt& p) { return p.bytes.empty(); });
     }
-    plan.writes.romWrites = Joined(std::move(pending), image);
+    plan.writes.romWrites = RangesFor(image, pending, kJoinGap);
 
     // Every entry naming a moved text follows it.
     if (!movedTo.empty()) {

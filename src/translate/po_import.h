@@ -3,8 +3,8 @@
 // ROM. Planning reads everything and writes nothing; the plan is shown to the
 // user, then written as one journaled write plan, all of it or none.
 #include "app/progress.h"
-#include "edit/write_plan.h"
 #include "fit/fit_settings.h"
+#include "store/writer.h"
 #include "translate/po_export.h"
 
 #include <cstdint>

@@ -2,8 +2,8 @@
 #include "core/hex_text.h"
 
 #include "core/codec/tables.h"
-#include "edit/text_view.h"
-#include "edit/write_plan.h"
+#include "core/codec/text_bytes.h"
+#include "store/write_plan.h"
 
 #include <quillon/codec.h>
 #include <quillon/rom.h>
@@ -196,28 +196,34 @@ std::string PointerBytes(std::uint32_t offset) {
 }
 
 PointerIndex::PointerIndex(std::string_view image, std::span<const std::uint32_t> targets, Progress& progress) {
-    std::vector<std::uint64_t> wanted((kHighestPointable + 1) / 64, 0);
+    const std::uint32_t highest = HighestPointable(image.size());
+    std::vector<std::uint64_t> wanted((std::uint64_t{highest} + 1 + 63) / 64, 0);
     for (std::uint32_t t : targets)
-        if (t <= kHighestPointable) wanted[t / 64] |= std::uint64_t{1} << (t % 64);
+        if (t <= highest) wanted[t / 64] |= std::uint64_t{1} << (t % 64);
     if (image.size() < 5 || targets.empty()) return;
 
     ProgressStage stage(progress, "Finding the pointers", image.size());
-    // The pointer's last byte is 0x08; a pointer at position 0 counts as none.
+    // The pointer's last byte is 0x08, or 0x09 for the second 16 MiB of a
+    // larger image; a pointer at position 0 counts as none.
     const auto* data = reinterpret_cast<const unsigned char*>(image.data());
-    const unsigned char* p = data + 4;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> found;
     const unsigned char* const stop = data + image.size();
-    std::size_t nextStep = std::size_t{1} << 20;
-    while (p < stop) {
-        p = static_cast<const unsigned char*>(std::memchr(p, 0x08, static_cast<std::size_t>(stop - p)));
-        if (!p) break;
-        const std::uint32_t target = p[-3] | p[-2] << 8 | p[-1] << 16;
-        if (wanted[target / 64] >> (target % 64) & 1) found.push_back({target, static_cast<std::uint32_t>(p - 3 - data)});
-        if (static_cast<std::size_t>(p - data) >= nextStep) {
-            stage.Step(static_cast<std::size_t>(p - data));
-            nextStep += std::size_t{1} << 20;
+    for (unsigned char bank : {0x08, 0x09}) {
+        if (bank == 0x09 && highest <= kHighestPointable) break;
+        const unsigned char* p = data + 4;
+        std::size_t nextStep = std::size_t{1} << 20;
+        while (p < stop) {
+            p = static_cast<const unsigned char*>(std::memchr(p, bank, static_cast<std::size_t>(stop - p)));
+            if (!p) break;
+            const std::uint32_t target = (p[-3] | p[-2] << 8 | p[-1] << 16) + (bank == 0x09 ? 0x1000000u : 0u);
+            if (target <= highest && (wanted[target / 64] >> (target % 64) & 1))
+                found.push_back({target, static_cast<std::uint32_t>(p - 3 - data)});
+            if (bank == 0x08 && static_cast<std::size_t>(p - data) >= nextStep) {
+                stage.Step(static_cast<std::size_t>(p - data));
+                nextStep += std::size_t{1} << 20;
+            }
+            ++p;
         }
-        ++p;
     }
     std::sort(found.begin(), found.end());
     targets_.reserve(found.size());

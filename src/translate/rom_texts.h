@@ -14,10 +14,6 @@
 
 namespace quillon {
 
-// Pointers reach offsets from here up to kHighestPointable (as a save repoints).
-inline constexpr std::uint32_t kLowestPointable = 0x100000;
-inline constexpr std::uint32_t kHighestPointable = 0xFFFFFF;
-
 struct EntryText {
     const OffsetEntry* entry = nullptr;
     std::string context;          // "Section/Key" in UTF-8

@@ -1,11 +1,11 @@
 #include "translate/translate_commands.h"
 
+#include "app/commit.h"
 #include "app/progress.h"
 #include "app/session.h"
-#include "edit/commit.h"
 #include "edit/free_space.h"
+#include "edit/text_view.h"
 #include "fit/fit_settings.h"
-#include "offsets/offset_file.h"
 #include "translate/po_export.h"
 #include "translate/po_import.h"
 
@@ -34,8 +34,9 @@ std::string FileName(const std::filesystem::path& path) {
 
 bool ExportAllTexts(Session& session, Progress& progress) {
     if (!ReadyFor(session, kExportAllTitle)) return false;
-    const auto po = session.prompter.SaveFile(kExportAllTitle, kPoFilter);
+    auto po = session.prompter.SaveFile(kExportAllTitle, kPoFilter);
     if (!po) return false;
+    if (!po->has_extension()) *po += ".po";  // a bare name gets the export's own extension
     ExportRequest request{session.romPath, session.OffsetFile(), *po, {}, false,
                           fit::ReadFitSettings(session.SettingsFile(), session.controls.gameCode)};
     ExportSummary summary;

@@ -1,10 +1,10 @@
 #include "ui/add_offset_dialog.h"
 
 #include "ui/text_bridge.h"
-#include "ui/xp_button.h"
 #include "ui/tool_window.h"
+#include "ui/xp_button.h"
 
-#include "offsets/add_offset_form.h"
+#include "app/add_offset_fields.h"
 #include "offsets/offset_text.h"
 
 #include <QComboBox>
@@ -16,7 +16,7 @@
 #include <QVBoxLayout>
 
 namespace quillon::ui {
-AddOffsetDialog::AddOffsetDialog(AddOffsetForm& form, QWidget* parent)
+AddOffsetDialog::AddOffsetDialog(AddOffsetFields& form, QWidget* parent)
     : QDialog(parent, kToolWindowFlags), form_(form) {
     setObjectName(QStringLiteral("frmAddOffset"));
     setWindowTitle(QStringLiteral("Add Offset to INI"));
@@ -91,8 +91,13 @@ void AddOffsetDialog::keyPressEvent(QKeyEvent* event) {
 }
 
 void AddOffsetDialog::Pull() {
-    form_.sectionName = U(section_->text());
-    form_.textName = U(name_->text());
+    // A name shown as it came keeps its bytes; a typed one goes into the file
+    // as the file holds names.
+    auto bytes = [](const std::string& kept, const QString& shown) {
+        return Q(kept) == shown ? kept : NameBytesOf(shown);
+    };
+    form_.sectionName = bytes(form_.sectionName, section_->text());
+    form_.textName = bytes(form_.textName, name_->text());
     if (form_.offsetEnabled) form_.offsetDecimal = U(offset_->text());
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 // frmAddOffset, "Add Offset to INI": section, text name and decimal offset
-// of a new offset-file entry, bound to an AddOffsetForm.
+// of a new offset-file entry, bound to its fields (app/add_offset_fields.h).
 #include <QDialog>
 
 namespace quillon {
-class AddOffsetForm;
+class AddOffsetFields;
 }
 
 class QComboBox;
@@ -16,7 +16,7 @@ class XPButton;
 
 class AddOffsetDialog : public QDialog {
 public:
-    AddOffsetDialog(AddOffsetForm& form, QWidget* parent = nullptr);
+    AddOffsetDialog(AddOffsetFields& form, QWidget* parent = nullptr);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -25,7 +25,7 @@ private:
     void Pull();  // the boxes into the form
     void Push();  // the form into the boxes
 
-    AddOffsetForm& form_;
+    AddOffsetFields& form_;
     QLineEdit* section_;
     QComboBox* sections_;
     QLineEdit* name_;

@@ -1,8 +1,9 @@
 #include "ui/history_dialog.h"
 
 #include "app/session.h"
-#include "history/history.h"
 #include "history/history_commands.h"
+#include "store/history.h"
+#include "store/replay.h"
 #include "ui/menu_builder.h"
 #include "ui/text_bridge.h"
 #include "ui/xp_button.h"

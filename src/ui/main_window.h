@@ -28,6 +28,7 @@ struct Menu;
 
 namespace quillon::ui {
 
+class AllTextsWindow;
 class ProgressDialog;
 class TreeViewModel;
 class XPButton;
@@ -53,6 +54,8 @@ public:
     QPoint ToolsMenuPoint() const;
     // Opens the Tools menu (as XPButton6 does).
     void ShowToolsMenu();
+    // "All Texts...": shows the window of every entry (made on first use).
+    AllTextsWindow* ShowAllTexts();
 
     // Whether the rounded corners are drawn antialiased over a translucent
     // window (a screen that composites windows) instead of cut by a region.
@@ -71,7 +74,20 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Construction, by part (main_window*.cpp, one file per concern).
     void BuildControls();
+    void BuildEditor();
+    void BuildButtons();
+    void BuildTables();
+    void BuildTree();
+    void BuildOffsetButton();
+    void BuildInformation();
+    void BuildChrome();
+    void BuildMenus();
+    // The event filter's parts; each says whether it took the event.
+    bool EditorEvent(QObject* watched, QEvent* event);
+    bool TreeEvent(QObject* watched, QEvent* event);
+    bool HotspotEvent(QObject* watched, QEvent* event);
     void PlaceControls();
     void DoTransparency();
     QPainterPath Outline() const;
@@ -133,6 +149,7 @@ private:
     QMenu* textMenu_ = nullptr;
     QMenu* toolsMenu_ = nullptr;
     QMenu* treeMenu_ = nullptr;
+    AllTextsWindow* allTexts_ = nullptr;
 };
 
 }  // namespace quillon::ui

@@ -3,6 +3,7 @@
 #include "ui/text_bridge.h"
 
 #include "ui/add_offset_dialog.h"
+#include "ui/dialog_folder.h"
 #include "ui/report_dialog.h"
 
 #include "offsets/offset_text.h"
@@ -125,18 +126,20 @@ std::optional<std::string> QtPrompter::Input(std::string_view title, std::string
 }
 
 std::optional<std::filesystem::path> QtPrompter::OpenFile(std::string_view title, std::string_view filter) {
-    QString file = QFileDialog::getOpenFileName(parent_, Q(title), QString(), ToQtFilter(filter));
+    QString file = QFileDialog::getOpenFileName(parent_, Q(title), DialogFolder(), ToQtFilter(filter));
+    RememberDialogFile(file);
     if (file.isEmpty()) return std::nullopt;
     return ToPath(file);
 }
 
 std::optional<std::filesystem::path> QtPrompter::SaveFile(std::string_view title, std::string_view filter) {
-    QString file = QFileDialog::getSaveFileName(parent_, Q(title), QString(), ToQtFilter(filter));
+    QString file = QFileDialog::getSaveFileName(parent_, Q(title), DialogFolder(), ToQtFilter(filter));
+    RememberDialogFile(file);
     if (file.isEmpty()) return std::nullopt;
     return ToPath(file);
 }
 
-void QtPrompter::ShowAddOffset(AddOffsetForm& form) {
+void QtPrompter::ShowAddOffset(AddOffsetFields& form) {
     AddOffsetDialog dialog(form, Owner() ? Owner() : parent_);
     dialog.exec();
 }

@@ -28,7 +28,7 @@ public:
                                      std::string_view defaultValue) override;
     std::optional<std::filesystem::path> OpenFile(std::string_view title, std::string_view filter) override;
     std::optional<std::filesystem::path> SaveFile(std::string_view title, std::string_view filter) override;
-    void ShowAddOffset(AddOffsetForm& form) override;
+    void ShowAddOffset(AddOffsetFields& form) override;
 
 private:
     QWidget* Owner() const;

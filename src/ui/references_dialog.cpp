@@ -50,11 +50,12 @@ ReferencesDialog::ReferencesDialog(const Session& session, Clipboard& clipboard,
         for (int column = 0; column < 3; ++column) item->setToolTip(column, Q(row.rule));
     }
     list_->header()->resizeSections(QHeaderView::ResizeToContents);
+    const QString places = rows.size() == 1 ? QStringLiteral("1 place holds")
+                                            : QStringLiteral("%1 places hold").arg(rows.size());
     label_->setText(!error.isEmpty() ? error
-                                     : QStringLiteral("%1 places hold the pointer to offset %2. Double-click a row "
-                                                      "to copy its offset.")
-                                           .arg(rows.size())
-                                           .arg(Q(offset)));
+                                     : places + QStringLiteral(" the pointer to offset %1. Double-click a row to "
+                                                               "copy its offset.")
+                                                    .arg(Q(offset)));
     connect(list_, &QTreeWidget::itemDoubleClicked, this,
             [&clipboard](QTreeWidgetItem* item, int) { clipboard.SetText(U(item->text(0))); });
     resize(560, 320);

@@ -1,11 +1,14 @@
 #include "ui/report_dialog.h"
 
+#include "ui/dialog_folder.h"
+
 #include "ui/xp_button.h"
 
 #include <QCheckBox>
 #include <QClipboard>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -67,9 +70,11 @@ void ReportDialog::AddOption(const QString& label, bool checked, std::function<Q
 }
 
 void ReportDialog::Save() {
-    const QString file = QFileDialog::getSaveFileName(this, QStringLiteral("Save Report"), QString(),
-                                                      QStringLiteral("Text files (*.txt);;All files (*)"));
+    QString file = QFileDialog::getSaveFileName(this, QStringLiteral("Save Report"), DialogFolder(),
+                                                QStringLiteral("Text files (*.txt);;All files (*)"));
+    RememberDialogFile(file);
     if (file.isEmpty()) return;
+    if (QFileInfo(file).suffix().isEmpty()) file += QStringLiteral(".txt");
     QFile out(file);
     if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(text_->toPlainText().toUtf8()) < 0 ||
         !out.flush())

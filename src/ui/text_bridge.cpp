@@ -1,8 +1,15 @@
 #include "ui/text_bridge.h"
 
+#include "offsets/offset_names.h"
+
 namespace quillon::ui {
 
-QString Q(std::string_view utf8) { return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size())); }
+QString Q(std::string_view utf8) {
+    if (!IsUtf8(utf8)) return Q(ReadableName(utf8));
+    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+std::string NameBytesOf(const QString& name) { return NameBytes(U(name)); }
 
 std::string U(const QString& text) {
     const QByteArray utf8 = text.toUtf8();

@@ -11,9 +11,12 @@
 namespace quillon::ui {
 
 // UTF-8 text of the logic as a QString, and back: every caption, name and
-// message crosses here unchanged.
+// message crosses here unchanged. Bytes that are not UTF-8 (a Latin-1 name of
+// an offset file, also inside a message) read as Latin-1 characters.
 QString Q(std::string_view utf8);
 std::string U(const QString& text);
+// A name typed in a window as an offset file holds it (Latin-1 when it can).
+std::string NameBytesOf(const QString& name);
 
 // The editor text as the widget shows it: CR LF pairs become LF.
 QString ToWidgetText(std::string_view text);

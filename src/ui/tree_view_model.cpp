@@ -1,6 +1,7 @@
 #include "ui/tree_view_model.h"
 
 #include "app/tree_model.h"
+#include "offsets/offset_names.h"
 #include "ui/text_bridge.h"
 #include "ui/tree_icons.h"
 
@@ -40,6 +41,7 @@ void TreeViewModel::SetFilter(const QString& text) {
     for (char& c : lower) c = LowerAscii(c);
     if (lower == filter_) return;
     beginResetModel();
+    filterBytes_ = NameBytes(lower);
     filter_ = std::move(lower);
     Layout();
     endResetModel();
@@ -68,7 +70,8 @@ void TreeViewModel::Layout() {
         for (std::size_t i = 0; i < n; ++i) {
             const TreeNode& node = nodes[i];
             const std::string_view offset = tree_.OffsetOf(i);
-            shown[i] = Contains(node.text, filter_) || (!offset.empty() && Contains(offset, digits)) ||
+            shown[i] = Contains(node.text, filter_) || Contains(node.text, filterBytes_) ||
+                       (!offset.empty() && Contains(offset, digits)) ||
                        (up_[i] != kTop && shown[up_[i]]);
         }
         for (std::size_t i = n; i-- > 0;)

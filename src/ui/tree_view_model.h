@@ -50,7 +50,8 @@ private:
     const std::vector<std::size_t>& RowsUnder(std::size_t node) const;
 
     const TreeModel& tree_;
-    std::string filter_;  // lower case, UTF-8
+    std::string filter_;       // lower case, UTF-8
+    std::string filterBytes_;  // the same as a Latin-1 name of the file holds it
     std::vector<std::size_t> up_;                      // a node's parent as shown, or kTop
     std::vector<std::size_t> top_;                     // the rows at the top, by node
     std::vector<std::vector<std::size_t>> children_;   // the rows under each node

@@ -40,6 +40,15 @@ bool IsWebUrl(const QUrl& url) {
     return scheme == QLatin1String("http") || scheme == QLatin1String("https");
 }
 
+bool IsPlaceholder(const QUrl& url) {
+    const QString host = url.host().toLower();
+    for (const char* name : {"example.org", "example.com", "example.net", "example", "invalid", "test"}) {
+        const QString reserved = QString::fromLatin1(name);
+        if (host == reserved || host.endsWith(QLatin1Char('.') + reserved)) return true;
+    }
+    return false;
+}
+
 QNetworkRequest MakeRequest(const QUrl& url) {
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);

@@ -16,6 +16,10 @@ namespace quillon::net {
 // as it stands (stray spaces or line breaks included) is invalid.
 QUrl ToUrl(std::string_view address);
 bool IsWebUrl(const QUrl& url);  // a valid http or https address with a host
+// Whether an address names a host kept for examples (example.org and the
+// like, or the names .example, .invalid and .test): a server that never
+// answers, such as the update server of a build that names none.
+bool IsPlaceholder(const QUrl& url);
 
 // A GET request that always goes to the network (never served from a cache)
 // and whose redirects are left to GuardRedirects.

@@ -55,6 +55,13 @@ bool UpdateForm::Checking() const { return fetcher_->reply != nullptr; }
 
 void UpdateForm::Check() {
     if (Checking()) return;
+    if (const QUrl server = net::ToUrl(baseUrl_); net::IsPlaceholder(server)) {
+        // Nothing to wait for: the network would only time out.
+        lblUpdateMsg = "This build has no update server: " + server.host().toStdString() +
+                       " is a placeholder. Updates are switched off.";
+        Changed();
+        return;
+    }
     busy = true;
     cmdCheckEnabled = false;
     lblUpdateMsg = "Please wait...";

@@ -2,9 +2,10 @@
 // and deleting entries through the add-offset window, and a translation
 // exported and imported with a font whose "M" is 7 px wide.
 #include "app/progress.h"
-#include "offsets/add_offset_form.h"
+#include "discover/find_texts.h"
+#include "edit/add_offset_form.h"
+#include "edit/open_rom.h"
 #include "offsets/offset_file.h"
-#include "offsets/open_rom.h"
 #include "offsets/startup.h"
 #include "support/workspace.h"
 #include "translate/po_file.h"
@@ -43,7 +44,7 @@ protected:
     // Opens the add-offset window empty and fills it as the user would; whether it closed.
     bool AddThroughWindow(std::string section, std::string key, std::string offset) {
         bool closed = false;
-        w.user.Then(FakePrompter::AddOffsetAction([&](AddOffsetForm& f) {
+        w.user.Then(FakePrompter::AddOffsetAction([&](AddOffsetFields& f) {
             f.sectionName = section;
             f.textName = key;
             f.offsetDecimal = offset;
@@ -104,7 +105,7 @@ TEST_F(App, OpeningBuildsTheTreeFromAnExistingOffsetFileUpToADuplicateKey) {
                                                   "GameBoy Advance ROMs (*.gba;*.agb;*.bin)|*.agb;*.gba;*.bin|"
                                                   "All files (*.*)|*.*"}}));
     w.user.Cancelled();  // a cancelled dialog keeps the open ROM
-    OpenRom(w.session);
+    OpenRom(w.session, OfferFindTexts);
     EXPECT_EQ(w.session.tree.Nodes().size(), 5u);
     EXPECT_TRUE(w.session.controls.searchEnabled);
 

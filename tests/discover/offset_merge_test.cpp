@@ -1,8 +1,8 @@
 #include "app/progress.h"
+#include "core/ini_document.h"
 #include "discover/find_texts.h"
 #include "discover/offset_merge.h"
-#include "offsets/add_offset_form.h"
-#include "offsets/ini_document.h"
+#include "edit/add_offset_form.h"
 #include "support/progress_recorder.h"
 #include "support/workspace.h"
 

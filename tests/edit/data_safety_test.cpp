@@ -3,12 +3,14 @@
 // every refusal before the first write, and what a save does when the world is hostile: cut off after
 // any write, the ROM changed by another program, a journal left behind,
 // offsets that point where no text can be written.
+#include "app/commit.h"
 #include "core/file_io.h"
-#include "edit/commit.h"
+#include "edit/add_offset_form.h"
 #include "edit/save_text.h"
 #include "edit/text_view.h"
-#include "edit/write_plan.h"
-#include "offsets/add_offset_form.h"
+#include "fit/fit_settings.h"
+#include "store/journal.h"
+#include "store/writer.h"
 #include "support/save_messages.h"
 #include "support/workspace.h"
 
@@ -17,7 +19,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <memory>
 
@@ -45,34 +46,6 @@ bool Mentions(const std::vector<Shown>& shown, std::string_view text) {
     return false;
 }
 
-// A pending journal as earlier versions wrote it: bytes as hex digits, the
-// lines checked by FNV-1a (form 2) or CRC-32 (form 3).
-std::string EarlierForm(const std::filesystem::path& rom, int form) {
-    const WritePlan plan = ReadJournal(JournalPath(rom), rom).value();
-    auto hex = [](std::string_view bytes) {
-        std::string out = bytes.empty() ? "-" : "";
-        for (unsigned char b : bytes) out += "0123456789ABCDEF"[b >> 4], out += "0123456789ABCDEF"[b & 15];
-        return out;
-    };
-    std::string body = "QUILLON WRITE JOURNAL " + std::to_string(form) + "\ncommand " + hex(plan.command) +
-                       "\nsubject " + hex(plan.subject) + "\nsize " + std::to_string(plan.romSize) + "\n";
-    if (plan.offsetFile)
-        body += "ini " + hex(plan.offsetFile->string()) + (plan.offsetBefore ? " 1 " : " 0 ") +
-                hex(plan.offsetBefore.value_or("")) + " " + hex(plan.offsetAfter) + "\n";
-    for (const RomWrite& w : plan.romWrites)
-        body += "rom " + std::to_string(w.offset) + " " + hex(w.before) + " " + hex(w.after) + "\n";
-    char sum[24];
-    if (form == 2) {
-        std::uint64_t h = 1469598103934665603ull;
-        for (char c : body) h = (h ^ static_cast<unsigned char>(c)) * 1099511628211ull;
-        std::snprintf(sum, sizeof sum, "%016llx", static_cast<unsigned long long>(h));
-    } else {
-        std::snprintf(sum, sizeof sum, "%08lx",
-                      crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size())));
-    }
-    return body + "end " + sum + "\n";
-}
-
 class Save : public ::testing::Test {
 protected:
     void Build(const RomBuilder& rom = Rom(), std::string_view settings = "FreeSpaceOffset=2097152",
@@ -89,14 +62,14 @@ protected:
     std::vector<Shown> SaveAs(std::string text, std::vector<bool> answers) {
         w->session.controls.text1.SetText(std::move(text));
         for (bool a : answers) w->user.Then(a);
-        SaveText(w->session);
+        SaveText(w->session, fit::ConfirmFitBeforeSave);
         return w->user.Take();
     }
     // The prepared repoint cut off after its first `writes` writes, leaving the journal.
     void SaveCutOff(int writes) {
         io::ScopedWriteHook hook(io::StopAfterWrites(writes));
         w->user.Yes();
-        SaveText(w->session);
+        SaveText(w->session, fit::ConfirmFitBeforeSave);
     }
     Snapshot Take() const { return {w->RomBytes(), ReadFile(w->OffsetFile())}; }
     std::string At(std::size_t offset, std::size_t count) const { return w->RomBytes().substr(offset, count); }
@@ -235,7 +208,7 @@ TEST_F(Save, SelectingShowsTheTextInEitherTableAndTheCounterTellsBytesLeftOrByte
 TEST_F(Save, ATextOpenedByItsDecimalOffsetIsSavedWithoutTouchingAnEntry) {
     Build(Rom().Pointer(0x50020, 0x100100));
     // Mom stays selected; the text at 0x100100 ("Men") is opened by its offset.
-    w->user.Then(std::string("1048832")).Then(FakePrompter::AddOffsetAction([&](AddOffsetForm& f) {
+    w->user.Then(std::string("1048832")).Then(FakePrompter::AddOffsetAction([&](AddOffsetFields& f) {
         EXPECT_FALSE(f.offsetEnabled);
     }));
     ViewOffset(w->session);
@@ -269,7 +242,7 @@ TEST_F(Save, ARepointCutAfterAnyWriteComesBackAsBeforeOrAfter) {
     Prepared();
     const Snapshot before = Take();
     w->user.Yes();
-    SaveText(w->session);
+    SaveText(w->session, fit::ConfirmFitBeforeSave);
     const Snapshot after = Take();
 
     int cutOffs = 0;
@@ -301,22 +274,15 @@ TEST_F(Save, APendingJournalIsReplayedBeforeTheNextSaveAndNeverOverwritten) {
     EXPECT_THROW(CommitPlan(other), PlanRefused);
     EXPECT_EQ(ReadFile(JournalPath(w->Rom())), journal);
 
-    // The same session's next save replays it first (also in the earlier forms), then saves.
-    for (int form : {4, 3, 2}) {
-        if (form != 4) {
-            Prepared();
-            SaveCutOff(3);
-            WriteFile(JournalPath(w->Rom()), EarlierForm(w->Rom(), form));
-        }
-        w->user.Take();
-        w->user.Yes();
-        SaveText(w->session);
-        auto shown = w->user.Take();
-        EXPECT_TRUE(Mentions(shown, kSaveRestored)) << form;
-        EXPECT_EQ(shown.back(), kSaved) << form;
-        EXPECT_FALSE(JournalLeft()) << form;
-        EXPECT_NE(Take().rom, before.rom) << form;
-    }
+    // The same session's next save replays it first, then saves.
+    w->user.Take();
+    w->user.Yes();
+    SaveText(w->session, fit::ConfirmFitBeforeSave);
+    auto shown = w->user.Take();
+    EXPECT_TRUE(Mentions(shown, kSaveRestored));
+    EXPECT_EQ(shown.back(), kSaved);
+    EXPECT_FALSE(JournalLeft());
+    EXPECT_NE(Take().rom, before.rom);
 }
 
 TEST_F(Save, AJournalThatNoLongerFitsTheFilesIsKeptAndTheRomOpensReadOnly) {
@@ -352,7 +318,7 @@ TEST_F(Save, AJournalThatNoLongerFitsTheFilesIsKeptAndTheRomOpensReadOnly) {
 
         w->Select("Town", "Mom");
         EXPECT_FALSE(w->session.controls.saveEnabled);
-        SaveText(w->session);
+        SaveText(w->session, fit::ConfirmFitBeforeSave);
         EXPECT_EQ(Take(), meddled);
     }
 }
@@ -382,11 +348,23 @@ TEST_F(Save, ChangedOrWriteProtectedFilesStopTheSaveBeforeAnyWrite) {
         c.meddle(*w);
         const Snapshot meddled = Take();
         w->user.Yes().Yes();  // repoint (when asked), then reload
-        SaveText(w->session);
+        SaveText(w->session, fit::ConfirmFitBeforeSave);
         EXPECT_EQ(Take(), meddled);
         EXPECT_TRUE(Mentions(w->user.Take(), c.message));
         EXPECT_FALSE(JournalLeft());
     }
+}
+
+// The text's place is expected as it was loaded up to the write itself.
+TEST_F(Save, AChangeMadeWhileAQuestionIsOpenIsNotOverwritten) {
+    Prepared();
+    std::string changed = Take().rom;
+    changed[kText + 1] = '\xDA';
+    w->user.atNextQuestion = [&] { WriteFile(w->Rom(), changed); };
+    w->user.Yes().Yes();  // repoint, then reload
+    SaveText(w->session, fit::ConfirmFitBeforeSave);
+    EXPECT_EQ(w->RomBytes(), changed);
+    EXPECT_TRUE(Mentions(w->user.Take(), "changed outside Quillon since the text was loaded"));
 }
 
 TEST_F(Save, TheWriterRefusesPlansThatNoLongerMatchTheFiles) {
@@ -434,7 +412,7 @@ TEST_F(Save, BytesTheEditorCannotReproduceAreNamedAndSavingAsksFirst) {
     const std::string note = w->session.controls.roundTripNote;
     EXPECT_NE(note.find("from byte 2 on, the ROM holds FE FE C3"), std::string::npos) << note;
     w->user.No();
-    SaveText(w->session);
+    SaveText(w->session, fit::ConfirmFitBeforeSave);
     EXPECT_THAT(w->user.Take(), ElementsAre(Field(&Shown::kind, Shown::Question)));
     EXPECT_EQ(w->RomBytes(), rom.bytes());
 }

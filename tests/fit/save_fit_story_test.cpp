@@ -2,6 +2,7 @@
 // found, texts that fit, and texts over only with names at their longest,
 // save as before.
 #include "edit/save_text.h"
+#include "fit/fit_settings.h"
 #include "support/save_messages.h"
 #include "support/workspace.h"
 
@@ -50,7 +51,7 @@ TEST(SaveFit, ALineOverTheBoxAsksFirstAndNoWritesNothing) {
         w.OpenAt(rom, "[Town]\r\nSign=100000\r\n", "Town", "Sign");
         if (!c.edit.empty()) w.session.controls.text1.SetText(c.edit);
         for (bool a : c.answers) w.user.Then(a);
-        SaveText(w.session);
+        SaveText(w.session, fit::ConfirmFitBeforeSave);
         EXPECT_EQ(w.user.Take(), c.shown);
         EXPECT_EQ(w.RomBytes() != rom.bytes(), c.shown.back() == kSaved && !c.edit.empty());
         EXPECT_TRUE(w.session.controls.saveEnabled);

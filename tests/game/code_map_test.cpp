@@ -1,5 +1,6 @@
 #include "game/code_map.h"
 #include "game/words.h"
+#include "support/game_image.h"
 
 #include <gtest/gtest.h>
 
@@ -70,9 +71,9 @@ struct Image {
     }
 };
 
-// The ARM start-up code, a callback, 24 functions of a seeded mix with four
-// made to order among them, then a pointer table and script-like bytes, all
-// among random bytes.
+// The ARM start-up code, texts and a callback, 24 functions of a seeded mix
+// with four made to order among them, then a pointer table and script-like
+// bytes, all among random bytes.
 struct Layout {
     Image image;
     std::uint32_t lookalike = 0, farPool = 0, b5Pool = 0, table = 0, codeEnd = 0;
@@ -82,7 +83,8 @@ struct Layout {
         Image& m = image;
         m.Put(0, 0xEA00002E, 4);  // b 0xC0: the ARM start-up code
         m.at = 0xC0, m.W(0xE92D4010), m.W(0xE59F0004), m.W(0xE3A04001), m.W(0xE8BD8010), m.W(0x03007FF0);
-        m.at = kCode - 4, m.H(0x2001), m.H(0x4770);  // a callback that only a pointer leads to
+        m.at = kCode - 12, m.W(0xBDBB00FF), m.W(0xBDBB00FF);  // texts " AC"; an odd pointer leads to the first
+        m.H(0x2001), m.H(0x4770);  // a callback that only a pointer leads to
         constexpr std::size_t kFunctions = 24;
         for (std::size_t i = 0; i < kFunctions; ++i) {
             m.Function(i % 5 == 3 && i + 1 < kFunctions, kFunctions);
@@ -123,7 +125,7 @@ struct Layout {
         for (const auto& [bl, callee] : m.calls) m.at = bl, m.Bl(m.starts[callee]);
         // After the code: a table of text pointers, then script-like bytes
         // with text pointers as unaligned operands.
-        m.at = codeEnd, m.W(PointerTo(kCode - 4) + 1);
+        m.at = codeEnd, m.W(PointerTo(kCode - 4) + 1), m.W(PointerTo(kCode - 11));
         while (m.at < codeEnd + 64) tableWords.push_back(m.at), m.W(PointerTo(kText + m.at % 7));
         for (int k = 0; k < 64; ++k) m.H(0x000F | (k % 3) << 8), m.W(PointerTo(kText)), m.H(0x0209);
         m.Put(kText, 0xFFD9E0C2, 4);
@@ -141,6 +143,36 @@ TEST(FindCode, MarksTheFunctionsTheirPoolsAndLookalikesAndNothingElse) {
         for (std::uint32_t pool : {l.farPool, l.b5Pool, l.table, l.table + 8})
             EXPECT_TRUE(map.IsPoolWord(pool) && !map.IsLookalike(pool)) << seed << " " << pool;
         for (std::uint32_t word : l.tableWords) EXPECT_FALSE(map.IsCode(word) || map.IsLookalike(word + 1)) << seed;
+    }
+}
+
+// Past a far jump (a bl to code that does not save lr) lies a loop with a
+// far jump of its own and a way that faults: the trace ends without the loop.
+TEST(FindCode, DropsTheWayOnAfterAFarJumpWhenItFaults) {
+    Image m(5);
+    const std::uint32_t leaf = kCode + 0x200, far = leaf + 2, loop = kCode + 14;
+    m.at = leaf, m.H(0xB500), m.H(0xBD00);
+    m.at = kCode, m.H(0xB500), m.Bl(leaf), m.H(0xD000), m.H(0xBD00), m.Bl(far);  // beq over pop {pc} to bl far
+    m.H(0xD002), m.Bl(far), m.H(0xE7FB), m.H(0xDE00);  // loop: beq fault; bl far; b loop; fault: undefined
+    const CodeMap map = FindCode(m.bytes);
+    EXPECT_TRUE(map.IsCode(loop - 4) && !map.IsCode(loop)) << "the far jump is code, the way on is not";
+}
+
+// Each family's generated images: their code regions are the code, with
+// their pool words and the pointers that instructions only look like.
+TEST(FindCode, FindsTheCodeOfGeneratedImages) {
+    for (const Family family : {Family::RubySapphire, Family::FireRedLeafGreen, Family::Emerald}) {
+        for (std::uint32_t seed = 1; seed <= 10; ++seed) {
+            const test::GameImage g = test::MakeGameImage(family, seed);
+            const CodeMap map = FindCode(g.image);
+            std::vector<Span> code;
+            for (const auto& [start, end] : g.code) code.push_back({start, end - start});
+            EXPECT_EQ(map.Code(), code) << static_cast<int>(family) << " " << seed;
+            for (const test::PlacedPointer& p : g.pointers) {
+                EXPECT_TRUE(p.kind != "pool" || map.IsPoolWord(p.place)) << seed << std::hex << " " << p.place;
+                EXPECT_TRUE(p.kind != "code" || map.IsLookalike(p.place)) << seed << std::hex << " " << p.place;
+            }
+        }
     }
 }
 

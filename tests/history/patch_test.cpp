@@ -131,6 +131,7 @@ TEST(BpsApply, RefusesWhatItCannotApplyFaithfully) {
         {"writes_past_result", source, Assemble("\x00\x81\x84\x80\x90"s, source, s4), "past the end of the result"},
         {"short_result", source, Assemble("\x00\x81\x84\x80\x80"s, source, s4), "shorter"},
         {"wrong_result", source, Assemble("\x00\x81\x84\x80\x8C"s, source, "abcd"), "result's checksum"},
+        {"huge_result", source, Assemble("\x00\x81\x00\x7F\x7E\x7E\x82\x80"s, source, s4), "larger than 32 MiB"},
     };
     for (const auto& c : cases)
         EXPECT_THAT([&] { ApplyBps(c.source, c.patch); }, ThrowsMessage<PatchError>(HasSubstr(c.message))) << c.name;

@@ -3,12 +3,13 @@
 // auxiliary window into FOLDER. Each picture is checked before it is kept:
 // drawn (not blank), and with every control inside its window, no overlaps
 // and no cut captions. Runs on any Qt platform (offscreen or an X server).
-#include "main_window_fixture.h"
+#include "edit/add_offset_form.h"
 #include "history/history_commands.h"
-#include "offsets/add_offset_form.h"
+#include "main_window_fixture.h"
 #include "ui/about_dialog.h"
 #include "ui/add_offset_dialog.h"
 #include "ui/add_script_dialog.h"
+#include "ui/all_texts_window.h"
 #include "ui/explanation_dialogs.h"
 #include "ui/history_dialog.h"
 #include "ui/japanese_dialog.h"
@@ -191,6 +192,17 @@ TEST_F(Screenshot, ToolWindowsTheButtonGalleryPreviewAndHistory) {
     UndoLastSaveCommand(*session);
     ui::HistoryDialog history(*session, window.get());
     Keep(history, "history-window.png");
+}
+
+TEST_F(Screenshot, AllTextsWindow) {
+    // An edit left unsaved (a draft), and the texts that name the player.
+    Find<QPlainTextEdit>("Text1")->moveCursor(QTextCursor::End);
+    QTest::keyClicks(Find("Text1"), " Hurry!");
+    Select("Harbour", "Gull");
+    ui::AllTextsWindow* all = window->ShowAllTexts();
+    QTest::keyClicks(Child(*all, "txtAllFilter"), "player");
+    all->hide();
+    Keep(*all, "all-texts-window.png");
 }
 
 using UpdateScreenshot = UpdateFixture;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace quillon::test {
 
 std::ostream& operator<<(std::ostream& os, const Shown& s) {
@@ -39,6 +41,7 @@ void FakePrompter::Message(Icon icon, std::string_view text, std::string_view ti
 
 bool FakePrompter::AskYesNo(std::string_view text, std::string_view title) {
     shown.push_back({Shown::Question, std::string(text), std::string(title), Icon::Question});
+    if (auto act = std::exchange(atNextQuestion, nullptr)) act();
     return Next<bool>("question").value_or(false);
 }
 
@@ -71,7 +74,7 @@ std::optional<std::filesystem::path> FakePrompter::SaveFile(std::string_view tit
     return Next<std::filesystem::path>("save dialog");
 }
 
-void FakePrompter::ShowAddOffset(AddOffsetForm& form) {
+void FakePrompter::ShowAddOffset(AddOffsetFields& form) {
     shown.push_back({Shown::AddOffset, "Add Offset to INI", "", Icon::Information});
     if (auto action = Next<AddOffsetAction>("add-offset window")) (*action)(form);
 }

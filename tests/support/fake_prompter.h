@@ -29,7 +29,7 @@ Shown Ask(std::string text, std::string title = "Quillon");
 
 class FakePrompter : public Prompter {
 public:
-    using AddOffsetAction = std::function<void(AddOffsetForm&)>;
+    using AddOffsetAction = std::function<void(AddOffsetFields&)>;
     struct Cancel {};
     using Answer = std::variant<bool, std::string, std::filesystem::path, AddOffsetAction, Cancel, Choice>;
 
@@ -52,7 +52,7 @@ public:
                                      std::string_view defaultValue) override;
     std::optional<std::filesystem::path> OpenFile(std::string_view title, std::string_view filter) override;
     std::optional<std::filesystem::path> SaveFile(std::string_view title, std::string_view filter) override;
-    void ShowAddOffset(AddOffsetForm& form) override;
+    void ShowAddOffset(AddOffsetFields& form) override;
 
     // Everything shown so far, and clears the record.
     std::vector<Shown> Take();
@@ -60,6 +60,9 @@ public:
     std::vector<Shown> shown;
     std::deque<Answer> answers;
     std::vector<std::string> inputDefaults;  // default texts of the input prompts
+    // Runs once when the next question is shown, before it is answered (as
+    // another program might act while the question is open).
+    std::function<void()> atNextQuestion;
 
 private:
     template <class T>

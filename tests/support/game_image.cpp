@@ -78,12 +78,8 @@ public:
         for (const auto& [place, label] : fixes_) at_ = place, W(PointerTo(labels_[label]));
         Code(kCodeA, kCodeA + kCodeASize), Code(codeB, codeB + kCodeBSize);
         for (const uint32_t place : funcRefs_) at_ = place, W(PointerTo(fns_[R(fns_.size())]) | 1);
-        std::vector<uint32_t> callees = fns_;  // each function is called once, so none is dead code, then any
-        std::shuffle(callees.begin(), callees.end(), rng_);
-        for (std::size_t k = 0; k < calls_.size(); ++k) {
-            const auto off = static_cast<std::int32_t>((k < callees.size() ? callees[k] : fns_[R(fns_.size())]) - (calls_[k] + 4));
-            at_ = calls_[k], H(0xF000 | (off >> 12 & 0x7FF)), H(0xF800 | (off >> 1 & 0x7FF));  // bl
-        }
+        for (std::size_t k = calls_.size(); k > 1; --k) std::swap(calls_[k - 1], calls_[R(k)]);  // shuffled calls
+        for (std::size_t k = 0; k < calls_.size(); ++k) at_ = calls_[k], Bl(fns_[k % fns_.size()]);  // none is dead code
         Scan(), out_.image = std::move(img_);
         return std::move(out_);
     }
@@ -93,8 +89,9 @@ private:
     void B(unsigned v) { img_[at_++] = static_cast<char>(v); }
     void H(unsigned v) { B(v), B(v >> 8); }
     void W(uint32_t v) { H(v & 0xFFFF), H(v >> 16); }
+    void Bl(uint32_t to) { to -= at_ + 4, H(0xF000 | (to >> 12 & 0x7FF)), H(0xF800 | (to >> 1 & 0x7FF)); }
     void Bytes(const std::string& s) { img_.replace(at_, s.size(), s), at_ += static_cast<uint32_t>(s.size()); }
-    void Align() { while (at_ % 4) B(0); }
+    void Align(bool pad = true) { while (pad && at_ % 4) B(0); }
     void Mark(uint32_t from, const char* kind) { regions_.push_back({from, at_, kind}); }
     int Label() { return labels_.push_back(0), static_cast<int>(labels_.size()) - 1; }
     int Here(int label) { return labels_[label] = at_, label; }
@@ -106,9 +103,7 @@ private:
         return texts_.push_back({std::move(s), context, map, Label()}), texts_.back().label;
     }
     int Say(const char* context, int map, unsigned n) { return NewText(Encode(Prose(n)) + '\xFF', context, map); }
-    void FlushTexts() {
-        for (; flushed_ < texts_.size(); ++flushed_) Here(texts_[flushed_].label), Bytes(texts_[flushed_].bytes);
-    }
+    void FlushTexts() { while (flushed_ < texts_.size()) Here(texts_[flushed_].label), Bytes(texts_[flushed_++].bytes); }
     void Msgbox(int text, unsigned type) { B(kLoadWord), B(0), Ref(text, "script"), B(kCallStd), B(type); }
     uint32_t Pic() { return PointerTo(pics_[R(pics_.size())]); }
     // An encoded name, ended, then padded with zeros to a record's field.
@@ -348,16 +343,15 @@ private:
                 calls_.push_back(at_), W(0);  // bl, once every function is placed
             } else if (const uint32_t word = PointerTo(labels_[AnyText()]), mid = word >> 8 & 0xFF;
                        r == 2 && lookalike && mid < 0xA0 && (mid < 0x44 || mid >= 0x50)) {
-                // lo mid hi 08 at a half-word boundary: (mid lo) decodes as a shift, an immediate, ALU or
-                // load/store instruction (not ldr rd, [pc, #n]: its word would be in the pool), (08 hi) as
-                // lsrs rd, rs, #32.
+                // lo mid hi 08 at a half-word boundary: (mid lo) decodes as a shift, an immediate, ALU or load/store
+                // instruction but ldr rd, [pc, #n] (which loads a pool word), (08 hi) as lsrs rd, rs, #32.
                 if (at_ % 4 == 0) H(Alu());
                 placed_[at_] = "code", H(word & 0xFFFF), H(word >> 16), lookalike = false;
             } else {
                 H(Alu());
             }
         }
-        for (H(0xBDF0), loads.empty() ? void() : Align(); const auto& [place, word, text] : loads) {  // pop {r4-r7, pc}, then the pool
+        for (H(0xBDF0), Align(!loads.empty()); const auto& [place, word, text] : loads) {  // pop {r4-r7, pc}, the pool
             img_[place] = static_cast<char>((at_ - ((place + 4) & ~3u)) / 4);
             text ? void(placed_[at_] = "pool") : void(), W(word);
         }

@@ -1,7 +1,8 @@
 #include "support/workspace.h"
 
+#include "discover/find_texts.h"
+#include "edit/open_rom.h"
 #include "edit/text_view.h"
-#include "offsets/open_rom.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +21,7 @@ void Workspace::WriteOffsetFile(std::string_view text, std::string_view code) co
 
 void Workspace::Open() {
     user.answers.push_front(Rom());
-    OpenRom(session);
+    OpenRom(session, OfferFindTexts);
 }
 
 void Workspace::Select(std::string_view section, std::string_view key) {

@@ -6,11 +6,11 @@
 // each opens over the window that asked for it. The logic below the windows
 // has its own tests; these check that the widgets reach it and mirror its
 // state.
-#include "main_window_fixture.h"
+#include "edit/add_offset_form.h"
 #include "edit/drafts.h"
 #include "edit/explanations.h"
 #include "edit/text_view.h"
-#include "offsets/add_offset_form.h"
+#include "main_window_fixture.h"
 #include "offsets/offset_file.h"
 #include "offsets/startup.h"
 #include "support/save_messages.h"
@@ -142,7 +142,7 @@ TEST_F(MainWindowTest, StartsWithNothingToEditOpensTheDemoRomAndTheTreeReloadsFi
     EXPECT_TRUE(tree->model()->match(tree->model()->index(2, 0), Qt::DisplayRole, "Baker", 1, Qt::MatchRecursive).isEmpty());
 
     // Through the add-offset window: a section chosen from its list, a name and an offset.
-    user.Then(FakePrompter::AddOffsetAction([](AddOffsetForm& form) {
+    user.Then(FakePrompter::AddOffsetAction([](AddOffsetFields& form) {
         ui::AddOffsetDialog dialog(form);
         auto* sections = Child<QComboBox>(dialog, "Combo1");
         sections->setCurrentIndex(1);
@@ -569,7 +569,7 @@ public:
         else
             FakePrompter::Message(icon, text, title);
     }
-    void ShowAddOffset(AddOffsetForm& form) override { qt.ShowAddOffset(form); }
+    void ShowAddOffset(AddOffsetFields& form) override { qt.ShowAddOffset(form); }
     ui::QtPrompter qt;
 };
 

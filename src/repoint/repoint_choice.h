@@ -1,0 +1,20 @@
+#pragma once
+// Before a repoint writes anything: when some places of the old pointer are
+// no references of the game (bytes inside program code, places of unknown
+// use), the user chooses whether to rewrite only the references or every
+// place as before. The question names the kinds of the places.
+#include "core/bytes_at.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace quillon {
+
+class Session;
+
+// `pointers` are the rewrites of the pointer to `oldOffset`; on "Only
+// references" the places that are no references are dropped. False when the
+// user cancels. When every place is a reference nothing is asked.
+bool ChooseRewrites(Session& session, std::uint32_t oldOffset, std::vector<BytesAt>& pointers);
+
+}  // namespace quillon
