@@ -2,6 +2,7 @@
 // The one interface through which commands talk to the user. The windows
 // implement it with dialogs; tests implement it with a scripted fake.
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,6 +41,14 @@ public:
     virtual bool ShowReport(std::string_view text, std::string_view title, bool askToGo) {
         if (!askToGo) Message(Icon::Information, text, title);
         return !askToGo || AskYesNo(text, title);
+    }
+    // ShowReport with OK and Cancel and a check box `option` under the text:
+    // each click on it sets `checked` and calls `redo`, whose answer replaces
+    // the text. A prompter without such a box shows the report as it is.
+    virtual bool ShowReportWithOption(std::string_view text, std::string_view title, std::string_view option,
+                                      bool& checked, const std::function<std::string(bool)>& redo) {
+        (void)option, (void)checked, (void)redo;
+        return ShowReport(text, title, true);
     }
     // A line of input; nothing when the user cancels.
     virtual std::optional<std::string> Input(std::string_view title, std::string_view prompt,

@@ -1,5 +1,5 @@
-// check ROM [--ini FILE]: every entry of the offset file with a line wider
-// than the message box, measured with the game's own font.
+// check ROM [--ini FILE] [--format plain|tsv]: every entry of the offset file
+// with a line wider than its box, measured with the game's own font.
 #include "cli/cli_support.h"
 #include "cli/commands.h"
 #include "fit/check_all.h"
@@ -11,6 +11,15 @@
 #include <memory>
 
 namespace quillon::cli {
+namespace {
+
+void PrintRow(const fit::CheckRow& row) {
+    const fit::Finding& f = row.First();
+    std::printf("%s/%s  %s  line %d  %s  %s\n", row.section.c_str(), row.key.c_str(), row.offset.c_str(), f.line + 1,
+                fit::WidthCaption(f.width, row.box.width).c_str(), ForTerminal(f.lineText).c_str());
+}
+
+}  // namespace
 
 void RegisterCheck(CLI::App& app, CliContext& ctx) {
     struct Args {
@@ -18,28 +27,47 @@ void RegisterCheck(CLI::App& app, CliContext& ctx) {
         std::filesystem::path ini;
         std::string name;
         std::string glyphs, widths;
+        std::string format = "plain";
     };
     auto args = std::make_shared<Args>();
-    auto* sub = app.add_subcommand("check", "List the texts with a line wider than the message box");
+    auto* sub = app.add_subcommand("check", "List the texts with a line wider than their box");
     sub->add_option("ROM", args->rom, "The ROM image")->required();
     sub->add_option("--ini", args->ini, "The offset file (default: ini/ + the game code + .ini)");
-    sub->add_option("--name", args->name, "A sample player name for [PLAYER] (default: settings.ini, else the longest)");
-    auto* glyphs = sub->add_option("--glyphs", args->glyphs, "Offset of the glyph pictures (hex), for a game not known");
+    sub->add_option("--name", args->name, "A sample player name for [PLAYER] (default: settings.ini, else a usual name)");
+    auto* glyphs = sub->add_option("--glyphs", args->glyphs, "Offset of the glyph pictures (hex), for a font no search finds");
     sub->add_option("--widths", args->widths, "Offset of the glyph widths (hex)")->needs(glyphs);
     glyphs->needs(sub->get_option("--widths"));
+    sub->add_option("--format", args->format,
+                    "plain: one line per text, for people; tsv: one line per line that does not fit: entry, offset, "
+                    "line number, width, limit, kind (over, or names: over only with names and buffers at their longest)")
+        ->check(CLI::IsMember({"plain", "tsv"}));
     sub->callback([args, &ctx] {
         RequireRom(args->rom);
         const std::filesystem::path offsets = OffsetFileFor(ctx, args->rom, args->ini);
         fit::FitSettings settings = fit::ReadFitSettings(ctx.programFolder / "ini" / "settings.ini", GetRomCode(args->rom));
         if (!args->name.empty()) settings.sampleName = args->name;
         if (!args->glyphs.empty()) settings.named = fit::FontPlace{ParseOffset(args->glyphs), ParseOffset(args->widths)};
-        const fit::CheckReport report = fit::CheckRom(args->rom, offsets, settings.named, settings.Options());
+        const fit::CheckReport report = fit::CheckRom(args->rom, offsets, settings.named, settings.PlayerName());
         if (!report.checked) throw CommandFailed(report.why);
-        for (const fit::CheckRow& row : report.rows)
-            std::printf("%s/%s  %s  line %d  %s  %s\n", row.section.c_str(), row.key.c_str(), row.offset.c_str(),
-                        row.line + 1, fit::WidthCaption(row.width).c_str(), ForTerminal(row.lineText).c_str());
         for (const std::string& skipped : report.skipped) std::fprintf(stderr, "skipped %s\n", skipped.c_str());
-        std::printf("%zu of %zu texts have a line over the message box.\n", report.rows.size(), report.entries);
+        for (const fit::FoundFont& font : report.fonts)
+            std::fprintf(stderr, "font: %s\n", fit::DescribePlace(font.place).c_str());
+        if (args->format == "tsv") {
+            for (const fit::CheckRow& row : report.rows)
+                for (const fit::Finding& f : row.findings)
+                    std::printf("%s/%s\t%s\t%d\t%d\t%d\t%s\n", row.section.c_str(), row.key.c_str(), row.offset.c_str(),
+                                f.line + 1, f.width, row.box.width, f.names ? "names" : "over");
+            return;
+        }
+        for (const fit::CheckRow& row : report.rows)
+            if (row.over) PrintRow(row);
+        if (report.names > 0) {
+            std::printf("Over only with names and buffers at their longest:\n");
+            for (const fit::CheckRow& row : report.rows)
+                if (!row.over) PrintRow(row);
+        }
+        std::printf("%zu of %zu texts have a line over the message box.\n", report.over, report.entries);
+        if (report.names > 0) std::printf("%zu more texts are over only with names and buffers at their longest.\n", report.names);
     });
 }
 

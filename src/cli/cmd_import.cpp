@@ -1,5 +1,5 @@
-// import ROM --po IN [--dry-run] [--rewrite-code] [--rewrite-unknown]: the
-// translated texts of a PO file into the ROM.
+// import ROM --po IN [--dry-run] [--reflow] [--rewrite-code] [--rewrite-unknown]:
+// the translated texts of a PO file into the ROM.
 #include "cli/cli_support.h"
 #include "cli/commands.h"
 #include "fit/fit_settings.h"
@@ -15,7 +15,7 @@ namespace quillon::cli {
 void RegisterImport(CLI::App& app, CliContext& ctx) {
     struct Args {
         std::filesystem::path rom, ini, po;
-        bool dryRun = false, rewriteCode = false, rewriteUnknown = false;
+        bool dryRun = false, reflow = false, rewriteCode = false, rewriteUnknown = false;
     };
     auto args = std::make_shared<Args>();
     auto* sub = app.add_subcommand(
@@ -24,6 +24,8 @@ void RegisterImport(CLI::App& app, CliContext& ctx) {
     sub->add_option("--po", args->po, "The translated PO file")->required();
     sub->add_option("--ini", args->ini, "The offset file (default: ini/GAMECODE.ini beside quillon-cli)");
     sub->add_flag("--dry-run", args->dryRun, "Show the plan and write nothing");
+    sub->add_flag("--reflow", args->reflow,
+                  "Break each translated text into lines and boxes that fit its box, with the game's font");
     sub->add_flag("--rewrite-code", args->rewriteCode,
                   "Also rewrite places inside program code that hold a moved text's pointer (named in the report)");
     sub->add_flag("--rewrite-unknown", args->rewriteUnknown,
@@ -32,6 +34,7 @@ void RegisterImport(CLI::App& app, CliContext& ctx) {
         RequireRom(args->rom);
         ImportRequest request{args->rom, OffsetFileFor(ctx, args->rom, args->ini), args->po, FreeSpaceOffset(ctx),
                               fit::ReadFitSettings(ctx.programFolder / "ini" / "settings.ini", GetRomCode(args->rom))};
+        request.reflow = args->reflow;
         request.rewriteCode = args->rewriteCode;
         request.rewriteUnknown = args->rewriteUnknown;
         TerminalProgress progress(ctx.terminal);

@@ -32,11 +32,12 @@ struct CommandFailed : std::runtime_error {
 void RegisterInfo(CLI::App& app, CliContext& ctx);    // info ROM
 void RegisterRead(CLI::App& app, CliContext& ctx);    // read ROM OFFSET
 void RegisterSearch(CLI::App& app, CliContext& ctx);  // search ROM TEXT
-void RegisterCheck(CLI::App& app, CliContext& ctx);   // check ROM [--ini FILE]
+void RegisterCheck(CLI::App& app, CliContext& ctx);   // check ROM [--ini FILE] [--format plain|tsv]
 void RegisterPatch(CLI::App& app, CliContext& ctx);   // patch create|apply ...
 void RegisterExport(CLI::App& app, CliContext& ctx);  // export ROM --po OUT [--ini FILE]
-void RegisterImport(CLI::App& app, CliContext& ctx);  // import ROM --po IN [--ini FILE] [--dry-run]
+void RegisterImport(CLI::App& app, CliContext& ctx);  // import ROM --po IN [--ini FILE] [--dry-run] [--reflow]
 void RegisterScan(CLI::App& app, CliContext& ctx);    // scan ROM [--ini FILE]
 void RegisterRefs(CLI::App& app, CliContext& ctx);    // refs ROM [OFFSET...] [--ini FILE]
+void RegisterReflow(CLI::App& app, CliContext& ctx);  // reflow ROM [--ini FILE] [--section S] [--dry-run]
 
 }  // namespace quillon::cli

@@ -49,6 +49,7 @@ int main(int argc, char** argv) {
     RegisterImport(app, ctx);
     RegisterScan(app, ctx);
     RegisterRefs(app, ctx);
+    RegisterReflow(app, ctx);
 
     try {
         app.parse(argc, argv);

@@ -22,8 +22,8 @@ constexpr std::size_t kPointerTable = 0x0F0000;
 constexpr std::size_t kSecondPointers = 0x0F8000;
 constexpr std::size_t kFirstText = 0x100000;
 constexpr std::size_t kFreeSpace = 0xE00000;
-// The font of our own making, and the pointers to it where FireRed 1.0 keeps
-// its own (Quillon's table lists QDME version 0 with these places).
+// The font of our own making, and a literal pool of two pointers to it, which
+// the fit check's search finds as it finds a game's.
 constexpr std::size_t kGlyphSheet = 0x0D0000;
 constexpr std::size_t kGlyphWidths = 0x0D8000;
 constexpr std::size_t kGlyphPointer = 0x66EC;

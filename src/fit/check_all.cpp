@@ -3,18 +3,30 @@
 #include "core/file_io.h"
 #include "core/codec/text_bytes.h"
 #include "core/ini_document.h"
+#include "game/game_model.h"
+#include "game/pointer_index.h"
 
 #include <quillon/codec.h>
 #include <quillon/errors.h>
 #include <quillon/rom.h>
 
+#include <algorithm>
 #include <unordered_set>
 
 namespace quillon::fit {
+
+const Finding& CheckRow::First() const {
+    const Finding* first = &findings.front();
+    for (const Finding& f : findings)
+        if (f.names == first->names ? f.width > first->width : !f.names) first = &f;
+    return *first;
+}
+
 CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, const Font& font,
-                       const MeasureOptions& options) {
+                       const TextBoxes& boxes, std::optional<std::string> playerName) {
     CheckReport report;
     report.checked = true;
+    report.messageBox = MessageBox(boxes.family()).width;
     ini::IniDocument doc{std::string(offsetFileText)};
     std::unordered_set<std::string> seen;
     for (const auto& section : doc.Sections()) {
@@ -37,29 +49,38 @@ CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, 
             }
             const std::string_view text = image.substr(static_cast<std::size_t>(offset), kMaxTextBytes);
             ++report.entries;
-            const Measure m = MeasureBytes(text, font, options);
-            if (m.overCount == 0) continue;
-            const Line& widest = m.lines[static_cast<std::size_t>(m.widestLine)];
-            report.rows.push_back({std::string(section.name), std::string(key.name), value, m.widestLine,
-                                   widest.width, m.overCount,
-                                   DecodeText(std::string_view(m.bytes).substr(widest.begin, widest.end - widest.begin),
-                                              false)});
+            const Box box = boxes.At(static_cast<std::uint32_t>(offset));
+            const Measure m = MeasureBytes(text, font, OptionsFor(box, boxes.family(), playerName));
+            if (m.overCount == 0 && m.namesCount == 0) continue;
+            CheckRow row{std::string(section.name), std::string(key.name), value, box, {}, m.overCount > 0};
+            for (std::size_t i = 0; i < m.lines.size(); ++i) {
+                const Line& l = m.lines[i];
+                if (!l.over && !l.names) continue;
+                row.findings.push_back({static_cast<int>(i), l.over ? l.width : l.longest, l.names,
+                                        DecodeText(std::string_view(m.bytes).substr(l.begin, l.end - l.begin), false)});
+            }
+            ++(row.over ? report.over : report.names);
+            report.rows.push_back(std::move(row));
         }
     }
     return report;
 }
 
 CheckReport CheckRom(const std::filesystem::path& rom, const std::filesystem::path& offsetFile,
-                     std::optional<FontPlace> named, const MeasureOptions& options) {
+                     std::optional<FontPlace> named, std::optional<std::string> playerName) {
     const std::string image = ReadImage(rom);
-    FontResult font = LocateFont(image, named);
+    const game::GameModel model = game::GameModel::Read(image);
+    FontResult font = LocateFont(image, named, model.Pointers());
     if (!font.font) {
         CheckReport report;
         report.why = font.why;
         return report;
     }
     const std::string offsets = FileExists(offsetFile) ? io::ReadAll(offsetFile) : std::string();
-    return CheckTexts(image, offsets, *font.font, options);
+    const TextBoxes boxes = TextBoxes::Read(image, model);
+    CheckReport report = CheckTexts(image, offsets, *font.font, boxes, std::move(playerName));
+    report.fonts = std::move(font.found);
+    return report;
 }
 
 }  // namespace quillon::fit

@@ -2,12 +2,14 @@
 #include "core/hex_text.h"
 
 #include "app/session.h"
+#include "fit/rom_fit.h"
 
 #include <quillon/errors.h>
 #include <quillon/codec.h>
 #include <quillon/inifile.h>
 #include <quillon/rom.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace quillon::fit {
@@ -75,7 +77,7 @@ FontResult SessionFont(const Session& session, FitSettings* settingsOut) {
         result.why = "no fit check: no ROM is open.";
     } else {
         try {
-            result = LoadFont(session.romPath, settings.named);
+            result = FitOf(session.romPath, settings.named)->font;
         } catch (const std::exception& e) {
             result.why = std::string("no fit check: ") + e.what();
         }
@@ -84,16 +86,36 @@ FontResult SessionFont(const Session& session, FitSettings* settingsOut) {
     return result;
 }
 
+MeasureOptions SessionOptions(const Session& session, const FitSettings& settings) {
+    MeasureOptions options;
+    options.playerName = settings.PlayerName();
+    if (!session.RomOpen()) return options;
+    try {
+        const auto fit = FitOf(session.romPath, settings.named);
+        const std::string& offset = session.controls.offsetCaption;
+        const Box box = IsHex(offset) && !offset.empty() && offset.size() <= 7
+                            ? fit->boxes.At(static_cast<std::uint32_t>(HexToLong(offset)))
+                            : MessageBox(fit->boxes.family());
+        options = OptionsFor(box, fit->boxes.family(), settings.PlayerName());
+    } catch (const std::exception&) {
+        // An unreadable ROM: the message box.
+    }
+    return options;
+}
+
 bool ConfirmFitBeforeSave(Session& session) {
     FitSettings settings;
     const FontResult font = SessionFont(session, &settings);
     if (!font.font) return true;
-    const Measure m = MeasureText(session.controls.text1.Text(), session.controls.specialDialog, *font.font,
-                                  settings.Options());
+    const MeasureOptions options = SessionOptions(session, settings);
+    const Measure m = MeasureText(session.controls.text1.Text(), session.controls.specialDialog, *font.font, options);
     if (m.overCount == 0) return true;
+    int widest = 0;
+    for (const Line& l : m.lines)
+        if (l.over) widest = std::max(widest, l.width);
     const std::string count = m.overCount == 1 ? "One line" : std::to_string(m.overCount) + " lines";
-    return session.prompter.AskYesNo(count + " of this text " + (m.overCount == 1 ? "is" : "are") +
-                                         " wider than the message box (widest: " + WidthCaption(m.WidestWidth()) +
+    return session.prompter.AskYesNo(count + " of this text " + (m.overCount == 1 ? "is" : "are") + " wider than the " +
+                                         std::string(options.box.name) + " (widest: " + WidthCaption(widest, m.limit) +
                                          ").\r\nThe game will not show it as you see it here.\r\n\r\n"
                                          "Do you want to save it anyway?",
                                      kTooWideTitle);

@@ -1,7 +1,7 @@
 #pragma once
 // What the user sets for the fit check, kept in settings.ini, section "Fit":
-//   SampleName=ASH          a sample player name for [PLAYER] (empty: counted at its longest)
-//   <code>Glyphs=1FF300     the font of a game the table does not list, as
+//   SampleName=ASH          a sample player name for [PLAYER] (empty: a usual name, and at its longest)
+//   <code>Glyphs=1FF300     the font of a game whose font no search finds, as
 //   <code>Widths=207300     hex file offsets (for example BPRFGlyphs=...)
 #include "fit/font.h"
 #include "fit/measure.h"
@@ -21,7 +21,7 @@ struct FitSettings {
     std::string sampleName;           // editor text
     std::optional<FontPlace> named;   // the user's font offsets for this game
 
-    MeasureOptions Options() const { return {SampleName(sampleName)}; }
+    std::optional<std::string> PlayerName() const { return SampleName(sampleName); }
 };
 
 FitSettings ReadFitSettings(const std::filesystem::path& settingsFile, std::string_view gameCode);
@@ -34,9 +34,14 @@ void WriteNamedFont(const std::filesystem::path& settingsFile, std::string_view 
 // there is none.
 FontResult SessionFont(const Session& session, FitSettings* settingsOut = nullptr);
 
-// Before a text is saved: when a line of the editor text is wider than the
-// message box, asks one Yes/No question. True when the save may go on (all
-// lines fit, there is no font to check with, or the user says Yes).
+// How the text the session shows is measured: the box of its context in
+// the open ROM, the game's codes and the sample name.
+MeasureOptions SessionOptions(const Session& session, const FitSettings& settings);
+
+// Before a text is saved: when a line of the editor text is wider than its
+// box whatever names and buffers hold, asks one Yes/No question. True when
+// the save may go on (all lines fit, there is no font to check with, or the
+// user says Yes).
 bool ConfirmFitBeforeSave(Session& session);
 
 inline constexpr std::string_view kTooWideTitle = "Line too wide";

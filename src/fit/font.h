@@ -1,72 +1,89 @@
 #pragma once
-// The game's own font: where its glyph widths and glyph pictures lie in an
-// image, and reading them. Plain C++; the windows and the command-line
-// program bind to it.
+// The game's own fonts, found in the image by their structure: a width
+// table (one byte per character, small values, letters a few pixels wide)
+// and a block of glyph pictures whose ink stays inside those widths, each
+// reached by a pointer. No address of any game is known here: the same
+// search finds the fonts of every Gen-3 family, language and hack that
+// keeps the games' glyph formats. Plain C++; the windows and the
+// command-line program bind to it.
 #include <array>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+namespace quillon::game {
+class PointerIndex;
+}
+
 namespace quillon::fit {
 
-inline constexpr std::uint32_t kRomBase = 0x08000000;
-inline constexpr std::size_t kWidthCount = 512;   // bytes of the width table
-inline constexpr std::size_t kGlyphBytes = 64;    // four 8x8 tiles at 2 bits a pixel
+inline constexpr std::size_t kWidthCount = 512;   // width entries kept: 256 characters and 256 symbols (F9 xx)
 inline constexpr std::size_t kGlyphCount = 256;   // one glyph for each text byte
-inline constexpr int kGlyphSize = 16;             // a glyph's picture is 16x16 pixels
+inline constexpr int kGlyphSize = 16;             // a glyph cell is at most 16x16 pixels
 inline constexpr int kGlyphDrawnHeight = 14;      // the game draws 14 of its rows
 inline constexpr std::size_t kMaxImageBytes = 32u * 1024 * 1024;
 
-// Where, in the code of a known game, the pointers to the font lie.
-struct PointerPlace {
-    std::string_view gameCode;  // 4 bytes at 0xAC
-    int version;                // 1 byte at 0xBC
-    std::uint32_t glyphPointer; // file offset of the pointer to the glyph pictures
-    std::uint32_t widthPointer; // file offset of the pointer to the glyph widths
+// How the glyph pictures are stored.
+enum class GlyphFormat : std::uint8_t {
+    Wide2bpp,    // 16x16, 2 bits a pixel, tiles top-left, top-right, bottom-left, bottom-right (64 bytes)
+    Narrow2bpp,  // 8x16, 2 bits a pixel, tiles top, bottom (32 bytes)
+    Narrow4bpp   // 8x16, 4 bits a pixel, tiles top, bottom (64 bytes)
 };
 
-// The table of known games: FireRed and LeafGreen 1.0 and 1.1, Emerald, and
-// the demonstration ROM (QDME).
-std::span<const PointerPlace> KnownPointerPlaces();
-const PointerPlace* FindPointerPlace(std::string_view gameCode, int version);
+[[nodiscard]] std::size_t GlyphBytes(GlyphFormat format);
+[[nodiscard]] int CellWidth(GlyphFormat format);
 
-// File offsets of the font's two parts, as found or as the user names them.
+// File offsets of a font's two parts, as found or as the user names them.
 struct FontPlace {
     std::uint32_t glyphs = 0;
     std::uint32_t widths = 0;
+    GlyphFormat format = GlyphFormat::Wide2bpp;
     bool operator==(const FontPlace&) const = default;
 };
 
-// The normal font of a game.
 struct Font {
     FontPlace place;
     std::array<std::uint8_t, kWidthCount> widths{};
-    std::vector<std::uint8_t> glyphs;  // kGlyphCount * kGlyphBytes
-    int widest = 0;                    // widest glyph of the text bytes 0x00..0xF9
+    std::vector<std::uint8_t> glyphs;  // kGlyphCount glyphs in place.format
 
     int Width(std::uint8_t byte) const { return widths[byte]; }
-    // The 2-bit value (0 background, 1 letter, 2 shadow, 3 background) of the
-    // pixel at x, y (0..15) of the glyph of `byte`.
+    // A symbol of the second table (F9 xx).
+    int SymbolWidth(std::uint8_t code) const { return widths[0x100u | code]; }
+    // 0 background, 1 letter, 2 shadow: the pixel at x, y (0..15) of the
+    // glyph of `byte`; outside a narrow cell, background.
     int Pixel(std::uint8_t byte, int x, int y) const;
+    // The mean and the largest width of the capitals A..Z.
+    double MeanCapital() const;
+    int WidestCapital() const;
 };
 
-// A font, or why there is none ("no fit check: ...").
+// One font found in the image, for reports.
+struct FoundFont {
+    FontPlace place;
+    double meanLetter = 0;  // mean width of the letters A..Z, a..z
+    bool confirmed = false; // the pointers to both parts stand in one literal pool or record
+};
+
+// The message font, or why there is none ("no fit check: ...").
 struct FontResult {
+    // The font of message texts: of the normal-size fonts (the games keep
+    // several: normal, male and female speakers, copies), every glyph at
+    // the widest of them, since which one the game picks is not in the text.
     std::optional<Font> font;
+    std::optional<Font> small;     // a narrower font, when the game has one
+    std::vector<FoundFont> found;  // every distinct font found, in image order
     std::string why;
 };
 
-// The font of the image (its header gives the game code and version); a game
-// the table does not list has none unless `named` names the two offsets.
-// `image` is the whole image or at least its first part up to the font.
+// Finds the fonts of `image` (the whole image). `named` gives the two
+// offsets of a font that no search finds; its format is the one its
+// pictures fit best.
 FontResult LocateFont(std::string_view image, std::optional<FontPlace> named = std::nullopt);
-
-// The same from a ROM file, reading only the header, the pointers and the font.
-FontResult LoadFont(const std::filesystem::path& rom, std::optional<FontPlace> named = std::nullopt);
+// The same with the image's pointers already indexed.
+FontResult LocateFont(std::string_view image, std::optional<FontPlace> named, const game::PointerIndex& pointers);
 
 // Reads a whole image into memory; throws FileError, or std::runtime_error
 // for an image larger than 32 MiB.
@@ -74,5 +91,8 @@ std::string ReadImage(const std::filesystem::path& rom);
 
 // "1 line too wide", "2 lines too wide"; empty for none.
 std::string TooWideSummary(int lines);
+
+// "Wide 2 bpp at 1FF300, widths at 207300"
+std::string DescribePlace(const FontPlace& place);
 
 }  // namespace quillon::fit

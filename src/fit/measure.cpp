@@ -3,6 +3,7 @@
 #include <quillon/codec.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace quillon::fit {
 namespace {
@@ -42,37 +43,126 @@ std::string FromHex(std::string_view hex) {
     return out;
 }
 
+// Button pictures (F8 xx) as text.c draws them: A, B, L, R, START, SELECT,
+// then the pad's directions.
+constexpr std::array<std::uint8_t, 13> kKeypadWidths = {8, 8, 16, 16, 24, 24, 8, 8, 8, 8, 8, 8, 8};
+
+constexpr std::uint8_t kZero = 0xA1;
+
 }  // namespace
 
 int ControlParameters(std::uint8_t code) { return code < kControlParameters.size() ? kControlParameters[code] : 0; }
+
+int KeypadWidth(std::uint8_t code) { return code < kKeypadWidths.size() ? kKeypadWidths[code] : 8; }
+
+MeasureOptions OptionsFor(const Box& box, std::optional<game::Family> family, std::optional<std::string> playerName) {
+    MeasureOptions o;
+    o.box = box;
+    o.symbols = family != game::Family::RubySapphire;
+    o.family = family;
+    o.playerName = std::move(playerName);
+    return o;
+}
 
 std::optional<std::string> SampleName(std::string_view editorText) {
     if (editorText.empty()) return std::nullopt;
     return FromHex(EncodeText(editorText, false));
 }
 
+NameWidths NamesIn(const Font& font) {
+    return {static_cast<int>(std::lround(kUsualNameLetters * font.MeanCapital())), kNameLetters * font.WidestCapital(),
+            font.Width(kZero), static_cast<int>(std::lround(kBufferLetters * font.MeanCapital()))};
+}
+
+Item ItemAt(std::string_view b, std::size_t i, const Font& font, const MeasureOptions& options, const NameWidths& names) {
+    const auto byte = static_cast<std::uint8_t>(b[i]);
+    auto param = [&](std::size_t k) { return i + k < b.size() ? static_cast<std::uint8_t>(b[i + k]) : std::uint8_t{0}; };
+    Item item;
+    if (byte == kNextLine || byte == kScroll || byte == kNewBox || byte == kEnd) {
+        item.kind = Item::Break;
+        return item;
+    }
+    auto buffer = [&] {
+        item.kind = Item::Placeholder;
+        item.width = names.buffer;
+        item.longest = names.longestBuffer;
+    };
+    if (byte == kVariable) {
+        item.length = 2;
+        const std::uint8_t code = param(1);
+        if (options.box.battle || (code != kPlayerVariable && code != kRivalVariable && code != 0x05)) {
+            buffer();
+        } else if (code == 0x05) {
+            item.kind = Item::Placeholder;  // a Japanese honorific: nothing in the other languages
+        } else if (code == kPlayerVariable && options.playerName) {
+            item.kind = Item::Placeholder;
+            for (char c : *options.playerName) item.width += font.Width(static_cast<std::uint8_t>(c));
+            item.longest = item.width;
+        } else {
+            item.kind = Item::Placeholder;
+            item.width = names.name;
+            item.longest = names.longestName;
+        }
+        return item;
+    }
+    if (byte == kControl) {
+        const std::uint8_t code = param(1);
+        item.kind = Item::Code;
+        item.length = 2 + static_cast<std::size_t>(ControlParameters(code));
+        switch (code) {
+            case 0x0C:  // the next byte drawn as a glyph
+                item.kind = Item::Glyph;
+                item.width = item.longest = font.Width(param(2));
+                break;
+            case 0x11:  // clear that many pixels
+                item.width = item.longest = param(2);
+                break;
+            case 0x0D:  // shift right: to x
+            case 0x12:  // skip: to x
+            case 0x13:  // clear to x
+                item.kind = Item::Position;
+                item.width = item.longest = param(2);
+                item.grows = code == 0x13;
+                break;
+            default:
+                break;
+        }
+        return item;
+    }
+    if (options.symbols && (byte == kDynamic || byte == kKeypad || byte == kSymbol)) {
+        item.length = 2;
+        if (byte == kDynamic) {
+            buffer();
+        } else {
+            item.width = item.longest = byte == kKeypad ? KeypadWidth(param(1)) : font.SymbolWidth(param(1));
+        }
+        return item;
+    }
+    item.kind = byte == 0x00 ? Item::Space : Item::Glyph;
+    item.width = item.longest = byte == 0x00 && options.box.space > 0 ? options.box.space : font.Width(byte);
+    return item;
+}
+
 Measure MeasureBytes(std::string_view bytes, const Font& font, const MeasureOptions& options) {
     Measure m;
     const std::size_t stop = std::min(bytes.find(static_cast<char>(kEnd)), bytes.size());
     m.bytes.assign(bytes.substr(0, stop));
+    m.limit = options.box.width;
     const std::string_view b = m.bytes;
 
-    const int longest = kNameLetters * font.widest;
-    int playerWidth = longest;
-    if (options.playerName) {
-        playerWidth = 0;
-        for (char c : *options.playerName) playerWidth += font.Width(static_cast<std::uint8_t>(c));
-    }
-
+    const NameWidths names = NamesIn(font);
     int editorLine = 0;
     Line line;
     line.editorLine = 0;
     m.boxes.push_back({{0}});
-    int width = 0;
-    auto finish = [&](std::size_t end) {
+    int width = 0, longest = 0;
+    auto finish = [&](std::size_t end, std::uint8_t ends) {
         line.end = end;
+        line.ends = ends;
         line.width = width;
-        line.over = width > kBoxWidth;
+        line.longest = std::max(width, longest);
+        line.over = options.box.check && width > m.limit;
+        line.names = options.box.check && !line.over && line.longest > m.limit;
         m.lines.push_back(line);
     };
 
@@ -80,11 +170,11 @@ Measure MeasureBytes(std::string_view bytes, const Font& font, const MeasureOpti
     while (i < b.size()) {
         const auto byte = static_cast<std::uint8_t>(b[i]);
         if (byte == kNextLine || byte == kScroll || byte == kNewBox) {
-            finish(i);
+            finish(i, byte);
             const int previous = static_cast<int>(m.lines.size()) - 1;
             const int index = previous + 1;
             editorLine += byte == kNewBox ? 2 : 1;
-            Box& current = m.boxes.back();
+            Page& current = m.boxes.back();
             const int row = line.row;
             line = Line{};
             line.begin = i + 1;
@@ -104,31 +194,27 @@ Measure MeasureBytes(std::string_view bytes, const Font& font, const MeasureOpti
                 line.box = static_cast<int>(m.boxes.size()) - 1;
                 line.row = 0;
             }
-            width = 0;
+            width = longest = 0;
             ++i;
             continue;
         }
-        if (byte == kVariable) {
-            if (i + 1 < b.size()) width += static_cast<std::uint8_t>(b[i + 1]) == kPlayerVariable ? playerWidth : longest;
-            i += 2;
-            continue;
+        const Item item = ItemAt(b, i, font, options, names);
+        if (item.kind == Item::Position) {
+            width = item.grows ? std::max(width, item.width) : item.width;
+            longest = item.grows ? std::max(longest, item.width) : item.width;
+        } else {
+            width += item.width;
+            longest += item.longest;
         }
-        if (byte == kControl) {
-            if (i + 1 >= b.size()) break;
-            const auto code = static_cast<std::uint8_t>(b[i + 1]);
-            if (code == 0x0C && i + 2 < b.size()) width += font.Width(static_cast<std::uint8_t>(b[i + 2]));
-            i += 2 + static_cast<std::size_t>(ControlParameters(code));
-            continue;
-        }
-        width += font.Width(byte);
-        ++i;
+        i += item.length;
     }
-    finish(b.size());
+    finish(b.size(), kEnd);
 
     for (std::size_t k = 0; k < m.lines.size(); ++k) {
         const Line& l = m.lines[k];
         if (l.over) ++m.overCount;
-        if (l.row >= kLinesPerBox) ++m.hiddenLines;
+        if (l.names) ++m.namesCount;
+        if (options.box.lines > 0 && l.row >= options.box.lines) ++m.hiddenLines;
         if (m.widestLine < 0 || l.width > m.lines[static_cast<std::size_t>(m.widestLine)].width)
             m.widestLine = static_cast<int>(k);
     }
@@ -148,6 +234,6 @@ Measure MeasureText(std::string_view text, bool specialDialog, const Font& font,
     return m;
 }
 
-std::string WidthCaption(int width) { return std::to_string(width) + " / " + std::to_string(kBoxWidth) + " px"; }
+std::string WidthCaption(int width, int limit) { return std::to_string(width) + " / " + std::to_string(limit) + " px"; }
 
 }  // namespace quillon::fit

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 
 namespace quillon::fit {
 namespace {
@@ -20,7 +21,7 @@ public:
     void Glyph(std::uint8_t byte, int x, int top, std::uint32_t letter, std::uint32_t shadow) {
         const int w = font_.Width(byte);
         for (int gy = 0; gy < kGlyphDrawnHeight; ++gy) {
-            for (int gx = 0; gx < w && gx < kGlyphSize; ++gx) {
+            for (int gx = 0; gx < w && gx < CellWidth(font_.place.format); ++gx) {
                 const int v = font_.Pixel(byte, gx, gy);
                 if (v == 1)
                     Put(x + gx, top + gy, letter);
@@ -54,6 +55,14 @@ std::uint32_t PaletteColour(std::uint8_t index, std::uint32_t fallback) {
 
 }  // namespace
 
+std::string SampleWord(std::uint8_t code, const MeasureOptions& options) {
+    if (!options.box.battle && code == kPlayerVariable && options.playerName) return *options.playerName;
+    const char* word = options.box.battle ? "SAMPLE" : code == kPlayerVariable ? "PLAYER" : code == kRivalVariable ? "RIVAL"
+                                                     : code == 0x05                ? ""
+                                                                                   : "SAMPLE";
+    return SampleName(word).value_or(std::string());
+}
+
 Picture DrawBox(const Measure& m, int box, const Font& font, const DrawOptions& options) {
     Picture pic;
     const int zoom = std::clamp(options.zoom, 1, 3);
@@ -61,69 +70,68 @@ Picture DrawBox(const Measure& m, int box, const Font& font, const DrawOptions& 
     o.zoom = zoom;
     if (m.boxes.empty()) return pic;
     box = std::clamp(box, 0, static_cast<int>(m.boxes.size()) - 1);
-    const Box& b = m.boxes[static_cast<std::size_t>(box)];
-
-    int logicalWidth = kBoxWidth;
-    for (std::size_t r = 0; r < b.lines.size() && r < static_cast<std::size_t>(kLinesPerBox); ++r)
-        logicalWidth = std::max(logicalWidth, m.lines[static_cast<std::size_t>(b.lines[r])].width);
-    pic.width = logicalWidth * zoom;
-    pic.height = kBoxHeight * zoom;
-    pic.pixels.assign(static_cast<std::size_t>(pic.width) * static_cast<std::size_t>(pic.height), o.colours.background);
-    for (int y = 0; y < pic.height; ++y)
-        for (int x = kBoxWidth * zoom; x < pic.width; ++x)
-            pic.pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(pic.width) + static_cast<std::size_t>(x)] =
-                o.colours.outside;
-
-    std::uint8_t widestByte = 0;
-    for (int c = 0; c < 0xFA; ++c)
-        if (font.Width(static_cast<std::uint8_t>(c)) == font.widest) {
-            widestByte = static_cast<std::uint8_t>(c);
-            break;
-        }
-    std::string longestName(kNameLetters, static_cast<char>(widestByte));
-
-    Painter paint(pic, font, o);
+    const Page& b = m.boxes[static_cast<std::size_t>(box)];
     const std::string_view bytes = m.bytes;
-    for (std::size_t r = 0; r < b.lines.size() && r < static_cast<std::size_t>(kLinesPerBox); ++r) {
-        const Line& line = m.lines[static_cast<std::size_t>(b.lines[r])];
-        const int top = kTopMargin + static_cast<int>(r) * kLineHeight;
+    const std::size_t rows = std::min(b.lines.size(), static_cast<std::size_t>(kLinesPerBox));
+
+    const NameWidths names = NamesIn(font);
+    // Walks a line: every glyph with its x and colours; returns the x reached.
+    using GlyphAt = std::function<void(std::uint8_t byte, int x, std::uint32_t letter, std::uint32_t shadow)>;
+    auto walk = [&](const Line& line, const GlyphAt& draw) {
         std::uint32_t letter = o.colours.letter;
         std::uint32_t shadow = o.colours.shadow;
         int x = 0;
-        auto glyph = [&](std::uint8_t byte) {
-            paint.Glyph(byte, x, top, letter, shadow);
-            x += font.Width(byte);
-        };
         for (std::size_t i = line.begin; i < line.end;) {
             const auto byte = static_cast<std::uint8_t>(bytes[i]);
-            if (byte == kVariable) {
-                if (i + 1 < line.end) {
-                    const bool player = static_cast<std::uint8_t>(bytes[i + 1]) == kPlayerVariable;
-                    const std::string& name = player && o.playerName ? *o.playerName : longestName;
-                    for (char c : name) glyph(static_cast<std::uint8_t>(c));
+            const Item item = ItemAt(bytes.substr(0, line.end), i, font, o.measure, names);
+            auto param = [&](std::size_t k) {
+                return i + 2 + k < line.end ? static_cast<std::uint8_t>(bytes[i + 2 + k]) : std::uint8_t{0};
+            };
+            if (item.kind == Item::Placeholder) {
+                const std::uint8_t code = byte == kVariable && i + 1 < line.end ? static_cast<std::uint8_t>(bytes[i + 1]) : 0x02;
+                for (char c : SampleWord(code, o.measure)) {
+                    draw(static_cast<std::uint8_t>(c), x, o.colours.sample, shadow);
+                    x += font.Width(static_cast<std::uint8_t>(c));
                 }
-                i += 2;
-                continue;
-            }
-            if (byte == kControl) {
-                if (i + 1 >= line.end) break;
-                const auto code = static_cast<std::uint8_t>(bytes[i + 1]);
-                auto param = [&](std::size_t k) {
-                    return i + 2 + k < line.end ? static_cast<std::uint8_t>(bytes[i + 2 + k]) : std::uint8_t{0};
-                };
+            } else if (item.kind == Item::Position) {
+                x = item.grows ? std::max(x, item.width) : item.width;
+            } else if (byte == kControl) {
+                const std::uint8_t code = i + 1 < line.end ? static_cast<std::uint8_t>(bytes[i + 1]) : 0;
                 if (code == 0x01) letter = param(0) == 2 ? o.colours.letter : PaletteColour(param(0), letter);
                 if (code == 0x03) shadow = param(0) == 3 ? o.colours.shadow : PaletteColour(param(0), shadow);
                 if (code == 0x04) {
                     letter = param(0) == 2 ? o.colours.letter : PaletteColour(param(0), letter);
                     shadow = param(2) == 3 ? o.colours.shadow : PaletteColour(param(2), shadow);
                 }
-                if (code == 0x0C && i + 2 < line.end) glyph(param(0));
-                i += 2 + static_cast<std::size_t>(ControlParameters(code));
-                continue;
+                if (code == 0x0C) draw(param(0), x, letter, shadow);
+                x += item.width;
+            } else if (item.kind == Item::Glyph && item.length == 1) {
+                draw(byte, x, letter, shadow);
+                x += item.width;
+            } else {
+                x += item.width;  // spaces, button pictures and symbols take their room
             }
-            glyph(byte);
-            ++i;
+            i += item.length;
         }
+        return x;
+    };
+
+    int logicalWidth = m.limit;
+    for (std::size_t r = 0; r < rows; ++r)
+        logicalWidth = std::max(logicalWidth, walk(m.lines[static_cast<std::size_t>(b.lines[r])], [](auto...) {}));
+    pic.width = logicalWidth * zoom;
+    pic.height = kBoxHeight * zoom;
+    pic.pixels.assign(static_cast<std::size_t>(pic.width) * static_cast<std::size_t>(pic.height), o.colours.background);
+    for (int y = 0; y < pic.height; ++y)
+        for (int x = m.limit * zoom; x < pic.width; ++x)
+            pic.pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(pic.width) + static_cast<std::size_t>(x)] =
+                o.colours.outside;
+
+    Painter paint(pic, font, o);
+    for (std::size_t r = 0; r < rows; ++r) {
+        const int top = kTopMargin + static_cast<int>(r) * kLineHeight;
+        walk(m.lines[static_cast<std::size_t>(b.lines[r])],
+             [&](std::uint8_t byte, int x, std::uint32_t letter, std::uint32_t shadow) { paint.Glyph(byte, x, top, letter, shadow); });
     }
     return pic;
 }

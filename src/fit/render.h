@@ -19,12 +19,13 @@ struct Colours {
     std::uint32_t letter = 0x606060;      // glyph pixel 1
     std::uint32_t shadow = 0xD0D0C8;      // glyph pixel 2
     std::uint32_t outside = 0xF8C0C0;     // the background of what reaches past the box
+    std::uint32_t sample = 0x3050E8;      // the letters of a sample word for a name or buffer
 };
 
 struct DrawOptions {
     Colours colours;
-    int zoom = 1;                            // 1, 2 or 3
-    std::optional<std::string> playerName;   // game bytes; without: 7 of the widest glyph
+    int zoom = 1;              // 1, 2 or 3
+    MeasureOptions measure{};  // the options the text was measured with (sample name, symbols, space)
 };
 
 struct Picture {
@@ -34,10 +35,15 @@ struct Picture {
     std::uint32_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)]; }
 };
 
+// The word drawn for a placeholder (FD xx): the sample player name, else
+// PLAYER, RIVAL, or SAMPLE for a buffer; game bytes.
+std::string SampleWord(std::uint8_t code, const MeasureOptions& options);
+
 // Box `box` of `m` (0-based; clamped to the boxes there are). The picture is
-// the box, 208 x 32 pixels times the zoom, widened to the widest of its lines
-// when one reaches past it. Lines below the box's second line are not drawn.
-// Colour codes (0xFC 01/03/04) change the letter and shadow colours.
+// the box, its width (m.limit) x 32 pixels times the zoom, widened to the
+// widest of its lines when one reaches past it. Lines below the box's second
+// line are not drawn. Colour codes (0xFC 01/03/04) change the letter and
+// shadow colours; names and buffers are drawn as sample words in their own colour.
 Picture DrawBox(const Measure& m, int box, const Font& font, const DrawOptions& options = {});
 
 }  // namespace quillon::fit

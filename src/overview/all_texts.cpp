@@ -4,8 +4,10 @@
 #include "core/file_io.h"
 #include "repoint/model_cache.h"
 #include "edit/free_space.h"
+#include "fit/boxes.h"
 #include "fit/fit_settings.h"
 #include "game/game_model.h"
+#include "game/pointer_index.h"
 #include "offsets/offset_names.h"
 #include "translate/rom_texts.h"
 
@@ -20,31 +22,11 @@ namespace {
 
 constexpr std::string_view kKindNames[kPlaceKinds] = {"script", "table", "pool", "code", "unknown"};
 
-// Game bytes without their names and variables (FD and the byte after it).
-std::string WithoutNames(std::string_view bytes) {
-    std::string out;
-    out.reserve(bytes.size());
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const auto b = static_cast<std::uint8_t>(bytes[i]);
-        if (b == fit::kVariable) {
-            ++i;
-            continue;
-        }
-        out += bytes[i];
-        if (b == fit::kControl) {  // a control code's parameters are no variable
-            const int n = i + 1 < bytes.size() ? fit::ControlParameters(static_cast<std::uint8_t>(bytes[i + 1])) : 0;
-            out.append(bytes.substr(i + 1, static_cast<std::size_t>(n) + 1));
-            i += static_cast<std::size_t>(n) + 1;
-        }
-    }
-    return out;
-}
-
+// Over its box whatever names and buffers hold, over only with them at
+// their longest, or neither.
 Finding FindingOf(std::string_view bytes, const fit::Font& font, const fit::MeasureOptions& options) {
-    if (fit::MeasureBytes(bytes, font, options).overCount == 0) return Finding::None;
-    const std::string bare = WithoutNames(bytes);
-    if (bare.size() == bytes.size()) return Finding::Over;
-    return fit::MeasureBytes(bare, font, options).overCount == 0 ? Finding::Names : Finding::Over;
+    const fit::Measure m = fit::MeasureBytes(bytes, font, options);
+    return m.overCount > 0 ? Finding::Over : m.namesCount > 0 ? Finding::Names : Finding::None;
 }
 
 // "0x" in front of a typed word is the offset's, not the text's.
@@ -146,7 +128,11 @@ AllTexts AllTexts::Build(const Sources& s) {
                     auto& n = row.places[static_cast<std::size_t>(p.kind)];
                     if (n < UINT16_MAX) ++n;
                 }
-            if (s.font) row.finding = FindingOf(t.bytes, *s.font, s.measure);
+            if (s.font) {
+                fit::MeasureOptions options = s.measure;
+                if (s.boxes) options = fit::OptionsFor(s.boxes->At(t.offset), s.boxes->family(), s.measure.playerName);
+                row.finding = FindingOf(t.bytes, *s.font, options);
+            }
         }
         std::replace(text.begin(), text.end(), '\r', ' ');
         std::replace(text.begin(), text.end(), '\n', ' ');
@@ -221,9 +207,14 @@ AllTexts BuildFor(const Session& session) {
         // Without a model the places go uncounted; the rest still shows.
     }
     const fit::FitSettings settings = fit::ReadFitSettings(session.SettingsFile(), session.controls.gameCode);
-    const fit::FontResult font = fit::LocateFont(rom.View(), settings.named);
-    Sources sources{rom.View(), &session.tree, game.get(), font.font ? &*font.font : nullptr, settings.Options(),
+    const fit::FontResult font =
+        game ? fit::LocateFont(rom.View(), settings.named, game->Pointers()) : fit::LocateFont(rom.View(), settings.named);
+    const fit::TextBoxes boxes = game ? fit::TextBoxes::Read(rom.View(), *game) : fit::TextBoxes();
+    fit::MeasureOptions measure;
+    measure.playerName = settings.PlayerName();
+    Sources sources{rom.View(), &session.tree, game.get(), font.font ? &*font.font : nullptr, measure,
                     FreeRun(session.controls.gameCode, 1)[0]};
+    sources.boxes = &boxes;
     return AllTexts::Build(sources);
 }
 

@@ -5,6 +5,7 @@
 // whether its lines fit the message box. Built once per load of the offset
 // file; filtering and sorting afterwards touch only the rows.
 #include "app/tree_model.h"
+#include "fit/boxes.h"
 #include "fit/measure.h"
 #include "game/place_kind.h"
 
@@ -69,8 +70,9 @@ struct Sources {
     const TreeModel* tree = nullptr;
     const game::GameModel* game = nullptr;
     const fit::Font* font = nullptr;
-    fit::MeasureOptions measure;
+    fit::MeasureOptions measure;  // the sample name; the box when `boxes` is none
     char freeByte = '\xFF';
+    const fit::TextBoxes* boxes = nullptr;  // the box of each text
 };
 
 class AllTexts {

@@ -4,6 +4,8 @@
 #include "core/file_io.h"
 #include "edit/free_space.h"
 #include "fit/measure.h"
+#include "game/game_model.h"
+#include "game/pointer_index.h"
 #include "translate/offset_entries.h"
 #include "translate/po_file.h"
 #include "translate/rom_texts.h"
@@ -43,7 +45,7 @@ std::string Comments(const EntryText& t, std::size_t pointers, const fit::Font* 
                                       : "\nRoom before a repoint: " + std::to_string(t.room) + " bytes") +
                       "\nPointers: " + std::to_string(pointers);
     if (font)
-        out += "\nbox: " + std::to_string(fit::kBoxWidth) + " px, widest line " +
+        out += "\nbox: " + std::to_string(options.box.width) + " px, widest line " +
                std::to_string(fit::MeasureBytes(t.bytes, *font, options).WidestWidth()) + " px";
     return out;
 }
@@ -57,8 +59,12 @@ ExportSummary ExportPo(const ExportRequest& request, Progress& progress) {
     const std::vector<OffsetEntry> entries = ReadOffsetEntries(offsetText);
     const std::string code = HeaderString(image, 0xAC, 4);
     const char freeByte = FreeRun(code, 1)[0];
-    const fit::FontResult font = fit::LocateFont(image, request.fit.named);
-    const fit::MeasureOptions measure = request.fit.Options();
+    const game::GameModel model = game::GameModel::Read(image);
+    const fit::FontResult font = fit::LocateFont(image, request.fit.named, model.Pointers());
+    const fit::TextBoxes boxes = fit::TextBoxes::Read(image, model);
+    auto measure = [&](std::uint32_t offset) {
+        return fit::OptionsFor(boxes.At(offset), boxes.family(), request.fit.PlayerName());
+    };
 
     std::vector<OffsetEntry> chosen;
     for (const OffsetEntry& e : entries)
@@ -99,7 +105,7 @@ ExportSummary ExportPo(const ExportRequest& request, Progress& progress) {
         }
         std::string id = ToPoText(DecodeText(t.bytes, false));
         PoMessage message{t.context, id, request.fillTranslations ? id : std::string(),
-                          Comments(t, pointers.Of(t.offset).size(), font.font ? &*font.font : nullptr, measure),
+                          Comments(t, pointers.Of(t.offset).size(), font.font ? &*font.font : nullptr, measure(t.offset)),
                           false};
         catalog.messages.push_back(std::move(message));
         ++summary.exported;

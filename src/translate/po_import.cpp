@@ -4,6 +4,7 @@
 #include "core/file_io.h"
 #include "edit/free_space.h"
 #include "fit/measure.h"
+#include "fit/reflow.h"
 #include "game/game_model.h"
 #include "repoint/rewrites.h"
 #include "translate/offset_entries.h"
@@ -92,8 +93,6 @@ struct Translated {
     std::string newText;         // as editor text
     bool same = false;           // equal to the current text
     Encoded encoded;             // the new text's bytes, or why it cannot be written
-    int widest = 0;
-    int linesOver = 0;
     ImportKind kind = ImportKind::InPlace;
     std::size_t newLength = 0;   // of the encoded text, without terminator
     std::string after;           // the bytes written at the text's place
@@ -180,7 +179,8 @@ std::size_t ImportPlan::Count(ImportKind kind) const {
 }
 
 // What the plan needs first of the ROM and the offset file: the entries'
-// texts, their names and the game's font. It is made while the PO file is read.
+// texts and their names, and to reflow the texts, the game model, the font
+// and the texts' boxes. It is made while the PO file is read.
 struct RomSide {
     RomSide(const ImportRequest& request, Progress& progress)
         : rom(request.rom),
@@ -189,8 +189,12 @@ struct RomSide {
           entries(ReadOffsetEntries(offsetText)),
           code(image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string_view()),
           freeByte(FreeRun(code, 1)[0]),
-          texts(LoadEntryTexts(image, entries, freeByte, progress)),
-          font(fit::LocateFont(image, request.fit.named)) {
+          texts(LoadEntryTexts(image, entries, freeByte, progress)) {
+        if (request.reflow) {
+            model = std::make_shared<const game::GameModel>(game::GameModel::Read(image));
+            font = fit::LocateFont(image, request.fit.named, model->Pointers());
+            boxes = fit::TextBoxes::Read(image, *model);
+        }
         byContext.reserve(texts.size());
         for (std::size_t i = 0; i < texts.size(); ++i) {
             byContext.emplace(texts[i].context, i);
@@ -206,30 +210,38 @@ struct RomSide {
     std::string code;
     char freeByte;
     std::vector<EntryText> texts;  // point into `entries`
+    // Read first when the texts are reflowed; else while the PO file is read.
+    std::shared_ptr<const game::GameModel> model;
     fit::FontResult font;
+    fit::TextBoxes boxes;
     std::unordered_map<std::string_view, std::size_t> byContext;  // entry name: index into `texts`
     std::vector<FreeSpace::Range> taken;                          // the texts' bytes and terminators
 };
 
 // What moved texts need: the game model, which knows every place that holds
-// a text's pointer and its kind, and the free-space runs.
+// a text's pointer and its kind, and the free-space runs; and for the
+// widths of the new texts, the font and the box of every text.
 struct RomScan {
-    RomScan(const RomSide& side, std::int32_t freeSpaceOffset, Progress& progress)
-        : model(game::GameModel::Read(side.image)),
+    RomScan(const RomSide& side, const ImportRequest& request, Progress& progress)
+        : model(side.model ? *side.model : game::GameModel::Read(side.image)),
           freeSpace(side.image, side.freeByte,
-                    std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(freeSpaceOffset, 1) - 1),
+                    std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1),
                                             kLowestPointable),
-                    std::uint64_t{HighestPointable(side.image.size())} + 1, progress) {}
+                    std::uint64_t{HighestPointable(side.image.size())} + 1, progress),
+          font(side.model ? side.font : fit::LocateFont(side.image, request.fit.named, model.Pointers())),
+          boxes(side.model ? side.boxes : fit::TextBoxes::Read(side.image, model)) {}
 
     game::GameModel model;
     FreeSpace freeSpace;
+    fit::FontResult font;
+    fit::TextBoxes boxes;
 };
 
 namespace {
 
 // Works out one message against the entry it names: its text, whether it is
 // the current one, its bytes and what lands at the text's place.
-Translated Translate(const PoMessage& message, const RomSide& side, const fit::MeasureOptions& measure) {
+Translated Translate(const PoMessage& message, const RomSide& side, const ImportRequest& request) {
     Translated tr;
     if (message.str.empty() || message.fuzzy) return tr;
     const auto found = side.byContext.find(message.context);
@@ -238,14 +250,16 @@ Translated Translate(const PoMessage& message, const RomSide& side, const fit::M
     tr.text = found->second;
     tr.newText = FromPoText(message.str);
     tr.encoded = EncodeForImport(tr.newText, SavedAsSpecialDialog(t.bytes));
+    if (side.model && side.font.font && tr.encoded.refusal.empty()) {
+        const fit::ReflowOptions reflow =
+            fit::ReflowFor(side.boxes.At(t.offset), side.boxes.family(), SavedAsSpecialDialog(t.bytes),
+                           request.fit.PlayerName(), &*side.font.font, t.bytes);
+        std::string reflowed = fit::ReflowBytes(tr.encoded.bytes, *side.font.font, reflow);
+        if (reflowed != tr.encoded.bytes) tr.newText = DecodeText(reflowed, false), tr.encoded.bytes = std::move(reflowed);
+    }
     // The same bytes are the same text; other bytes may still read as it.
     tr.same = (tr.encoded.refusal.empty() && tr.encoded.bytes == t.bytes) || DecodeText(t.bytes, false) == tr.newText;
     if (tr.same || !tr.encoded.refusal.empty()) return tr;
-    if (side.font.font) {
-        const fit::Measure measured = fit::MeasureBytes(tr.encoded.bytes, *side.font.font, measure);
-        tr.widest = measured.WidestWidth();
-        tr.linesOver = measured.overCount;
-    }
     // The new text padded to the old length, grown into the free bytes
     // behind it, or, when it moves, free bytes. A name stays in its field.
     const std::size_t oldLength = t.bytes.size();
@@ -299,7 +313,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                 NoProgress quiet;  // progress is shown on the planning thread
                 const RomSide* rom = ready.get();
                 if (!rom) return;
-                scanning.set_value(RomScan(*rom, request.freeSpaceOffset, quiet));
+                scanning.set_value(RomScan(*rom, request, quiet));
             } catch (...) {
                 scanning.set_exception(std::current_exception());
                 return;
@@ -319,8 +333,6 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     const std::string_view image = side->image;
     const std::string& code = side->code;
     const std::vector<EntryText>& texts = side->texts;
-    const fit::FontResult& font = side->font;
-    const fit::MeasureOptions measure = request.fit.Options();
     const auto& byContext = side->byContext;
     std::vector<FreeSpace::Range>& taken = side->taken;
 
@@ -329,7 +341,6 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     plan.writes.subject = request.po.filename().string();
     plan.writes.rom = request.rom;
     plan.writes.romSize = image.size();
-    if (!font.font) plan.noFitCheck = font.why;
     auto refuse = [&plan](const std::string& context, std::string reason) {
         plan.refusals.push_back({context, std::move(reason)});
     };
@@ -394,8 +405,6 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         change.offset = change.newOffset = t.offset;
         change.oldLength = t.bytes.size();
         change.newLength = tr.newLength;
-        change.widest = tr.widest;
-        change.linesOver = tr.linesOver;
         change.name = t.entry->fixed.has_value();
         plan.changes.push_back(std::move(change));
         pending.push_back({t.offset, std::move(tr.after)});
@@ -407,7 +416,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             if (catalog.header.empty()) catalog.header = std::move(part->header);
             const std::size_t from = messages.size();
             std::move(part->messages.begin(), part->messages.end(), std::back_inserter(messages));
-            for (std::size_t m = from; m < messages.size(); ++m) translated.push_back(Translate(messages[m], *side, measure));
+            for (std::size_t m = from; m < messages.size(); ++m) translated.push_back(Translate(messages[m], *side, request));
             for (std::size_t m = from; m < messages.size(); ++m) {
                 if (m % 1024 == 0) stage.Step(m);
                 planMessage(m);
@@ -428,6 +437,24 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     }();
     const game::GameModel& model = scan.model;
     FreeSpace& space = scan.freeSpace;
+
+    // The new texts' widths, each against its box.
+    if (scan.font.font) {
+        std::vector<const std::string*> moved(plan.changes.size(), nullptr);
+        for (const Move& move : moves) moved[move.change] = &move.bytes;
+        for (std::size_t i = 0; i < plan.changes.size(); ++i) {
+            ImportChange& change = plan.changes[i];
+            const fit::Box box = scan.boxes.At(change.offset);
+            const fit::Measure m = fit::MeasureBytes(moved[i] ? *moved[i] : pending[i].bytes, *scan.font.font,
+                                                     fit::OptionsFor(box, scan.boxes.family(), request.fit.PlayerName()));
+            change.limit = m.limit;
+            change.linesOver = m.overCount;
+            for (const fit::Line& l : m.lines)
+                if (l.over) change.widest = std::max(change.widest, l.width);
+        }
+    } else {
+        plan.noFitCheck = scan.font.why;
+    }
     for (const Move& move : moves)
         for (std::uint32_t at : model.Pointers().PlacesOf(move.text->offset)) taken.push_back({at, at + 4u});
     space.Exclude(std::move(taken));
@@ -562,7 +589,7 @@ std::string DescribePlan(const ImportPlan& plan) {
     for (const auto& c : plan.changes)
         if (c.linesOver > 0) {
             ++overCount;
-            over += "  " + c.context + ": " + fit::WidthCaption(c.widest) + "\n";
+            over += "  " + c.context + ": " + fit::WidthCaption(c.widest, c.limit) + "\n";
         }
     if (!plan.noFitCheck.empty()) {
         std::string why = plan.noFitCheck;

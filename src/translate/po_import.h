@@ -19,7 +19,10 @@ struct ImportRequest {
     std::filesystem::path offsetFile;
     std::filesystem::path po;
     std::int32_t freeSpaceOffset = 0;  // as in settings.ini: a file position counted from 1
-    fit::FitSettings fit{};            // the font of a game the table does not list, the sample name
+    fit::FitSettings fit{};            // the font of a game no search finds, the sample name
+    // Each translated text is broken into lines and boxes that fit its box
+    // before it is written.
+    bool reflow = false;
     // A moved text's pointer is rewritten in script, table and pool places;
     // places inside program code only with rewriteCode, and a text whose
     // pointer stands in places of unknown use is refused without rewriteUnknown.
@@ -42,8 +45,9 @@ struct ImportChange {
     std::size_t oldLength = 0;
     std::size_t newLength = 0;
     std::size_t pointers = 0;     // rewritten pointers of a moved text
-    int widest = 0;               // pixels of the new text's widest line (0 without a font)
-    int linesOver = 0;            // its lines over the message box
+    int widest = 0;               // pixels of the new text's widest line over its box (0 without a font)
+    int limit = 0;                // its box's width in pixels
+    int linesOver = 0;            // its lines over its box
     std::size_t codeLeft = 0;     // places inside program code that hold its pointer, left alone
     std::vector<std::uint32_t> codeRewritten;  // such places rewritten all the same (rewriteCode)
     bool name = false;            // a name of fixed length, written in its field only
@@ -70,7 +74,7 @@ struct ImportPlan {
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress);
 
 // The plan in words: counts per kind, free space used and left, refusals,
-// and the changed texts with a line over the message box.
+// and the changed texts with a line over their box.
 std::string DescribePlan(const ImportPlan& plan);
 
 // Writes the plan through CommitPlan (nothing when it writes nothing).

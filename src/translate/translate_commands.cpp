@@ -74,17 +74,26 @@ bool ImportTranslation(Session& session, Progress& progress) {
     const auto po = session.prompter.OpenFile(kImportTitle, kPoFilter);
     if (!po) return false;
 
+    ImportRequest request{session.romPath, session.OffsetFile(), *po, *freeSpace,
+                          fit::ReadFitSettings(session.SettingsFile(), session.controls.gameCode)};
     ImportPlan plan;
-    try {
-        plan = PlanImport({session.romPath, session.OffsetFile(), *po, *freeSpace,
-                           fit::ReadFitSettings(session.SettingsFile(), session.controls.gameCode)},
-                          progress);
-    } catch (const Cancelled&) {
-        return false;
-    } catch (const std::exception& e) {
+    std::string failed;  // why the last plan could not be made
+    auto planImport = [&](bool reflow) {
+        request.reflow = reflow;
+        try {
+            plan = PlanImport(request, progress);
+            failed.clear();
+        } catch (const Cancelled&) {
+            failed = "cancelled";
+        } catch (const std::exception& e) {
+            failed = e.what();
+        }
+    };
+    planImport(false);
+    if (failed == "cancelled") return false;
+    if (!failed.empty()) {
         session.prompter.Message(Icon::Critical,
-                                 std::string("The translation could not be imported:\r\n") + e.what() +
-                                     "\r\nNothing was written.",
+                                 "The translation could not be imported:\r\n" + failed + "\r\nNothing was written.",
                                  kImportTitle);
         return false;
     }
@@ -92,8 +101,15 @@ bool ImportTranslation(Session& session, Progress& progress) {
         session.prompter.ShowReport(DescribeOutcome(plan, {}), kImportTitle, false);
         return false;
     }
-    if (!session.prompter.ShowReport(DescribePlan(plan) + "\nWrite these changes to the ROM?", kImportTitle, true))
-        return false;
+    // The plan with its texts reflowed to their boxes, or as translated.
+    bool reflow = false;
+    const bool go = session.prompter.ShowReportWithOption(
+        DescribePlan(plan) + "\nWrite these changes to the ROM?", kImportTitle, kReflowOption, reflow, [&](bool on) {
+            planImport(on);
+            return failed.empty() ? DescribePlan(plan) + "\nWrite these changes to the ROM?"
+                                  : "The translation could not be imported:\n" + failed;
+        });
+    if (!go || !failed.empty() || plan.WritesNothing()) return false;
     if (Commit(session, plan.writes, "The translation could not be imported:") != Committed::Written) return false;
     Tree_Load(session);  // moved texts have new offsets; the text shown is read again
     session.prompter.ShowReport(DescribeOutcome(plan, {}), kImportTitle, false);

@@ -11,6 +11,8 @@ class Session;
 
 inline constexpr std::string_view kExportAllTitle = "Export All Texts";
 inline constexpr std::string_view kImportTitle = "Import Translation";
+// The import window's check box: the texts reflowed to their boxes before they are written.
+inline constexpr std::string_view kReflowOption = "Break the texts into lines that fit their boxes (reflow)";
 inline constexpr std::string_view kPoFilter = "PO files (*.po)|*.po|All files (*.*)|*.*";
 
 // Asks where to save, writes every entry of the game's offset file to a PO

@@ -2,13 +2,17 @@
 
 #include "app/session.h"
 #include "edit/text_view.h"
+#include "fit/boxes.h"
 #include "ui/text_bridge.h"
 #include "ui/xp_button.h"
 
+#include <QColor>
 #include <QHeaderView>
 #include <QLabel>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace quillon::ui {
 
@@ -25,7 +29,8 @@ CheckAllDialog::CheckAllDialog(Session& session, const fit::FitSettings& setting
     list_->setObjectName(QStringLiteral("lstCheckAll"));
     list_->setRootIsDecorated(false);
     list_->setHeaderLabels({QStringLiteral("Section"), QStringLiteral("Key"), QStringLiteral("Offset"),
-                            QStringLiteral("Line"), QStringLiteral("Width"), QStringLiteral("Widest line")});
+                            QStringLiteral("Line"), QStringLiteral("Width"), QStringLiteral("Widest line"),
+                            QStringLiteral("Box")});
     auto* close = new XPButton(QStringLiteral("cmdClose"), QStringLiteral("&Close"), this);
     close->setFixedSize(110, 28);
     connect(close, &XPButton::clicked, this, &QDialog::accept);
@@ -42,7 +47,7 @@ CheckAllDialog::CheckAllDialog(Session& session, const fit::FitSettings& setting
         return;
     }
     try {
-        report_ = fit::CheckRom(session.romPath, session.OffsetFile(), settings.named, settings.Options());
+        report_ = fit::CheckRom(session.romPath, session.OffsetFile(), settings.named, settings.PlayerName());
     } catch (const std::exception& e) {
         report_.why = std::string("The check could not run: ") + e.what();
     }
@@ -50,19 +55,30 @@ CheckAllDialog::CheckAllDialog(Session& session, const fit::FitSettings& setting
         summary_->setText(Q(report_.why));
         return;
     }
+    // The texts over their box first; then, in grey, those over it only
+    // with names and buffers at their longest.
+    std::stable_partition(report_.rows.begin(), report_.rows.end(), [](const fit::CheckRow& r) { return r.over; });
     for (const fit::CheckRow& row : report_.rows) {
+        const fit::Finding& f = row.First();
         auto* item = new QTreeWidgetItem(list_);
         item->setText(0, Q(row.section));
         item->setText(1, Q(row.key));
         item->setText(2, Q(row.offset));
-        item->setText(3, QString::number(row.line + 1));
-        item->setText(4, Q(fit::WidthCaption(row.width)));
-        item->setText(5, Q(row.lineText));
+        item->setText(3, QString::number(f.line + 1));
+        item->setText(4, Q(fit::WidthCaption(f.width, row.box.width) + (f.names ? " with long names" : "")));
+        item->setText(5, Q(f.lineText));
+        item->setText(6, Q(row.box.name));
+        if (f.names)
+            for (int c = 0; c < 7; ++c) item->setForeground(c, QColor(120, 120, 120));
     }
     for (int c = 0; c < 5; ++c) list_->resizeColumnToContents(c);
-    QString text = QStringLiteral("%1 of %2 texts have a line over the message box (208 px); double-click one to open it.")
-                       .arg(report_.rows.size())
-                       .arg(report_.entries);
+    QString text = QStringLiteral("%1 of %2 texts have a line over the message box (%3 px); double-click one to open it.")
+                       .arg(report_.over)
+                       .arg(report_.entries)
+                       .arg(report_.messageBox);
+    if (report_.names > 0)
+        text += QStringLiteral(" %1 more are over only with names and buffers at their longest (listed in grey).")
+                    .arg(report_.names);
     if (!report_.skipped.empty())
         text += QStringLiteral(" %1 entries could not be read.").arg(report_.skipped.size());
     summary_->setText(text);

@@ -1,6 +1,8 @@
 #include "ui/fit_monitor.h"
 
 #include "app/session.h"
+#include "fit/reflow.h"
+#include "fit/rom_fit.h"
 #include "ui/check_all_dialog.h"
 #include "ui/preview_dialog.h"
 #include "ui/text_bridge.h"
@@ -11,7 +13,10 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QTextBlock>
+#include <QTextCursor>
 #include <QToolTip>
+
+#include <algorithm>
 
 namespace quillon::ui {
 
@@ -36,6 +41,14 @@ FitMonitor::FitMonitor(Session& session, QPlainTextEdit* text1, QLabel* repoint,
     window->addAction(preview);  // the shortcut works while the menu is closed
     connect(preview, &QAction::triggered, this, [this] { OpenPreview(); });
 
+    auto* reflow = new QAction(QStringLiteral("Reflow Text"), textMenu);
+    reflow->setObjectName(QStringLiteral("mnuReflow"));
+    reflow->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+    reflow->setShortcutContext(Qt::WindowShortcut);
+    textMenu->addAction(reflow);
+    window->addAction(reflow);
+    connect(reflow, &QAction::triggered, this, [this] { Reflow(); });
+
     auto* checkAll = new QAction(QStringLiteral("Check All Texts..."), toolsMenu);
     checkAll->setObjectName(QStringLiteral("mnuCheckAll"));
     toolsMenu->addAction(checkAll);
@@ -49,6 +62,7 @@ void FitMonitor::ReloadFont() {
     fit::FontResult r = fit::SessionFont(session_, &settings_);
     font_ = std::move(r.font);
     why_ = Q(r.why);
+    optionsKey_.clear();
     measured_ = false;
 }
 
@@ -59,6 +73,7 @@ void FitMonitor::SetSampleName(const std::string& name) {
         // A read-only settings file keeps the name for this run only.
     }
     settings_.sampleName = name;
+    optionsKey_.clear();
     measured_ = false;
     Update();
 }
@@ -69,13 +84,19 @@ void FitMonitor::Update() {
         fontKey_ = key;
         ReloadFont();
     }
+    // The box follows the text shown.
+    if (font_ && session_.controls.offsetCaption != optionsKey_) {
+        optionsKey_ = session_.controls.offsetCaption;
+        options_ = fit::SessionOptions(session_, settings_);
+        measured_ = false;
+    }
     const std::string& text = session_.controls.text1.Text();
     const bool special = session_.controls.specialDialog;
     if (!measured_ || text != measuredText_ || special != measuredSpecial_) {
         measuredText_ = text;
         measuredSpecial_ = special;
         measured_ = true;
-        measure_ = font_ ? fit::MeasureText(text, special, *font_, settings_.Options()) : fit::Measure{};
+        measure_ = font_ ? fit::MeasureText(text, special, *font_, options_) : fit::Measure{};
         Mark();
         emit Measured();
     }
@@ -84,15 +105,15 @@ void FitMonitor::Update() {
 void FitMonitor::Mark() {
     QList<QTextEdit::ExtraSelection> marks;
     for (const fit::Line& line : measure_.lines) {
-        if (!line.over || line.editorLine < 0) continue;
+        if ((!line.over && !line.names) || line.editorLine < 0) continue;
         const QTextBlock block = text1_->document()->findBlockByNumber(line.editorLine);
         if (!block.isValid()) continue;
         QTextEdit::ExtraSelection mark;
         mark.cursor = QTextCursor(block);
         mark.cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);  // every wrapped row of it
-        mark.format.setBackground(QColor(255, 214, 214));
+        mark.format.setBackground(line.over ? QColor(255, 214, 214) : QColor(255, 240, 200));
         mark.format.setProperty(QTextFormat::FullWidthSelection, true);
-        mark.format.setToolTip(Q(fit::WidthCaption(line.width)));
+        mark.format.setToolTip(Q(Caption(line)));
         marks.push_back(mark);
     }
     text1_->setExtraSelections(marks);
@@ -102,10 +123,14 @@ void FitMonitor::Mark() {
     } else if (!font_) {
         label_->setText(QStringLiteral("No width check"));
         label_->setToolTip(why_);
-    } else {
+    } else if (measure_.overCount > 0 || measure_.namesCount == 0) {
         label_->setText(Q(fit::TooWideSummary(measure_.overCount)));
-        label_->setToolTip(measure_.overCount ? Q("Widest line: " + fit::WidthCaption(measure_.WidestWidth()))
+        label_->setToolTip(measure_.overCount ? Q("Widest line: " + fit::WidthCaption(measure_.WidestWidth(), measure_.limit) +
+                                                  " (" + std::string(options_.box.name) + ")")
                                               : QString());
+    } else {
+        label_->setText(Q(fit::TooWideSummary(measure_.namesCount) + " with long names"));
+        label_->setToolTip(QStringLiteral("Too wide only when a name or buffer is at its longest"));
     }
 }
 
@@ -123,7 +148,7 @@ bool FitMonitor::eventFilter(QObject* watched, QEvent* event) {
         const int block = text1_->cursorForPosition(help->pos()).blockNumber();
         for (const fit::Line& line : measure_.lines) {
             if (line.editorLine == block && font_) {
-                QToolTip::showText(help->globalPos(), Q(fit::WidthCaption(line.width)), text1_);
+                QToolTip::showText(help->globalPos(), Q(Caption(line)), text1_);
                 return true;
             }
         }
@@ -138,6 +163,29 @@ void FitMonitor::OpenPreview() {
     preview_->show();
     preview_->raise();
     preview_->activateWindow();
+}
+
+std::string FitMonitor::Caption(const fit::Line& line) const {
+    std::string caption = fit::WidthCaption(line.width, measure_.limit);
+    if (line.longest > line.width) caption += ", " + fit::WidthCaption(line.longest, measure_.limit) + " with long names";
+    return caption;
+}
+
+void FitMonitor::Reflow() {
+    if (!font_ || !session_.RomOpen()) return;
+    const std::string& text = session_.controls.text1.Text();
+    const bool special = session_.controls.specialDialog;
+    const std::string& loaded = session_.loaded.bytes;
+    const std::string reflowed = fit::ReflowText(
+        text, special, *font_,
+        fit::ReflowFor(options_.box, options_.family, special, options_.playerName, &*font_,
+                       std::string_view(loaded).substr(0, std::min(loaded.find('\xFF'), loaded.size()))));
+    if (reflowed == text) return;
+    QTextCursor cursor(text1_->document());
+    cursor.beginEditBlock();
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(Q(reflowed).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    cursor.endEditBlock();
 }
 
 void FitMonitor::OpenCheckAll() {

@@ -1,9 +1,10 @@
 #pragma once
 // The fit check in the main window: measures the editor text with the game's
-// font after every change, tints the lines over the message box (with their
-// width as a tooltip), shows a short summary beside the repoint counter, and
-// adds "Preview in Game Font..." to the text menu and "Check All Texts..." to
-// the Tools menu.
+// font against the box of its context after every change, tints the lines
+// over it (with their width as a tooltip) and, lighter, the lines over it
+// only with names at their longest, shows a short summary beside the repoint
+// counter, and adds "Preview in Game Font..." and "Reflow Text" to the text
+// menu and "Check All Texts..." to the Tools menu.
 #include "fit/fit_settings.h"
 #include "fit/measure.h"
 
@@ -39,12 +40,17 @@ public:
     const QString& Why() const { return why_; }
     // The last measure of the editor text (empty without a font).
     const fit::Measure& Current() const { return measure_; }
+    // How the editor text is measured: its box, the sample name.
+    const fit::MeasureOptions& Options() const { return options_; }
     const fit::FitSettings& Settings() const { return settings_; }
     // A new sample player name (editor text), kept in settings.ini.
     void SetSampleName(const std::string& name);
 
     void OpenPreview();
     void OpenCheckAll();
+    // Breaks the editor text into lines and boxes that fit its box; one
+    // step of the editor's undo.
+    void Reflow();
     PreviewDialog* Preview() const { return preview_; }
 
 signals:
@@ -58,6 +64,8 @@ private:
     void ReloadFont();
     void PlaceLabel();
     void Mark();
+    // "214 / 208 px", and the width with long names when it differs.
+    std::string Caption(const fit::Line& line) const;
 
     Session& session_;
     QPlainTextEdit* text1_;
@@ -68,6 +76,8 @@ private:
     QLabel* label_;
     QWidget* window_;
     std::string fontKey_;
+    std::string optionsKey_;
+    fit::MeasureOptions options_;
     std::optional<fit::Font> font_;
     QString why_;
     fit::FitSettings settings_;

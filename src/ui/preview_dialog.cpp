@@ -49,7 +49,7 @@ PreviewDialog::PreviewDialog(FitMonitor& monitor, QWidget* parent) : QDialog(par
     name_ = new QLineEdit(this);
     name_->setObjectName(QStringLiteral("txtSampleName"));
     name_->setMaxLength(7);
-    name_->setPlaceholderText(QStringLiteral("longest"));
+    name_->setPlaceholderText(QStringLiteral("a usual name"));
     name_->setText(Q(monitor_.Settings().sampleName));
     connect(name_, &QLineEdit::textEdited, this, [this](const QString& text) { monitor_.SetSampleName(U(text)); });
 
@@ -94,7 +94,7 @@ void PreviewDialog::Refresh() {
     box_ = std::clamp(box_, 0, std::max(0, BoxCount() - 1));
     fit::DrawOptions options;
     options.zoom = zoom_->currentIndex() + 1;
-    options.playerName = fit::SampleName(monitor_.Settings().sampleName);
+    options.measure = monitor_.Options();
     const fit::Picture p = fit::DrawBox(m, box_, *font, options);
     image_ = QImage(p.width, p.height, QImage::Format_RGB32);
     for (int y = 0; y < p.height; ++y) {
@@ -108,7 +108,8 @@ void PreviewDialog::Refresh() {
         int widest = 0;
         for (int index : m.boxes[static_cast<std::size_t>(box_)].lines)
             widest = std::max(widest, m.lines[static_cast<std::size_t>(index)].width);
-        text += QStringLiteral(" \u00B7 widest line ") + Q(fit::WidthCaption(widest));
+        text += QStringLiteral(" \u00B7 widest line ") + Q(fit::WidthCaption(widest, m.limit)) + QStringLiteral(" (") +
+                Q(monitor_.Options().box.name) + QStringLiteral(")");
         if (m.boxes[static_cast<std::size_t>(box_)].lines.size() > static_cast<std::size_t>(fit::kLinesPerBox))
             text += QStringLiteral(" \u00B7 a line falls below the box");
     }

@@ -95,6 +95,16 @@ bool QtPrompter::ShowReport(std::string_view text, std::string_view title, bool 
     return dialog.exec() == QDialog::Accepted || !askToGo;
 }
 
+bool QtPrompter::ShowReportWithOption(std::string_view text, std::string_view title, std::string_view option,
+                                      bool& checked, const std::function<std::string(bool)>& redo) {
+    ReportDialog dialog(Q(text), Q(title), true, Owner());
+    dialog.AddOption(Q(option), checked, [&](bool on) {
+        checked = on;
+        return Q(redo(on));
+    });
+    return dialog.exec() == QDialog::Accepted;
+}
+
 std::optional<std::string> QtPrompter::Input(std::string_view title, std::string_view prompt,
                                              std::string_view defaultValue) {
     QInputDialog box(Owner() ? Owner() : parent_);

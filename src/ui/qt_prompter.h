@@ -22,6 +22,8 @@ public:
     Choice AskChoice(std::string_view text, std::string_view first, std::string_view second,
                      std::string_view title) override;
     bool ShowReport(std::string_view text, std::string_view title, bool askToGo) override;
+    bool ShowReportWithOption(std::string_view text, std::string_view title, std::string_view option, bool& checked,
+                              const std::function<std::string(bool)>& redo) override;
     std::optional<std::string> Input(std::string_view title, std::string_view prompt,
                                      std::string_view defaultValue) override;
     std::optional<std::filesystem::path> OpenFile(std::string_view title, std::string_view filter) override;

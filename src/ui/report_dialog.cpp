@@ -4,6 +4,7 @@
 
 #include "ui/xp_button.h"
 
+#include <QCheckBox>
 #include <QClipboard>
 #include <QFile>
 #include <QFileDialog>
@@ -54,6 +55,18 @@ ReportDialog::ReportDialog(const QString& text, const QString& title, bool askTo
     layout->addWidget(text_);
     layout->addLayout(buttons);
     resize(600, 420);
+}
+
+void ReportDialog::AddOption(const QString& label, bool checked, std::function<QString(bool)> redo) {
+    option_ = new QCheckBox(label, this);
+    option_->setObjectName(QStringLiteral("chkOption"));
+    option_->setChecked(checked);
+    static_cast<QVBoxLayout*>(layout())->insertWidget(1, option_);
+    connect(option_, &QCheckBox::toggled, this, [this, redo = std::move(redo)](bool on) {
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+        text_->setPlainText(redo(on).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+        QGuiApplication::restoreOverrideCursor();
+    });
 }
 
 void ReportDialog::Save() {

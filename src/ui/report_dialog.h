@@ -4,6 +4,9 @@
 // or Close.
 #include <QDialog>
 
+#include <functional>
+
+class QCheckBox;
 class QPlainTextEdit;
 
 namespace quillon::ui {
@@ -11,11 +14,15 @@ namespace quillon::ui {
 class ReportDialog : public QDialog {
 public:
     ReportDialog(const QString& text, const QString& title, bool askToGo, QWidget* parent);
+    // A check box under the text; a click hands its state to `redo`, whose
+    // answer replaces the text.
+    void AddOption(const QString& label, bool checked, std::function<QString(bool)> redo);
 
 private:
     void Save();
 
     QPlainTextEdit* text_;
+    QCheckBox* option_ = nullptr;
 };
 
 }  // namespace quillon::ui

@@ -237,11 +237,9 @@ TEST_F(App, DeletingATextOrASectionRebuildsTheTree) {
 }
 
 TEST_F(App, ExportNamesTheBoxAndImportWritesOnlyAfterOk) {
-    std::string widths(512, '\0');
-    for (std::size_t b = 0; b < 512; ++b) widths[b] = static_cast<char>(FontWidth(static_cast<int>(b)));
-    w.OpenAt(StoryRom("BPRE").Put(0xBC, std::string(1, '\0')).Put(0x207300, widths).Pointer(0x66EC, 0x1FF300)
-                 .Pointer(0x66F4, 0x207300).Put(0x100000, HexToBytes(EncodeText("Hello", false)) + "\xFF")
-                 .Pointer(0x50000, 0x100000).Pointer(0x50004, 0x1FF300),  // a table of two pointers
+    // A game of no known family: its texts are taken for messages.
+    w.OpenAt(StoryRom().Font().Put(0x100000, HexToBytes(EncodeText("Hello", false)) + "\xFF").Pointer(0x50000, 0x100000)
+                 .Pointer(0x50004, 0x1FF300),  // a table of two pointers
              "[Town]\r\nSign=100000\r\n", "Town", "Sign");
     const std::filesystem::path po = w.dir / "town.po";
     NoProgress none;
@@ -250,11 +248,11 @@ TEST_F(App, ExportNamesTheBoxAndImportWritesOnlyAfterOk) {
     EXPECT_NE(ReadPo(po).messages.at(0).comments.find("\nbox: 208 px, widest line 31 px"),  // H7 e5 l7 l7 o5
               std::string::npos);
     const std::string wide(31, 'M');  // 217 px
-    WritePo(po, {{{"X-Game-Code", "BPRE"}}, {{"Town/Sign", "Hello", wide, {}, false}}});
-    const std::string rom = w.RomBytes(), offsets = ReadFile(w.OffsetFile("BPRE"));
+    WritePo(po, {{{"X-Game-Code", "QLNE"}}, {{"Town/Sign", "Hello", wide, {}, false}}});
+    const std::string rom = w.RomBytes(), offsets = ReadFile(w.OffsetFile());
     w.user.Then(po).No().Then(po).Yes();
     EXPECT_FALSE(ImportTranslation(w.session, none));
-    EXPECT_TRUE(w.RomBytes() == rom && ReadFile(w.OffsetFile("BPRE")) == offsets);
+    EXPECT_TRUE(w.RomBytes() == rom && ReadFile(w.OffsetFile()) == offsets);
     EXPECT_TRUE(ImportTranslation(w.session, none));
     // Save dialog, message; open dialog, plan (Cancel); open dialog, plan (OK), report.
     const auto shown = w.user.Take();

@@ -134,30 +134,55 @@ TEST_F(Cli, ExportsAndImportsThroughAPoFile) {
     EXPECT_NE(refused.err.find("'settings.ini' could not be found"), std::string::npos) << refused.err;
 }
 
-TEST_F(Cli, CheckListsTheTextsOverTheBoxOfKnownOrNamedFonts) {
-    for (const char* code : {"BPRE", "QLNE"}) {
-        StoryRom(code)
-            .Font()
-            .Put(0x100000, Bytes("C2DDFF"))                                   // "Hi"
-            .Put(0x100010, Bytes("C2DDFE") + std::string(31, '\xC7') + "\xFF")  // "Hi", then 31 x "M": 217 px
-            .Save(w.Rom());
-        WriteFile(w.OffsetFile(code), "[Town]\r\nMom=100000\r\nSign=100010\r\n");
-        const std::string listed = "Town/Sign  100010  line 2  217 / 208 px  " + std::string(31, 'M') +
-                                   "\n1 of 2 texts have a line over the message box.\n";
-        CliRun run = Run({"check", "ROM"});
-        if (code == std::string("BPRE")) {
-            EXPECT_EQ(run.status, 0) << run.err;
-            EXPECT_EQ(run.out, listed);
-            WriteFile(dir / "other.ini", "[Names]\r\nTwo=100000\r\n");
-            EXPECT_EQ(Run({"check", "ROM", "--ini", "@other.ini"}).out, "0 of 1 texts have a line over the message box.\n");
-            continue;
-        }
-        EXPECT_EQ(run.status, 1);
-        EXPECT_NE(run.err.find("no fit check: the font of game QLNE version 0 is not known"), std::string::npos) << run.err;
-        run = Run({"check", "ROM", "--glyphs", "1FF300", "--widths", "0x207300"});
-        EXPECT_EQ(run.status, 0) << run.err;
-        EXPECT_EQ(run.out, listed);
-    }
+TEST_F(Cli, CheckListsTheTextsOverTheirBoxForPeopleOrAsTableOfFindings) {
+    RomBuilder rom = StoryRom("QLNE")
+                         .Font()
+                         .Put(0x100000, Bytes("C2DDFF"))                                   // "Hi"
+                         .Put(0x100010, Bytes("C2DDFE") + std::string(31, '\xC7') + "\xFF")  // "Hi", then 31 x "M": 217 px
+                         .Put(0x100040, Bytes("FD01FD01FD01FD01BBBBBBFF"));  // 115 px, 211 with names at their longest
+    rom.Save(w.Rom());
+    WriteFile(w.OffsetFile(), "[Town]\r\nMom=100000\r\nSign=100010\r\nNames=100040\r\n");
+    CliRun run = Run({"check", "ROM"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    const std::string listed = "Town/Sign  100010  line 2  217 / 208 px  " + std::string(31, 'M') +
+                               "\nOver only with names and buffers at their longest:\n"
+                               "Town/Names  100040  line 1  211 / 208 px  [PLAYER][PLAYER][PLAYER][PLAYER]AAA\n"
+                               "1 of 3 texts have a line over the message box.\n"
+                               "1 more texts are over only with names and buffers at their longest.\n";
+    EXPECT_EQ(run.out, listed);
+    EXPECT_EQ(Run({"check", "ROM", "--format", "tsv"}).out, "Town/Sign\t100010\t2\t217\t208\tover\nTown/Names\t100040\t1\t211\t208\tnames\n");
+    // A font whose pointers are gone: none found, unless named.
+    rom.Fill(0x66EC, 12, '\x01').Save(w.Rom());
+    run = Run({"check", "ROM"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.err.find("no fit check: no font was found in the image"), std::string::npos) << run.err;
+    run = Run({"check", "ROM", "--glyphs", "1FF300", "--widths", "0x207300"});
+    EXPECT_EQ(std::pair(run.status, run.out), std::pair(0, listed)) << run.err;
+}
+
+// Eight words of four "M" (245 px): six fit the message box, a line break
+// takes the place of the seventh space, so the text keeps its length.
+TEST_F(Cli, ReflowAndImportWithReflowBreakTheLinesThatDoNotFit) {
+    std::string words, broken;
+    for (int i = 0; i < 8; ++i) words += (i ? " " : "") + std::string(4, 'M');
+    broken = words;
+    broken.replace(6 * 5 - 1, 1, "\r\n");
+    const auto bytes = [](const std::string& text) { return HexToBytes(EncodeText(text, false)) + "\xFF"; };
+    StoryRom().Font().Put(0x100000, bytes(words)).Save(w.Rom());
+    WriteFile(w.OffsetFile(), "[Town]\r\nSign=100000\r\n");
+    const std::string before = ReadFile(w.Rom());
+    CliRun run = Run({"reflow", "ROM", "--dry-run"});
+    EXPECT_NE(run.out.find("1 in place\n"), std::string::npos) << run.out << run.err;
+    EXPECT_TRUE(ReadFile(w.Rom()) == before);
+    EXPECT_EQ(Run({"reflow", "ROM"}).status, 0);
+    EXPECT_EQ(ReadFile(w.Rom()).substr(0x100000, words.size() + 1), bytes(broken));
+    EXPECT_EQ(Run({"check", "ROM"}).out, "0 of 1 texts have a line over the message box.\n");
+    // The same from a translation, on request only.
+    WritePo(dir / "in.po", {{{"X-Game-Code", "QLNE"}}, {{"Town/Sign", "x", words, {}, false}}});
+    EXPECT_EQ(Run({"import", "ROM", "--po", "@in.po"}).status, 0);
+    EXPECT_EQ(ReadFile(w.Rom()).substr(0x100000, words.size() + 1), bytes(words));
+    EXPECT_EQ(Run({"import", "ROM", "--po", "@in.po", "--reflow"}).status, 0);
+    EXPECT_EQ(ReadFile(w.Rom()).substr(0x100000, words.size() + 1), bytes(broken));
 }
 
 TEST_F(Cli, ScanPrintsTheTextsOrAddsTheNewOnesToTheOffsetFile) {

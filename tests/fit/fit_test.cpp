@@ -1,259 +1,323 @@
-// The fit check: finding the font, measuring lines, paging, drawing a box and
-// the whole-game check, on images built here with a font of the test's own.
-#include "demo/demo_font.h"
+// The fit check: fonts found by their structure in images of each family and
+// glyph format, the boxes of the families' windows, measuring with names and
+// buffers, reflow, drawing and the whole-game check. Fonts and texts are of
+// the tests' own making (seeded).
+#include "fit/boxes.h"
 #include "fit/check_all.h"
 #include "fit/font.h"
 #include "fit/measure.h"
+#include "fit/reflow.h"
 #include "fit/render.h"
+#include "game/game_model.h"
 #include "support/rom_builder.h"
 #include "support/temp_dir.h"
+#include "support/workspace.h"
+
+#include <quillon/codec.h>
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <random>
 
 using namespace quillon;
 using namespace quillon::fit;
 using namespace quillon::test;
+using game::Family;
+using game::TextContext;
 
 namespace {
 
-constexpr std::uint32_t kGlyphs = 0x1FF300;  // where FireRed 1.0 keeps them
-constexpr std::uint32_t kWidths = 0x207300;
+// A font of random glyphs: each a random picture of letter and shadow pixels
+// reaching one pixel short of its width (the gap before the next glyph), in
+// rows 2 to 12; the space blank. Letters are 3 to `widest` pixels wide.
+struct MadeFont {
+    std::string widths;  // 512
+    std::string glyphs;  // 256 glyphs in `format`
+};
 
-// The test's font: widths of FontWidth(); every glyph a random 16x16 picture
-// of the values 0..3.
-using Pixels = std::array<std::array<int, 16>, 16>;
-
-const std::vector<Pixels> kPictures = [] {
-    std::mt19937 rng(15);
-    std::vector<Pixels> p(256);
-    for (auto& glyph : p)
-        for (auto& row : glyph)
-            for (int& v : row) v = static_cast<int>(rng() % 4);
-    return p;
-}();
-
-// An image holding the pictures in the game's format: tiles TL, TR, BL, BR of 16 bytes;
-// a tile row is two bytes, the second with the left four pixels, the first
-// with the right four; the highest bits of a byte are the leftmost pixel.
-RomBuilder FontRom(std::string_view code = "BPRE", char version = 0, std::uint32_t glyphPointer = 0x66EC,
-                   std::uint32_t widthPointer = 0x66F4) {
-    std::string sheet;
-    for (const Pixels& px : kPictures)
-        for (int tile = 0; tile < 4; ++tile)
-            for (int row = 0; row < 8; ++row)
-                for (int x0 : {4, 0}) {  // first byte: right four pixels; second: left four
-                    int b = 0;
-                    for (int k = 0; k < 4; ++k) b = b * 4 + px[tile / 2 * 8 + row][tile % 2 * 8 + x0 + k];
-                    sheet.push_back(static_cast<char>(b));
+MadeFont MakeFont(unsigned seed, GlyphFormat format, int widest) {
+    std::mt19937 rng(seed);
+    MadeFont f{std::string(512, '\0'), std::string(256 * GlyphBytes(format), '\0')};
+    for (int b = 0; b < 512; ++b) f.widths[b] = static_cast<char>(3 + rng() % (widest - 2));
+    for (int b = 1; b < 256; ++b) {
+        const int w = static_cast<std::uint8_t>(f.widths[b]);
+        for (int y = 2; y <= 12; ++y)
+            for (int x = 0; x < w - 1; ++x) {
+                const int v = x == w - 2 && y == 7 ? 1 : static_cast<int>(rng() % 3);  // 0 none, 1 letter, 2 shadow
+                if (!v) continue;
+                char* g = f.glyphs.data() + b * GlyphBytes(format);
+                if (format == GlyphFormat::Narrow4bpp) {
+                    g[y / 8 * 32 + y % 8 * 4 + x / 2] |= static_cast<char>((v == 1 ? 15 : 14) << (x % 2 * 4));
+                } else {
+                    const int tile = format == GlyphFormat::Wide2bpp ? y / 8 * 2 + x / 8 : y / 8;
+                    g[tile * 16 + y % 8 * 2 + (x % 8 < 4)] |= static_cast<char>(v << (6 - 2 * (x % 4)));
                 }
-    return RomBuilder(3u << 20, '\xFF').Title("FITTEST").Code(code).Maker("01").Font(sheet, version, glyphPointer,
-                                                                                    widthPointer);
+            }
+    }
+    return f;
 }
 
-Font TestFont() {
-    static const FontResult r = LocateFont(FontRom().bytes());
-    EXPECT_TRUE(r.font) << r.why;
-    return *r.font;
+// A font placed in an image: its two parts, and a literal pool with a
+// pointer to each at `pool`.
+RomBuilder& Plant(RomBuilder& rom, const MadeFont& f, std::uint32_t glyphs, std::uint32_t widths, std::uint32_t pool) {
+    return rom.Put(glyphs, f.glyphs).Put(widths, f.widths).Pointer(pool, glyphs).Pointer(pool + 8, widths);
+}
+
+// A plain font for measuring and reflowing: every glyph 6 pixels, the space 3.
+Font Even() {
+    Font f;
+    f.widths.fill(6);
+    f.widths[0] = 3;
+    f.glyphs.assign(256 * 64, 0);
+    return f;
+}
+
+Box Narrow(int width, int cursor = 0) {
+    Box b;
+    b.width = width;
+    b.cursor = cursor;
+    return b;
 }
 
 }  // namespace
 
-// --- finding the font ------------------------------------------------------
+// --- finding the fonts -----------------------------------------------------
 
-TEST(FitFont, FoundThroughThePointersOfKnownGamesOnly) {
+TEST(FitFont, FoundByStructureInEveryFamilyAndFormatWhereverItLies) {
     struct Case {
         const char* name;
-        RomBuilder rom;
-        std::string why;  // empty: found
+        std::string code;
+        GlyphFormat format;
+        std::uint32_t glyphs, widths, pool;
     };
     const Case cases[] = {
-        {"FireRed 1.0", FontRom("BPRE", 0, 0x66EC, 0x66F4), ""},
-        {"LeafGreen 1.0", FontRom("BPGE", 0, 0x66EC, 0x66F4), ""},
-        {"FireRed 1.1", FontRom("BPRE", 1, 0x6700, 0x6708), ""},
-        {"LeafGreen 1.1", FontRom("BPGE", 1, 0x6700, 0x6708), ""},
-        {"Emerald", FontRom("BPEE", 0, 0x67D0, 0x67D8), ""},
-        {"demo", FontRom("QDME", 0, 0x66EC, 0x66F4), ""},
-        {"unknown game", FontRom("AXVE"),
-         "no fit check: the font of game AXVE version 0 is not known; name the offsets of its glyph pictures and "
-         "glyph widths to check it."},
-        {"unknown version", FontRom("BPEE", 1), "the font of game BPEE version 1 is not known"},
-        {"glyphs past the end", FontRom().Pointer(0x66EC, 0x2FFFF0),
-         "no fit check: the glyph pictures at 0x2FFFF0 reach past the end of the image."},
-        {"widths pointer outside", FontRom().PutHex(0x66F4, "00000000"),
-         "no fit check: the pointer to the glyph widths at 0x66F4 (0x0) does not point into the image."},
-        {"no header", RomBuilder(0x40, '\0'), "too short to hold a cartridge header"},
+        {"FireRed-like, moved", "BPRE", GlyphFormat::Wide2bpp, 0x2A1000, 0x2A9000, 0x004100},
+        {"Emerald-like", "BPEE", GlyphFormat::Wide2bpp, 0x1C0000, 0x1BFE00, 0x0081A0},
+        {"Ruby-like, 4 bits a pixel", "AXVE", GlyphFormat::Narrow4bpp, 0x1E4000, 0x1E0000, 0x0012F0},
+        {"a hack of no known game", "ZZZE", GlyphFormat::Narrow2bpp, 0x0F0000, 0x0F4000, 0x0033C0},
     };
     for (const Case& c : cases) {
-        const FontResult r = LocateFont(c.rom.bytes());
-        if (!c.why.empty()) {
-            EXPECT_FALSE(r.font) << c.name;
-            EXPECT_NE(r.why.find(c.why), std::string::npos) << c.name << ": " << r.why;
-            continue;
-        }
-        ASSERT_TRUE(r.font) << c.name << ": " << r.why;
-        EXPECT_EQ(r.font->place, (FontPlace{kGlyphs, kWidths})) << c.name;
-        EXPECT_EQ(r.font->Width(0xBB), FontWidth(0xBB)) << c.name;
-        EXPECT_EQ(r.font->widest, 7) << c.name;
+        SCOPED_TRACE(c.name);
+        const MadeFont normal = MakeFont(7, c.format, c.format == GlyphFormat::Wide2bpp ? 10 : 8);
+        const MadeFont small = MakeFont(8, GlyphFormat::Narrow2bpp, 5);
+        RomBuilder rom(3u << 20, '\x01');
+        rom.Code(c.code);
+        Plant(rom, normal, c.glyphs, c.widths, c.pool);
+        Plant(rom, small, 0x240000, 0x250000, 0x5000);
+        Plant(rom, normal, 0x2D0000, 0x2E0000, 0x6000);  // a copy counts once
+        // Decoys: widths with no pictures to match, pictures with widths too narrow.
+        rom.Put(0x280000, std::string(300, '\x09')).Pointer(0x7000, 0x280000);
+        rom.Put(0x290000, normal.glyphs).Put(0x298000, std::string(512, '\x02')).Pointer(0x7100, 0x290000).Pointer(0x7108, 0x298000);
+        const FontResult r = LocateFont(rom.bytes());
+        ASSERT_TRUE(r.font) << r.why;
+        EXPECT_EQ(r.font->place, (FontPlace{c.glyphs, c.widths, c.format}));
+        EXPECT_EQ(r.font->Width(0xBB), static_cast<std::uint8_t>(normal.widths[0xBB]));
+        EXPECT_EQ(r.font->SymbolWidth(0x05), static_cast<std::uint8_t>(normal.widths[0x105]));
+        ASSERT_TRUE(r.small);
+        EXPECT_EQ(r.small->place, (FontPlace{0x240000, 0x250000, GlyphFormat::Narrow2bpp}));
+        EXPECT_EQ(r.found.size(), 2u);
+        EXPECT_TRUE(r.found[0].confirmed);
     }
+}
+
+TEST(FitFont, NamedOffsetsServeAFontNoSearchFinds) {
+    const MadeFont f = MakeFont(9, GlyphFormat::Wide2bpp, 9);
+    const std::string image = RomBuilder(2u << 20, '\x01').Code("BPRE").Put(0x100000, f.glyphs).Put(0x108000, f.widths).bytes();
+    EXPECT_EQ(LocateFont(image).why, "no fit check: no font was found in the image; name the offsets of its glyph "
+                                     "pictures and glyph widths to check it.");
+    const FontResult named = LocateFont(image, FontPlace{0x100000, 0x108000});
+    ASSERT_TRUE(named.font) << named.why;
+    EXPECT_EQ(named.font->Width(0xD5), static_cast<std::uint8_t>(f.widths[0xD5]));
+    EXPECT_EQ(LocateFont(image, FontPlace{0x1FFFF0, 0x108000}).why,
+              "no fit check: the glyph pictures at 0x1FFFF0 reach past the end of the image.");
+    EXPECT_EQ(LocateFont(RomBuilder(0x40).bytes()).why, "no fit check: the image is too short to hold a cartridge header.");
+}
+
+// --- the boxes -------------------------------------------------------------
+
+// Written by hand from the decompilations' window templates and printers.
+TEST(FitBoxes, TheWindowsOfTwoFamilies) {
+    struct Case {
+        std::optional<Family> family;
+        TextContext context;
+        std::string_view table;
+        int width, lines, cursor, space;
+    };
+    const Case cases[] = {
+        {Family::FireRedLeafGreen, TextContext::MessageBox, {}, 208, 2, 10, 0},  // 26 tiles, arrow 10 px
+        {Family::FireRedLeafGreen, TextContext::Sign, {}, 208, 2, 10, 0},
+        {Family::FireRedLeafGreen, TextContext::HelpWindow, {}, 208, 0, 0, 4},   // the help printer's space
+        {Family::FireRedLeafGreen, TextContext::MessageBox, "Battle messages", 222, 2, 10, 0},  // 28 tiles from x 2
+        {Family::FireRedLeafGreen, TextContext::Description, "Item descriptions", 200, 3, 0, 0},
+        {Family::FireRedLeafGreen, TextContext::Description, "Move descriptions", 113, 4, 0, 0},
+        {Family::Emerald, TextContext::MessageBox, {}, 216, 2, 8, 0},             // 27 tiles, arrow 8 px
+        {Family::Emerald, TextContext::MessageBox, "Battle messages", 208, 2, 8, 0},
+        {Family::Emerald, TextContext::Description, "Item descriptions", 109, 3, 0, 0},  // 14 tiles from x 3
+        {Family::Emerald, TextContext::Description, "Move descriptions", 154, 2, 0, 0},  // 20 tiles from x 6
+        {Family::Emerald, TextContext::HelpWindow, {}, 240, 0, 0, 0},                   // no help system: the screen
+        {Family::RubySapphire, TextContext::MessageBox, {}, 208, 2, 0, 0},
+        {std::nullopt, TextContext::Menu, {}, 224, 0, 0, 0},
+        {Family::Emerald, TextContext::Description, "Pok\xC3\xA9" "dex entries", 240, 0, 0, 0},
+        {Family::FireRedLeafGreen, TextContext::Other, {}, 240, 0, 0, 0},
+    };
+    for (const Case& c : cases) {
+        const Box b = BoxOf(c.family, c.context, c.table);
+        EXPECT_EQ(std::tuple(b.width, b.lines, b.cursor, b.space), std::tuple(c.width, c.lines, c.cursor, c.space))
+            << game::ContextName(c.context) << " " << c.table;
+    }
+    EXPECT_FALSE(BoxOf(Family::Emerald, TextContext::Braille).check);
+}
+
+TEST(FitBoxes, HelpTextsByTheirPairedTables) {
+    const char* words[] = {"Press the button to open the menu.", "Your bag holds the items you found.",
+                           "Talk to people to learn about the town.", "Rest at the center to heal your team."};
+    RomBuilder rom(3u << 20, '\xFF');
+    rom.Code("BPRE");
+    std::uint32_t at = 0x180000;
+    std::vector<std::uint32_t> texts;
+    for (int i = 0; i < 9; ++i) {  // the fifth stands between the tables' texts, pointed at by a lone word
+        const std::string bytes = HexToBytes(EncodeText(words[i % 4], false)) + "\xFF";
+        rom.Put(at, bytes);
+        texts.push_back(at);
+        at += static_cast<std::uint32_t>(bytes.size());
+    }
+    // Two tables of four, each led by an empty word: titles, then explanations.
+    for (int k = 0; k < 8; ++k) rom.Pointer(0x190004 + 4 * (k + k / 4), texts[k < 4 ? k : k + 1]);
+    rom.Put(0x190000, std::string(4, '\0')).Put(0x190014, std::string(4, '\0'));
+    const std::string image = rom.Pointer(0x1A1000, texts[4]).bytes();
+    const TextBoxes boxes = TextBoxes::Read(image, game::GameModel::Read(image));
+    EXPECT_EQ(boxes.HelpTexts().size(), 8u);
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        EXPECT_EQ(boxes.At(texts[i]).context, i == 4 ? TextContext::Other : TextContext::HelpWindow) << i;
 }
 
 // --- measuring -------------------------------------------------------------
 
-TEST(FitMeasure, WidthsAreTheSumOfTheGlyphsCodesTakeNoRoomAndNamesTheirLongest) {
-    const Font font = TestFont();
+TEST(FitMeasure, WidthsAsUsualAndAtTheLongestAndTheKindOfEachLine) {
+    const Font font = Even();  // capitals 6 px: a usual name 30, the longest 42; a buffer 6 to 72
     struct Case {
-        std::string text;  // editor text, or bytes when `bytes`
-        bool bytes;
-        int width;
-        std::optional<std::string> name = {};
+        std::string text;
+        Box box;
+        int width, longest;
+        bool over, names;
     };
     const Case cases[] = {
-        // "Hello" = C2 D9 E0 E0 E3: 3+194%5=7, 3+217%5=5, 7, 7, 3+227%5=5.
-        {"Hello", false, 7 + 5 + 7 + 7 + 5},
-        {"[RED]Hi[BLACK]", false, 11},  // FC 01 xx: nothing
-        // FC 04 has three parameters, FC 09 none: only "A" (BB: 5) counts.
-        {"\\c[&H04][&H01][&H02][&H03]\\c[&H09]A", false, 5},
-        {Bytes("FC0CFA"), true, 3},  // FC 0C draws the next byte as a glyph: 0xFA is 3 + 250%5
-        // [PLAYER] and [RIVAL] at 7 times the widest glyph (7).
-        {"Hi[PLAYER]", false, 11 + 49},
-        // A sample name: "ASH" = BB 5 + CD 3 + C2 7; [RIVAL] keeps its longest.
-        {"[PLAYER]", false, 15, "ASH"},
-        {"[RIVAL]", false, 49, "ASH"},
-        {Bytes("BBFFBBBB"), true, 5},  // the end byte stops the text
+        {"Hello there", Narrow(100), 63, 63, false, false},
+        {"[RED]Hi[BLACK]", Narrow(100), 12, 12, false, false},              // colours take no room
+        {"Hi [PLAYER]", Narrow(40), 45, 57, true, false},                      // a usual name is already over
+        {"Hi [PLAYER]", Narrow(50), 45, 57, false, true},                      // over only at its longest
+        {"\\v[&H02]!", Narrow(50), 12, 78, false, true},                       // a buffer: a digit, or twelve capitals
+        {"A[d][&H04]B[l][&H05]", Narrow(100), 42, 42, false, false},          // START button 24 px, symbol 6
+        {"A\\c[&H13][&H50]B", Narrow(100), 86, 86, false, false},             // clear to x 80
+        {"A B", [] { Box b = Narrow(100); b.space = 4; return b; }(), 16, 16, false, false},  // the help window's space
     };
     for (const Case& c : cases) {
-        const MeasureOptions o{c.name ? SampleName(*c.name) : std::nullopt};
-        const Measure m = c.bytes ? MeasureBytes(c.text, font, o) : MeasureText(c.text, false, font, o);
+        const Measure m = MeasureText(c.text, false, font, OptionsFor(c.box, Family::FireRedLeafGreen));
         ASSERT_EQ(m.lines.size(), 1u) << c.text;
-        EXPECT_EQ(m.lines[0].width, c.width) << c.text;
-        EXPECT_FALSE(m.lines[0].over) << c.text;
+        const Line& l = m.lines[0];
+        EXPECT_EQ(std::tuple(l.width, l.longest, l.over, l.names), std::tuple(c.width, c.longest, c.over, c.names)) << c.text;
     }
+    // A sample name counts as it stands; Ruby and Sapphire have no F7..F9 codes.
+    EXPECT_EQ(MeasureText("[PLAYER]", false, font, OptionsFor(Narrow(100), {}, SampleName("ASH"))).lines[0].longest, 18);
+    EXPECT_EQ(MeasureText("A[d][&H04]", false, font, OptionsFor(Narrow(100), Family::RubySapphire)).lines[0].width, 18);
 }
 
-TEST(FitMeasure, LinesOverTheBoxAndPagingTwoLinesABoxScrollAndNewBox) {
-    const Font font = TestFont();
-    // 0x04 is 7 px wide, 0x00 (space) 3: 29 x 7 + 5 x 3 = 218; 29 x 7 + 1 x 5 = 208.
-    const std::string x29(29, '\x04');
-    const Measure o = MeasureBytes(x29 + "\xBB\xFE" + x29 + std::string(5, '\x00'), font);
-    ASSERT_EQ(o.lines.size(), 2u);
-    EXPECT_EQ(std::pair(o.lines[0].width, o.lines[0].over), std::pair(208, false));
-    EXPECT_EQ(std::pair(o.lines[1].width, o.lines[1].over), std::pair(218, true));
-    EXPECT_EQ(std::pair(o.overCount, o.widestLine), std::pair(1, 1));
-
+TEST(FitMeasure, PagingTwoLinesABoxScrollAndNewBox) {
+    const Font font = Even();
     // a FE b FA c FB d: the second break scrolls, the empty line starts a box.
     const Measure m = MeasureText("a\r\nb\r\nc\r\n\r\nd", false, font);
     EXPECT_EQ(m.bytes, Bytes("D5FED6FAD7FBD8"));
-    ASSERT_EQ(m.lines.size(), 4u);
     ASSERT_EQ(m.boxes.size(), 3u);
-    EXPECT_EQ(m.boxes[0].lines, (std::vector<int>{0, 1}));
     EXPECT_EQ(m.boxes[1].lines, (std::vector<int>{1, 2}));  // b stays in view above c
-    EXPECT_EQ(m.boxes[2].lines, (std::vector<int>{3}));
     const std::tuple<int, int, int> places[] = {{0, 0, 0}, {0, 1, 1}, {1, 1, 2}, {2, 0, 4}};  // box, row, editor line
     for (std::size_t i = 0; i < 4; ++i)
         EXPECT_EQ(std::tuple(m.lines[i].box, m.lines[i].row, m.lines[i].editorLine), places[i]) << i;
-    EXPECT_TRUE(m.editorLinesExact);
-    EXPECT_EQ(m.hiddenLines, 0);
-
     // Special Dialog: every break is FE, so a third line falls below the box.
-    const Measure s = MeasureText("a\r\nb\r\nc", true, font);
-    ASSERT_EQ(s.boxes.size(), 1u);
-    EXPECT_EQ(s.boxes[0].lines.size(), 3u);
-    EXPECT_EQ(s.lines[2].row, 2);
-    EXPECT_EQ(s.hiddenLines, 1);
-
-    // A scroll from the top line of a box pushes that line out.
-    const Measure t = MeasureBytes(Bytes("D5FBD6FAD7"), font);
-    EXPECT_EQ(t.boxes.back().lines, (std::vector<int>{2}));
-
+    EXPECT_EQ(MeasureText("a\r\nb\r\nc", true, font).hiddenLines, 1);
     // A line break typed as a hex tag: the editor's line numbers are unknown.
-    const Measure h = MeasureText("a[&HFE]b", false, font);
-    EXPECT_EQ(h.lines.size(), 2u);
-    EXPECT_FALSE(h.editorLinesExact);
-    EXPECT_EQ(h.lines[1].editorLine, -1);
+    EXPECT_FALSE(MeasureText("a[&HFE]b", false, font).editorLinesExact);
+}
+
+// --- reflow ----------------------------------------------------------------
+
+TEST(FitReflow, BreaksBetweenWordsKeepsForcedBreaksAndNeverSplitsATag) {
+    const Font font = Even();  // 6 px a letter, 3 a space: ten letters fill 60 px
+    struct Case {
+        const char* name;
+        std::string text, reflowed;
+        Box box = Narrow(60);
+    };
+    const Case cases[] = {
+        {"fits: unchanged", "aaaa bbbb\r\ncc", "aaaa bbbb\r\ncc"},
+        {"one long line", "aaaa bbbb cccc", "aaaa bbbb\r\ncccc"},
+        {"a short line keeps its break", "aa\r\nbbbb cccc dddd", "aa\r\nbbbb cccc\r\ndddd"},
+        {"the rest joins the next line", "aaaa bbbb cccc\r\ndd", "aaaa bbbb\r\ncccc dd"},
+        {"a new box stays", "aaaa bbbb cccc\r\n\r\ndd", "aaaa bbbb\r\ncccc\r\n\r\ndd"},
+        {"a name as usual", "[PLAYER] aaaa bbbb", "[PLAYER] aaaa\r\nbbbb"},
+        {"a buffer", "\\v[&H02] aaaa bbbb cccc", "\\v[&H02] aaaa bbbb\r\ncccc"},
+        {"a word longer than a line", "aaaaaaaaaaaa", "aaaaaaaaaa\r\naa"},
+        {"a code stays whole", "aaaaaaaaa[RED]aa", "aaaaaaaaa[RED]a\r\na"},
+        {"room for the arrow", "aaaaaaaaa bbbbbbbbb", "aaaaaaaaa\r\nbbbbbbbb\r\nb", Narrow(60, 7)},
+    };
+    for (const Case& c : cases) {
+        const ReflowOptions o{OptionsFor(c.box, Family::FireRedLeafGreen), true, {}};
+        const std::string out = ReflowText(c.text, false, font, o);
+        EXPECT_EQ(out, c.reflowed) << c.name;
+        EXPECT_EQ(MeasureText(out, false, font, o.measure).overCount, 0) << c.name;
+    }
+    // The game's breaks: \n for the second line, \l for each that scrolls in; \n alone elsewhere.
+    const std::string bytes = HexToBytes(EncodeText("aaaa bbbb cccc dddd eeee", false));
+    EXPECT_EQ(ReflowBytes(bytes, font, {OptionsFor(Narrow(60), {}), true, {}}),
+              HexToBytes(EncodeText("aaaa bbbb\r\ncccc dddd", false)) + "\xFA" + HexToBytes(EncodeText("eeee", false)));
+    EXPECT_EQ(ReflowBytes(bytes, font, {OptionsFor(Narrow(60), {}), false, {}}).find('\xFA'), std::string::npos);
 }
 
 // --- drawing ---------------------------------------------------------------
 
-// The reference: each glyph's known picture copied at its place, its width
-// wide and 14 rows high, rows at 1 and 17; values 1 letter, 2 shadow, 0 and 3
-// background (outside past 208 px); then each pixel blown up to zoom x zoom.
-std::vector<std::uint32_t> Reference(const std::vector<std::vector<int>>& rowsOfBytes, int zoom, const Colours& c,
-                                     int width = 208) {
-    std::vector<std::uint32_t> logical(width * 32, c.background);
-    for (int y = 0; y < 32; ++y) std::fill_n(logical.begin() + y * width + 208, width - 208, c.outside);
-    for (int r = 0; r < static_cast<int>(rowsOfBytes.size()); ++r)
-        for (int x = 0; int b : rowsOfBytes[r]) {
-            for (int gy = 0; gy < 14; ++gy)
-                for (int gx = 0; gx < FontWidth(b) && x + gx < width; ++gx) {
-                    const int v = kPictures[b][gy][gx];
-                    if (v == 1 || v == 2) logical[(1 + 16 * r + gy) * width + x + gx] = v == 1 ? c.letter : c.shadow;
-                }
-            x += FontWidth(b);
-        }
-    std::vector<std::uint32_t> out(width * zoom * 32 * zoom);
-    for (int y = 0; y < 32 * zoom; ++y)
-        for (int x = 0; x < width * zoom; ++x) out[y * width * zoom + x] = logical[(y / zoom) * width + x / zoom];
-    return out;
-}
-
-TEST(FitDraw, BoxMatchesTheReferencePixelByPixel) {
-    const Font font = TestFont();
-    // The format pinned by hand: glyph 0, tile top-right, row 0 holds its left pixels in byte 17.
-    const auto& p = kPictures[0][0];
-    EXPECT_EQ(static_cast<std::uint8_t>(font.glyphs[17]), p[8] << 6 | p[9] << 4 | p[10] << 2 | p[11]);
-    const Colours colours{0x112233, 0x445566, 0x778899};
-    // "Hi" then "yo" with [PLAYER] as "AS": box 0 holds both lines; box 1 holds
-    // "yo" and "Ok" after the scroll.
-    const Measure m = MeasureText("Hi\r\nyo[PLAYER]\r\nOk", false, font, {SampleName("AS")});
-    for (int zoom : {1, 2, 3}) {
-        DrawOptions o{colours, zoom, SampleName("AS")};
-        const Picture p0 = DrawBox(m, 0, font, o);
-        ASSERT_EQ(p0.width, 208 * zoom);
-        ASSERT_EQ(p0.height, 32 * zoom);
-        // Compared whole, so a failure does not print thousands of pixels.
-        EXPECT_TRUE(p0.pixels == Reference({{0xC2, 0xDD}, {0xED, 0xE3, 0xBB, 0xCD}}, zoom, colours)) << zoom;
-        const Picture p1 = DrawBox(m, 1, font, o);
-        EXPECT_TRUE(p1.pixels == Reference({{0xED, 0xE3, 0xBB, 0xCD}, {0xC9, 0xDF}}, zoom, colours)) << zoom;
-    }
-    // A line over the box (31 x 7 = 217 px) widens the picture.
-    const Picture wide = DrawBox(MeasureBytes(std::string(31, '\x04'), font), 0, font, {colours, 1, std::nullopt});
-    ASSERT_EQ(wide.width, 217);
-    EXPECT_TRUE(wide.pixels == Reference({std::vector<int>(31, 0x04)}, 1, colours, 217));
-}
-
-TEST(FitDraw, DemoFontPacksAsTheGameReadsIt) {
-    const demo::DemoFont d = demo::MakeDemoFont();
-    RomBuilder rom(1u << 20, '\0');
-    rom.Code("QDME").Put(0xD0000, d.glyphs).Put(0xD8000, d.widths).Pointer(0x66EC, 0xD0000).Pointer(0x66F4, 0xD8000);
-    const FontResult r = LocateFont(rom.bytes());
+TEST(FitDraw, GlyphsAtTheirPlacesSampleWordsAndWhatReachesPast) {
+    const FontResult r = LocateFont(RomBuilder(3u << 20, '\x01').Code("BPRE").Font().bytes());
     ASSERT_TRUE(r.font) << r.why;
-    int ink = 0;
-    const auto a = demo::DemoGlyphPixels(demo::kDemoGlyphs[0].rows, ink);  // A
-    for (int y = 0; y < 16; ++y)
-        for (int x = 0; x < 16; ++x)
-            ASSERT_EQ(r.font->Pixel(0xBB, x, y), a[y][x]);
-    EXPECT_EQ(r.font->Width(0xBB), 7);  // 5 ink, shadow, gap
-    EXPECT_EQ(r.font->Pixel(0xBB, 0, 2), 0);  // ".###." starts blank
-    EXPECT_EQ(r.font->Pixel(0xBB, 1, 2), 1);
-    EXPECT_EQ(r.font->Pixel(0xBB, 4, 2), 2);  // shadow right of the ink
+    const Font& font = *r.font;
+    const Colours c;
+    // "Hi" and [PLAYER] as the sample "AS": each glyph's ink fills its width
+    // but one column, rows 2 to 12, from the line's top (1 and 17).
+    const MeasureOptions o = OptionsFor(Box{}, {}, SampleName("AS"));
+    const Measure m = MeasureText("Hi\r\n[PLAYER]", false, font, o);
+    for (int zoom : {1, 3}) {
+        const Picture p = DrawBox(m, 0, font, {c, zoom, o});
+        ASSERT_EQ(std::pair(p.width, p.height), std::pair(208 * zoom, 32 * zoom));
+        auto at = [&](int x, int y) { return p.At(x * zoom, y * zoom); };
+        const int h = FontWidth(0xC2), i = FontWidth(0xDD), a = FontWidth(0xBB);
+        EXPECT_EQ(at(0, 3), c.letter);
+        EXPECT_EQ(at(h - 2, 13), c.letter);
+        EXPECT_EQ(at(h - 1, 3), c.background);  // the gap
+        EXPECT_EQ(at(h, 3), c.letter);          // "i"
+        EXPECT_EQ(at(h + i, 3), c.background);
+        EXPECT_EQ(at(0, 2), c.background);
+        EXPECT_EQ(at(0, 19), c.sample);  // the second line: the sample name
+        EXPECT_EQ(at(a, 19), c.sample);
+    }
+    // A line over the box widens the picture; past the box, its own background.
+    const Picture wide = DrawBox(MeasureBytes(std::string(31, '\x04'), font), 0, font);
+    EXPECT_EQ(wide.width, 31 * 7);
+    EXPECT_EQ(wide.At(31 * 7 - 1, 0), Colours{}.outside);
 }
 
 // --- the whole game --------------------------------------------------------
 
-// The rows and counts of the whole-game check are checked through the command
-// line's "check"; here the entries it cannot read, and the sample name.
-TEST(FitCheckAll, ListsTheWideEntriesAndTheOnesItCannotRead) {
+TEST(FitCheckAll, TheKindOfEachEntryAndTheOnesItCannotRead) {
     TempDir dir;
-    FontRom().Put(0x100000, Bytes("FD01FD01FD01FD01BBBBBBFF")).Save(dir / "rom.gba");  // 4 x 49 + 3 x 5 = 211 px
-    WriteFile(dir / "BPRE.ini", "[Names]\r\nLong=100000\r\nBad=XYZ\r\nFar=7000000\r\n");
-    const CheckReport r = CheckRom(dir / "rom.gba", dir / "BPRE.ini");
-    EXPECT_EQ(r.entries, 1u);
+    // [PLAYER] as usual 25 px (five capitals of 5 px), at its longest 49: 4 x 25 + 15 fits, 4 x 49 + 15 is over.
+    HelloRom("QLNE").Font().Put(0x100000, Bytes("FD01FD01FD01FD01BBBBBBFF")).Put(0x100100, std::string(31, '\xC7') + "\xFF")
+        .Save(dir / "rom.gba");
+    WriteFile(dir / "QLNE.ini", "[Names]\r\nLong=100000\r\nWide=100100\r\nBad=XYZ\r\nFar=7000000\r\n");
+    const CheckReport r = CheckRom(dir / "rom.gba", dir / "QLNE.ini");
+    EXPECT_EQ(std::tuple(r.entries, r.over, r.names), std::tuple(2u, 1u, 1u));
     EXPECT_EQ(r.skipped, (std::vector<std::string>{"Names/Bad: the offset 'XYZ' is not a hexadecimal number",
                                                     "Names/Far: the offset 7000000 lies past the end of the image"}));
-    ASSERT_EQ(r.rows.size(), 1u);
-    EXPECT_EQ(r.rows[0].lineText, "[PLAYER][PLAYER][PLAYER][PLAYER]AAA");
-    EXPECT_TRUE(CheckRom(dir / "rom.gba", dir / "BPRE.ini", std::nullopt, {SampleName("ASH")}).rows.empty());
+    ASSERT_EQ(r.rows.size(), 2u);
+    EXPECT_EQ(std::tuple(r.rows[0].First().width, r.rows[0].First().names, r.rows[0].First().lineText),
+              std::tuple(211, true, std::string("[PLAYER][PLAYER][PLAYER][PLAYER]AAA")));
+    EXPECT_EQ(std::tuple(r.rows[1].First().width, r.rows[1].over, r.rows[1].box.width), std::tuple(217, true, 208));
+    EXPECT_EQ(CheckRom(dir / "rom.gba", dir / "QLNE.ini", std::nullopt, SampleName("ASH")).names, 0u);
 }

@@ -14,6 +14,9 @@
 #include "ui/history_dialog.h"
 #include "ui/japanese_dialog.h"
 #include "ui/preview_dialog.h"
+#include "ui/report_dialog.h"
+#include "translate/po_import.h"
+#include "translate/translate_commands.h"
 #include "ui/search_dialog.h"
 #include "ui/update_dialog.h"
 #include "ui/xp_button_gallery.h"
@@ -169,6 +172,16 @@ TEST_F(Screenshot, ToolWindowsTheButtonGalleryPreviewAndHistory) {
     Keep(*window, "fit-main-window.png");
     Trigger(window->TextMenu(), "mnuPreview");
     Keep(*Child<ui::PreviewDialog>(*window, "frmPreview"), "preview-window.png");
+    // Reflow Text breaks it to fit, and the preview follows.
+    Trigger(window->TextMenu(), "mnuReflow");
+    Keep(*window, "reflow-main-window.png");
+    Keep(*Child<ui::PreviewDialog>(*window, "frmPreview"), "preview-reflowed.png");
+    // The import window's plan with its reflow check box.
+    ui::ReportDialog plan(QString::fromStdString(DescribePlan(ImportPlan{}) + "\nWrite these changes to the ROM?"),
+                          QStringLiteral("Import Translation"), true, window.get());
+    plan.AddOption(QString::fromUtf8(kReflowOption.data(), static_cast<int>(kReflowOption.size())), true,
+                   [](bool) { return QString(); });
+    Keep(plan, "import-window.png");
     // Three saves, the last one undone.
     Select("Lighthouse", "Keeper");
     for (const char* text : {"Hoy there.", "Ahoy there!", "Ahoy, friend!"}) {

@@ -38,7 +38,17 @@ RomBuilder& RomBuilder::Font(std::string_view glyphs, char version, std::uint32_
     std::string widths(512, '\0');
     for (int b = 0; b < 512; ++b) widths[static_cast<std::size_t>(b)] = static_cast<char>(FontWidth(b));
     Put(0xBC, std::string(1, version)).Put(0x207300, widths).Pointer(glyphPointer, 0x1FF300).Pointer(widthPointer, 0x207300);
-    return glyphs.empty() ? Fill(0x1FF300, 0x4000, '\0') : Put(0x1FF300, glyphs);
+    if (!glyphs.empty()) return Put(0x1FF300, glyphs);
+    // 16x16 glyphs of 2-bit pixels in four tiles; a tile row is two bytes, the
+    // second holding the left four pixels. Ink (1) in rows 2 to 12.
+    std::string sheet(0x4000, '\0');
+    for (int b = 1; b < 256; ++b)
+        for (int x = 0; x < FontWidth(b) - 1; ++x)
+            for (int y = 2; y <= 12; ++y) {
+                const std::size_t at = static_cast<std::size_t>(b * 64 + (y / 8 * 2 + x / 8) * 16 + y % 8 * 2 + (x % 8 < 4));
+                sheet[at] = static_cast<char>(sheet[at] | 1 << (6 - 2 * (x % 4)));
+            }
+    return Put(0x1FF300, sheet);
 }
 
 void RomBuilder::Save(const std::filesystem::path& path) const { WriteFile(path, bytes_); }

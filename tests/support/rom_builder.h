@@ -22,9 +22,10 @@ public:
     // The four pointer bytes of `target` (0x08000000 + target, little-endian) at `offset`.
     RomBuilder& Pointer(std::size_t offset, std::uint32_t target);
     RomBuilder& Fill(std::size_t offset, std::size_t count, char byte);
-    // A font where the game BPRE version 0 keeps it: `glyphs` (zeros when
-    // empty) at 0x1FF300, widths of FontWidth() at 0x207300, the version
-    // byte, and the two pointers to them at the given places.
+    // A font at 0x1FF300 (its glyphs: `glyphs`, or when empty, each a block
+    // of ink one pixel narrower than its width, the space blank), widths of
+    // FontWidth() at 0x207300, the version byte, and the two pointers to
+    // them at the given places.
     RomBuilder& Font(std::string_view glyphs = {}, char version = 0, std::uint32_t glyphPointer = 0x66EC,
                      std::uint32_t widthPointer = 0x66F4);
 

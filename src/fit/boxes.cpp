@@ -1,0 +1,149 @@
+#include "fit/boxes.h"
+
+#include "game/maps.h"
+#include "game/words.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quillon::fit {
+namespace {
+
+using game::Family;
+using game::TextContext;
+
+struct Fact {
+    Family family;
+    TextContext context;
+    std::string_view table;  // empty: any text of the context
+    Box box;
+};
+
+constexpr Box Make(TextContext context, std::string_view name, int width, int lines, int cursor = 0, int space = 0,
+                   bool battle = false) {
+    return Box{context, name, width, lines, cursor, space, battle, true};
+}
+
+// The windows, as the decompilations' window templates and text printers
+// set them up. A window of n tiles is 8n pixels; text printed from x
+// pixels into it keeps the rest.
+constexpr std::array kFacts = {
+    // FireRed and LeafGreen.
+    // new_menu_helpers.c: the standard text box is 26 tiles wide; text.c: the
+    // down arrow behind a line that waits is 10 pixels wide.
+    Fact{Family::FireRedLeafGreen, TextContext::MessageBox, {}, Make(TextContext::MessageBox, "message box", 208, 2, 10)},
+    Fact{Family::FireRedLeafGreen, TextContext::Sign, {}, Make(TextContext::Sign, "message box", 208, 2, 10)},
+    // battle_bg.c: the battle message window is 28 tiles; battle_message.c prints from x 2.
+    Fact{Family::FireRedLeafGreen, TextContext::MessageBox, "Battle messages",
+         Make(TextContext::MessageBox, "battle message box", 222, 2, 10, 0, true)},
+    // help_system_util.c: questions and answers are drawn 26 tiles wide by
+    // the help system's own printer, whose space is 4 pixels.
+    Fact{Family::FireRedLeafGreen, TextContext::HelpWindow, {}, Make(TextContext::HelpWindow, "help window", 208, 0, 0, 4)},
+    // bag.c: the description window is 25 tiles wide, 3 lines high.
+    Fact{Family::FireRedLeafGreen, TextContext::Description, "Item descriptions",
+         Make(TextContext::Description, "item description", 200, 3)},
+    // pokemon_summary_screen.c: a move's description in a window of 15
+    // tiles from x 7; an ability's in one of 29 tiles from x 2, one line.
+    Fact{Family::FireRedLeafGreen, TextContext::Description, "Move descriptions",
+         Make(TextContext::Description, "move description", 113, 4)},
+    Fact{Family::FireRedLeafGreen, TextContext::Description, "Ability descriptions",
+         Make(TextContext::Description, "ability description", 230, 1)},
+    // Emerald.
+    // menu.c: the standard text box is 27 tiles wide; text.c: the down arrow is 8 pixels wide.
+    Fact{Family::Emerald, TextContext::MessageBox, {}, Make(TextContext::MessageBox, "message box", 216, 2, 8)},
+    Fact{Family::Emerald, TextContext::Sign, {}, Make(TextContext::Sign, "message box", 216, 2, 8)},
+    // battle_bg.c: the battle message window is 26 tiles; battle_message.c prints from x 0.
+    Fact{Family::Emerald, TextContext::MessageBox, "Battle messages",
+         Make(TextContext::MessageBox, "battle message box", 208, 2, 8, 0, true)},
+    // item_menu.c: the description window is 14 tiles wide, printed from x 3, 3 lines.
+    Fact{Family::Emerald, TextContext::Description, "Item descriptions",
+         Make(TextContext::Description, "item description", 109, 3)},
+    // pokemon_summary_screen.c: the move description window is 20 tiles, printed from x 6, 2 lines.
+    Fact{Family::Emerald, TextContext::Description, "Move descriptions",
+         Make(TextContext::Description, "move description", 154, 2)},
+    // Ruby and Sapphire.
+    // text_window.c: the dialogue frame holds 26 tiles; menu.c prints from its first.
+    Fact{Family::RubySapphire, TextContext::MessageBox, {}, Make(TextContext::MessageBox, "message box", 208, 2)},
+    Fact{Family::RubySapphire, TextContext::Sign, {}, Make(TextContext::Sign, "message box", 208, 2)},
+};
+
+// Every family: the Pokédex centres its entries on the 240-pixel screen;
+// menus size their window to their widest item, within the screen and a
+// frame tile on each side; a text whose window is not known fits at most
+// the screen.
+constexpr Box kPokedex = Make(TextContext::Description, "Pok\xC3\xA9" "dex entry", 240, 0);
+constexpr Box kMenu = Make(TextContext::Menu, "menu", 224, 0);
+constexpr Box kScreen = Make(TextContext::Other, "screen", 240, 0);
+constexpr std::string_view kPokedexTable = "Pok\xC3\xA9" "dex entries";
+
+constexpr std::uint32_t kMinHelpTable = 4;  // texts in each table of a pair
+
+}  // namespace
+
+Box BoxOf(std::optional<Family> family, TextContext context, std::string_view table) {
+    const Family f = family.value_or(Family::FireRedLeafGreen);
+    if (context == TextContext::Braille) {
+        Box box = kScreen;
+        box.context = context, box.name = "braille", box.check = false;
+        return box;
+    }
+    if (!table.empty())
+        for (const Fact& fact : kFacts)
+            if (fact.family == f && fact.context == context && fact.table == table) return fact.box;
+    for (const Fact& fact : kFacts)
+        if (fact.family == f && fact.context == context && fact.table.empty()) return fact.box;
+    if (table == kPokedexTable) return kPokedex;
+    if (context == TextContext::Menu) return kMenu;
+    return kScreen;
+}
+
+Box MessageBox(std::optional<Family> family) { return BoxOf(family, TextContext::MessageBox); }
+
+TextBoxes TextBoxes::Read(std::string_view image, const game::GameModel& model) {
+    TextBoxes boxes;
+    boxes.family_ = model.family();
+    for (const game::TextUse& use : model.Uses())
+        boxes.uses_.emplace_back(use.offset, BoxOf(boxes.family_, use.context, use.table));
+
+    // Runs of aligned slots that each lead to a text, led by an empty word.
+    struct Run {
+        std::uint32_t start;  // the empty word
+        std::uint32_t count;
+    };
+    std::vector<Run> runs;
+    const std::vector<std::uint32_t> slots = game::PointerSlots(image, 1);
+    for (std::size_t i = 0; i < slots.size();) {
+        std::size_t j = i;
+        while (j < slots.size() && slots[j] == slots[i] + 4 * (j - i) &&
+               model.UseOf(game::Word(image, slots[j]) - game::kRomBase))
+            ++j;
+        if (j - i >= kMinHelpTable && slots[i] >= 4 && game::Word(image, slots[i] - 4) == 0)
+            runs.push_back({slots[i] - 4, static_cast<std::uint32_t>(j - i)});
+        i = std::max(j, i + 1);
+    }
+    for (std::size_t r = 0; r + 1 < runs.size(); ++r) {
+        const Run& a = runs[r];
+        const Run& b = runs[r + 1];
+        if (b.start != a.start + 4 + 4 * a.count || b.count != a.count) continue;
+        for (std::uint32_t k = 0; k < 2 * a.count + 1; ++k) {
+            const std::uint32_t at = a.start + 4 + 4 * k;
+            if (k == a.count) continue;  // the second table's empty word
+            boxes.help_.push_back(game::Word(image, at) - game::kRomBase);
+        }
+    }
+    std::sort(boxes.help_.begin(), boxes.help_.end());
+    return boxes;
+}
+
+Box TextBoxes::At(std::uint32_t offset) const {
+    auto it = std::lower_bound(uses_.begin(), uses_.end(), offset,
+                               [](const std::pair<std::uint32_t, Box>& u, std::uint32_t o) { return u.first < o; });
+    const bool known = it != uses_.end() && it->first == offset;
+    if (known && it->second.context != TextContext::Other) return it->second;
+    // In an image of no family the model knows, every other text is taken for a message.
+    if (!family_) return MessageBox(family_);
+    if (std::binary_search(help_.begin(), help_.end(), offset)) return BoxOf(family_, TextContext::HelpWindow);
+    return known ? it->second : BoxOf(family_, TextContext::Other);
+}
+
+}  // namespace quillon::fit
