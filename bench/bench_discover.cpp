@@ -33,9 +33,9 @@ int main() {
     std::string image = game.image;
     std::mt19937 random(7);
     while (image.size() < (16u << 20)) image += static_cast<char>(random());
-    // Tables of names of several strides in the random bytes.
+    // Tables of names of several strides in the random bytes, about as many names as a game has.
     for (std::uint32_t i = 0; i < 8; ++i) {
-        const std::string records = test::NameRecords({7 + 2 * i, 7 + 2 * i, '\0', 0x8000 / (7 + 2 * i)});
+        const std::string records = test::NameRecords({7 + 2 * i, 7 + 2 * i, '\0', 240 + 40 * i});
         image.replace(0x400000 + 0x10000 * i, records.size(), records);
     }
     io::ReplaceFile(path, image);
