@@ -4,6 +4,7 @@
 #include "core/file_io.h"
 #include "edit/free_space.h"
 #include "store/write_plan.h"
+#include "translate/po_import.h"
 #include "translate/rom_texts.h"
 
 #include <quillon/header.h>
@@ -109,5 +110,16 @@ void TerminalProgress::End() {
 }
 
 std::string ForTerminal(std::string_view text) { return ToPoText(text); }  // LF line ends, as in PO files
+
+void ShowOrWrite(const ImportPlan& plan, bool dryRun, std::string_view what) {
+    if (dryRun) {
+        std::printf("%sNothing was written (--dry-run).\n", DescribePlan(plan).c_str());
+        return;
+    }
+    const CommitResult result = ApplyImport(plan);
+    std::printf("%s", DescribeOutcome(plan, result).c_str());
+    if (result.outcome != CommitOutcome::Written)
+        throw CommandFailed("The " + std::string(what) + " was not written: " + result.error);
+}
 
 }  // namespace quillon::cli

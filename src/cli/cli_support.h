@@ -9,6 +9,10 @@
 #include <string>
 #include <string_view>
 
+namespace quillon {
+struct ImportPlan;
+}
+
 namespace quillon::cli {
 
 // The folder of the running executable.
@@ -44,6 +48,11 @@ private:
     std::uint64_t total_ = 0;
     int shownPercent_ = -1;
 };
+
+// Prints an import-like plan and, unless `dryRun`, writes it and reports the
+// outcome; throws CommandFailed ("The <what> was not written: ...") when it
+// did not land.
+void ShowOrWrite(const ImportPlan& plan, bool dryRun, std::string_view what);
 
 // Editor text for a terminal: CR LF line ends become LF.
 std::string ForTerminal(std::string_view text);

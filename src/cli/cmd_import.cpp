@@ -39,13 +39,7 @@ void RegisterImport(CLI::App& app, CliContext& ctx) {
         request.rewriteUnknown = args->rewriteUnknown;
         TerminalProgress progress(ctx.terminal);
         const ImportPlan plan = PlanImport(request, progress);
-        if (args->dryRun) {
-            std::printf("%sNothing was written (--dry-run).\n", DescribePlan(plan).c_str());
-            return;
-        }
-        const CommitResult result = ApplyImport(plan);
-        std::printf("%s", DescribeOutcome(plan, result).c_str());
-        if (result.outcome != CommitOutcome::Written) throw CommandFailed("The import was not written: " + result.error);
+        ShowOrWrite(plan, args->dryRun, "import");
     });
 }
 

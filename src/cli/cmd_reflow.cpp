@@ -42,13 +42,7 @@ void RegisterReflow(CLI::App& app, CliContext& ctx) {
         } catch (const std::invalid_argument& e) {
             throw CommandFailed(e.what());
         }
-        if (args->dryRun) {
-            std::printf("%sNothing was written (--dry-run).\n", DescribePlan(plan).c_str());
-            return;
-        }
-        const CommitResult result = ApplyImport(plan);
-        std::printf("%s", DescribeOutcome(plan, result).c_str());
-        if (result.outcome != CommitOutcome::Written) throw CommandFailed("The reflow was not written: " + result.error);
+        ShowOrWrite(plan, args->dryRun, "reflow");
     });
 }
 

@@ -94,6 +94,15 @@ bool IsWriteProtected(const std::filesystem::path& path) {
     return (st.permissions() & (perms::owner_write | perms::group_write | perms::others_write)) == perms::none;
 }
 
+std::optional<FileStamp> FileStamp::Of(const std::filesystem::path& path) {
+    std::error_code ec;
+    FileStamp stamp{path, std::filesystem::file_size(path, ec), {}};
+    if (ec) return std::nullopt;
+    stamp.time = std::filesystem::last_write_time(path, ec);
+    if (ec) return std::nullopt;
+    return stamp;
+}
+
 std::uint64_t FileSize(const std::filesystem::path& path) { return InputFile(path).Size(); }
 
 std::string ReadAt(const std::filesystem::path& path, std::uint64_t offset, std::size_t count) {

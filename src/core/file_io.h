@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -40,6 +41,18 @@ bool IsWriteProtected(const std::filesystem::path& path);
 
 // Length of a file; throws FileError when it cannot be opened.
 std::uint64_t FileSize(const std::filesystem::path& path);
+
+// A file as it stands now: its path, length and time of change. Two equal
+// stamps mean the file was not changed in between, so what was read from it
+// may be kept; nothing when it cannot be read.
+struct FileStamp {
+    std::filesystem::path path;
+    std::uintmax_t size = 0;
+    std::filesystem::file_time_type time;
+
+    [[nodiscard]] static std::optional<FileStamp> Of(const std::filesystem::path& path);
+    friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
 
 // Up to `count` bytes at `offset`; fewer at the end of the file.
 std::string ReadAt(const std::filesystem::path& path, std::uint64_t offset, std::size_t count);

@@ -1,5 +1,6 @@
 #include "fit/rom_fit.h"
 
+#include "core/file_io.h"
 #include "repoint/model_cache.h"
 
 #include "game/pointer_index.h"
@@ -9,28 +10,20 @@
 namespace quillon::fit {
 
 std::shared_ptr<const RomFit> FitOf(const std::filesystem::path& rom, std::optional<FontPlace> named) {
-    struct Cached {
-        std::filesystem::path rom;
-        std::uintmax_t size = 0;
-        std::filesystem::file_time_type time;
-        std::optional<FontPlace> named;
-        std::shared_ptr<const RomFit> fit;
-    };
     static std::mutex mutex;
-    static Cached cached;
-    std::error_code ec;
-    const auto size = std::filesystem::file_size(rom, ec);
-    const auto time = std::filesystem::last_write_time(rom, ec);
+    static std::optional<io::FileStamp> stamp;
+    static std::optional<FontPlace> cachedNamed;
+    static std::shared_ptr<const RomFit> cached;
+    const auto now = io::FileStamp::Of(rom);
     std::lock_guard lock(mutex);
-    if (!ec && cached.fit && cached.rom == rom && cached.size == size && cached.time == time && cached.named == named)
-        return cached.fit;
+    if (cached && now && now == stamp && cachedNamed == named) return cached;
     const std::string image = ReadImage(rom);
     auto fit = std::make_shared<RomFit>();
     const auto model = repoint::ModelOf(rom);
     fit->font = LocateFont(image, named, model->Pointers());
     fit->boxes = TextBoxes::Read(image, *model);
-    cached = {rom, size, time, named, std::move(fit)};
-    return cached.fit;
+    stamp = now, cachedNamed = named, cached = std::move(fit);
+    return cached;
 }
 
 }  // namespace quillon::fit
