@@ -4,6 +4,7 @@
 // puts there, and the offset file's text before and after. Every command that
 // changes a file builds one and hands it to CommitPlan (store/writer.h).
 #include "core/bytes_at.h"
+#include "core/hex_text.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -38,17 +39,17 @@ inline constexpr std::string_view kTooLarge =
 [[nodiscard]] inline constexpr bool Pointable(std::int64_t offset, std::uint64_t romSize) {
     return offset >= kLowestPointable && offset <= HighestPointable(romSize);
 }
-// The four bytes of the pointer to `offset`, of either half, as hex text
-// ("5634120" + bank): PointerHex's rule for the first 16 MiB, widened.
-[[nodiscard]] inline std::string WidePointerHex(std::uint32_t offset) {
+// The four bytes of the pointer to `offset`, of either half: 0x08000000 +
+// offset, least significant byte first.
+[[nodiscard]] inline std::string PointerBytes(std::uint32_t offset) {
     const std::uint32_t word = 0x08000000u + offset;
-    static constexpr char kDigits[] = "0123456789ABCDEF";
+    return {static_cast<char>(word), static_cast<char>(word >> 8), static_cast<char>(word >> 16),
+            static_cast<char>(word >> 24)};
+}
+// The same as hex text: PointerHex's rule for the first 16 MiB, widened.
+[[nodiscard]] inline std::string WidePointerHex(std::uint32_t offset) {
     std::string hex;
-    for (int i = 0; i < 4; ++i) {
-        const auto b = static_cast<unsigned>(word >> (8 * i)) & 0xFF;
-        hex += kDigits[b >> 4];
-        hex += kDigits[b & 15];
-    }
+    for (const char b : PointerBytes(offset)) hex += PlainHex(static_cast<unsigned char>(b), 2);
     return hex;
 }
 

@@ -75,13 +75,8 @@ ExportSummary ExportPo(const ExportRequest& request, Progress& progress) {
     // Room is measured against every entry, not only the chosen ones.
     const std::vector<EntryText> all = LoadEntryTexts(image, entries, freeByte, progress);
     std::vector<const EntryText*> texts;
-    std::vector<std::uint32_t> targets;
-    for (const EntryText& t : all) {
-        if (request.section && Latin1ToUtf8(t.entry->section) != *request.section) continue;
-        texts.push_back(&t);
-        if (t.problem.empty()) targets.push_back(t.offset);
-    }
-    const PointerIndex pointers(image, targets, progress);
+    for (const EntryText& t : all)
+        if (!request.section || Latin1ToUtf8(t.entry->section) == *request.section) texts.push_back(&t);
 
     PoCatalog catalog;
     catalog.header = {{"Project-Id-Version", HeaderString(image, 0xA0, 12) + " (" + code + ")"},
@@ -105,7 +100,7 @@ ExportSummary ExportPo(const ExportRequest& request, Progress& progress) {
         }
         std::string id = ToPoText(DecodeText(t.bytes, false));
         PoMessage message{t.context, id, request.fillTranslations ? id : std::string(),
-                          Comments(t, pointers.Of(t.offset).size(), font.font ? &*font.font : nullptr, measure(t.offset)),
+                          Comments(t, t.problem.empty() ? model.Pointers().PlacesOf(t.offset).size() : 0, font.font ? &*font.font : nullptr, measure(t.offset)),
                           false};
         catalog.messages.push_back(std::move(message));
         ++summary.exported;

@@ -188,57 +188,6 @@ Encoded EncodeForImport(std::string_view editorText, bool specialDialog) {
     return {std::move(bytes), {}};
 }
 
-std::string PointerBytes(std::uint32_t offset) {
-    const std::uint32_t v = 0x08000000u + offset;
-    const char p[4] = {static_cast<char>(v & 0xFF), static_cast<char>((v >> 8) & 0xFF),
-                       static_cast<char>((v >> 16) & 0xFF), static_cast<char>(v >> 24)};
-    return {p, 4};
-}
-
-PointerIndex::PointerIndex(std::string_view image, std::span<const std::uint32_t> targets, Progress& progress) {
-    const std::uint32_t highest = HighestPointable(image.size());
-    std::vector<std::uint64_t> wanted((std::uint64_t{highest} + 1 + 63) / 64, 0);
-    for (std::uint32_t t : targets)
-        if (t <= highest) wanted[t / 64] |= std::uint64_t{1} << (t % 64);
-    if (image.size() < 5 || targets.empty()) return;
-
-    ProgressStage stage(progress, "Finding the pointers", image.size());
-    // The pointer's last byte is 0x08, or 0x09 for the second 16 MiB of a
-    // larger image; a pointer at position 0 counts as none.
-    const auto* data = reinterpret_cast<const unsigned char*>(image.data());
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> found;
-    const unsigned char* const stop = data + image.size();
-    for (unsigned char bank : {0x08, 0x09}) {
-        if (bank == 0x09 && highest <= kHighestPointable) break;
-        const unsigned char* p = data + 4;
-        std::size_t nextStep = std::size_t{1} << 20;
-        while (p < stop) {
-            p = static_cast<const unsigned char*>(std::memchr(p, bank, static_cast<std::size_t>(stop - p)));
-            if (!p) break;
-            const std::uint32_t target = (p[-3] | p[-2] << 8 | p[-1] << 16) + (bank == 0x09 ? 0x1000000u : 0u);
-            if (target <= highest && (wanted[target / 64] >> (target % 64) & 1))
-                found.push_back({target, static_cast<std::uint32_t>(p - 3 - data)});
-            if (bank == 0x08 && static_cast<std::size_t>(p - data) >= nextStep) {
-                stage.Step(static_cast<std::size_t>(p - data));
-                nextStep += std::size_t{1} << 20;
-            }
-            ++p;
-        }
-    }
-    std::sort(found.begin(), found.end());
-    targets_.reserve(found.size());
-    positions_.reserve(found.size());
-    for (const auto& [target, at] : found) {
-        targets_.push_back(target);
-        positions_.push_back(at);
-    }
-}
-
-std::span<const std::uint32_t> PointerIndex::Of(std::uint32_t target) const {
-    const auto [first, last] = std::equal_range(targets_.begin(), targets_.end(), target);
-    return {positions_.data() + (first - targets_.begin()), static_cast<std::size_t>(last - first)};
-}
-
 FreeSpace::FreeSpace(std::string_view image, char freeByte, std::uint64_t begin, std::uint64_t end,
                      Progress& progress) {
     end = std::min<std::uint64_t>(end, image.size());

@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,22 +39,6 @@ struct Encoded {
     std::string refusal;
 };
 Encoded EncodeForImport(std::string_view editorText, bool specialDialog);
-
-// Every position (from 1 on) where the four bytes of a pointer to one of
-// `targets` stand, found in one pass over the image.
-class PointerIndex {
-public:
-    PointerIndex(std::string_view image, std::span<const std::uint32_t> targets, Progress& progress);
-    std::span<const std::uint32_t> Of(std::uint32_t target) const;
-
-private:
-    // Sorted by target, then position: pointer i points to targets_[i] from positions_[i].
-    std::vector<std::uint32_t> targets_;
-    std::vector<std::uint32_t> positions_;
-};
-
-// The four bytes of a pointer to `offset`.
-std::string PointerBytes(std::uint32_t offset);
 
 // Free space for moved texts: the runs of the free-space byte between `begin`
 // and `end` (0-based), found in one pass, less the ranges a plan takes. Each
