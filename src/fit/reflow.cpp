@@ -131,10 +131,20 @@ ReflowOptions ReflowFor(const Box& box, std::optional<game::Family> family, bool
     o.wrap = MessageBox(family);
     o.scroll = !specialDialog;
     const Measure m = font ? MeasureBytes(original, *font, o.measure) : Measure{};
-    if (m.lines.size() >= 2 && m.WidestWidth() < box.width) {
+    if (m.lines.size() < 2) return o;
+    if (m.WidestWidth() < box.width) {
         o.wrap->width = std::min(o.wrap->width, m.WidestWidth());
         o.measure.box.width = o.wrap->width;  // what does not fit it is broken anew
         o.scroll = original.find_first_of("\xFA\xFB") != std::string_view::npos;
+    }
+    if (original.find('\xFA') == std::string_view::npos) {
+        // A window that shows its lines at once: as many as the original's fullest box.
+        int rows = 0;
+        for (const Line& l : m.lines) rows = std::max(rows, l.row + 1);
+        o.wrap->lines = o.measure.box.lines = rows;
+        o.scroll = false;
+        o.newBoxes = original.find('\xFB') != std::string_view::npos;
+        if (!o.newBoxes && MessageBox(family).width > o.wrap->width) o.widen = MessageBox(family).width;
     }
     return o;
 }
@@ -155,8 +165,18 @@ std::string ReflowBytes(std::string_view bytes, const Font& font, const ReflowOp
         std::vector<Words> lines = Wrap(paragraphs[p], box.width, waiting, space);
         if (lines.size() == 1 && box.cursor > 0 && WidthOf(lines[0]) > waiting)
             lines = Wrap(paragraphs[p], waiting, waiting, space);  // its only line waits too
+        const auto rows = static_cast<std::size_t>(box.lines);
+        if (!options.scroll && rows > 0 && lines.size() > rows && options.widen > box.width) {
+            // Too many lines for the window: wider lines, as wide as a message box, if they need fewer.
+            std::vector<Words> wider = Wrap(paragraphs[p], options.widen, options.widen - box.cursor, space);
+            if (wider.size() < lines.size()) lines = std::move(wider);
+        }
+        const bool boxes = options.newBoxes && !options.scroll && rows > 0;
         for (std::size_t l = 0; l < lines.size(); ++l) {
-            if (l) out += static_cast<char>(l >= 2 && options.scroll ? kScroll : kNextLine);
+            if (l && boxes && l % rows == 0)
+                out += static_cast<char>(kNewBox);
+            else if (l)
+                out += static_cast<char>(l >= 2 && options.scroll ? kScroll : kNextLine);
             for (std::size_t k = 0; k < lines[l].size(); ++k) out += (k ? lines[l][k].spaces : std::string()) + lines[l][k].bytes;
         }
     }

@@ -21,12 +21,23 @@ struct ReflowOptions {
     // The box a text that does not fit is broken for, when not its own (see
     // ReflowFor).
     std::optional<Box> wrap;
+    // In a window of a fixed number of lines (the box's `lines`, without
+    // scrolling), the lines past them go on in a new box (\p). Only where
+    // the game waits for a button between boxes; elsewhere they stay, below
+    // the window, for the report to name.
+    bool newBoxes = false;
+    // In such a window without new boxes: the width lines may widen to
+    // (the message box's) when at the box's width they need more lines than
+    // it shows; 0: they never widen.
+    int widen = 0;
 };
 
 // The options for a text of `box` in a game of `family`. A text whose
 // window is not known is broken for the message box, which fits in any; when
 // its text as the game had it (`original`, game bytes) holds several lines,
-// their widest tells the window, and its breaks whether it scrolls.
+// their widest tells the window's width, its breaks whether it scrolls, and
+// a window that does not scroll shows no more lines than the original's
+// fullest box.
 ReflowOptions ReflowFor(const Box& box, std::optional<game::Family> family, bool specialDialog = false,
                         std::optional<std::string> playerName = std::nullopt, const Font* font = nullptr,
                         std::string_view original = {});

@@ -352,6 +352,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     std::unordered_map<std::uint32_t, std::size_t> plannedAt;  // offset: the message whose text goes there
     std::vector<Move> moves;
     std::vector<BytesAt> pending;  // new bytes; the old ones are read from the image when they are joined
+    std::vector<std::string_view> originals;  // the old text of each change
     // Messages are planned in the file's order: of two that claim the same
     // bytes, the first one read wins.
     auto planMessage = [&](std::size_t m) {
@@ -408,6 +409,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         change.name = t.entry->fixed.has_value();
         plan.changes.push_back(std::move(change));
         pending.push_back({t.offset, std::move(tr.after)});
+        originals.push_back(t.bytes);
     };
 
     {
@@ -445,10 +447,20 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         for (std::size_t i = 0; i < plan.changes.size(); ++i) {
             ImportChange& change = plan.changes[i];
             const fit::Box box = scan.boxes.At(change.offset);
-            const fit::Measure m = fit::MeasureBytes(moved[i] ? *moved[i] : pending[i].bytes, *scan.font.font,
+            const std::string& bytes = moved[i] ? *moved[i] : pending[i].bytes;
+            const fit::Measure m = fit::MeasureBytes(bytes, *scan.font.font,
                                                      fit::OptionsFor(box, scan.boxes.family(), request.fit.PlayerName()));
             change.limit = m.limit;
             change.linesOver = m.overCount;
+            change.linesBelow = m.hiddenLines;
+            if (box.context == game::TextContext::Other && !change.name) {
+                // A window the game does not name shows as many lines as the old text filled.
+                const fit::ReflowOptions window =
+                    fit::ReflowFor(box, scan.boxes.family(), SavedAsSpecialDialog(originals[i]),
+                                   request.fit.PlayerName(), &*scan.font.font, originals[i]);
+                if (window.measure.box.lines > 0)
+                    change.linesBelow = fit::MeasureBytes(bytes, *scan.font.font, window.measure).hiddenLines;
+            }
             for (const fit::Line& l : m.lines)
                 if (l.over) change.widest = std::max(change.widest, l.width);
         }
@@ -600,6 +612,16 @@ std::string DescribePlan(const ImportPlan& plan) {
     } else {
         out += "Lines over the message box (" + std::to_string(overCount) + "):\n" + over;
     }
+    std::string below;
+    std::size_t belowCount = 0;
+    for (const auto& c : plan.changes)
+        if (c.linesBelow > 0) {
+            ++belowCount;
+            below += "  " + c.context + ": " + Plural(static_cast<std::size_t>(c.linesBelow), "line", "lines") +
+                     " past the last its window shows\n";
+        }
+    if (plan.noFitCheck.empty() && belowCount > 0)
+        out += "Lines below their window (" + std::to_string(belowCount) + "), which the game never shows:\n" + below;
     if (plan.refusals.empty()) {
         out += "Refused: none.\n";
     } else {

@@ -48,6 +48,7 @@ struct ImportChange {
     int widest = 0;               // pixels of the new text's widest line over its box (0 without a font)
     int limit = 0;                // its box's width in pixels
     int linesOver = 0;            // its lines over its box
+    int linesBelow = 0;           // its lines below the last its window shows
     std::size_t codeLeft = 0;     // places inside program code that hold its pointer, left alone
     std::vector<std::uint32_t> codeRewritten;  // such places rewritten all the same (rewriteCode)
     bool name = false;            // a name of fixed length, written in its field only

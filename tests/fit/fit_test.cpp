@@ -272,6 +272,43 @@ TEST(FitReflow, BreaksBetweenWordsKeepsForcedBreaksAndNeverSplitsATag) {
     EXPECT_EQ(ReflowBytes(bytes, font, {OptionsFor(Narrow(60), {}), false, {}}).find('\xFA'), std::string::npos);
 }
 
+// A window the game does not name: the original's lines tell its width and
+// how many lines it shows; lines widen to the message box's width rather
+// than fall below it, and go on in a new box only where the original waited.
+TEST(FitReflow, AWindowOfUnknownUseKeepsTheOriginalsLines) {
+    const Font font = Even();  // 6 px a letter, 3 a space
+    const Box screen = BoxOf(Family::FireRedLeafGreen, TextContext::Other);
+    const std::string words = "aaaa bbbb cccc dddd eeee";
+    std::string many, manyReflowed;  // 24 words: 7 to a line of a message box
+    for (int k = 0; k < 24; ++k) {
+        many += (k ? " " : "") + std::string("aaaa");
+        manyReflowed += (k == 0 ? "" : k % 7 == 0 ? "\r\n" : " ") + std::string("aaaa");
+    }
+    struct Case {
+        const char* name;
+        std::string original, text, reflowed;
+        bool scrolls;
+        int hidden;
+    };
+    const Case cases[] = {
+        {"no wait: wider lines", "aaaa bbbb cc\r\ncc", words, words, false, 0},
+        {"no wait, too long even so: below", "aaaa bbbb cc\r\ncc", many, manyReflowed, false, 2},
+        {"a wait in the original: a new box", "aaaa bbbb cc\r\ncc\r\n\r\ndd", words,
+         "aaaa bbbb\r\ncccc dddd\r\n\r\neeee", false, 0},
+        {"a scroll in the original: it scrolls", "aaaa bbbb cc\r\ncc\r\ndd", words, "aaaa bbbb\r\ncccc dddd\r\neeee",
+         true, 0},
+    };
+    for (const Case& c : cases) {
+        const std::string original = HexToBytes(EncodeText(c.original, false));
+        const ReflowOptions o = ReflowFor(screen, Family::FireRedLeafGreen, false, std::nullopt, &font,
+                                          std::string_view(original).substr(0, original.find('\xFF')));
+        const std::string out = ReflowBytes(HexToBytes(EncodeText(c.text, false)), font, o);
+        EXPECT_EQ(DecodeText(out, false), c.reflowed) << c.name;
+        EXPECT_EQ(out.find('\xFA') != std::string::npos, c.scrolls) << c.name;
+        EXPECT_EQ(MeasureBytes(out, font, o.measure).hiddenLines, c.hidden) << c.name;
+    }
+}
+
 // --- drawing ---------------------------------------------------------------
 
 TEST(FitDraw, GlyphsAtTheirPlacesSampleWordsAndWhatReachesPast) {
