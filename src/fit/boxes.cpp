@@ -1,6 +1,7 @@
 #include "fit/boxes.h"
 
 #include "game/maps.h"
+#include "game/name_tables.h"
 #include "game/words.h"
 
 #include <algorithm>
@@ -21,7 +22,12 @@ struct Fact {
 
 constexpr Box Make(TextContext context, std::string_view name, int width, int lines, int cursor = 0, int space = 0,
                    bool battle = false) {
-    return Box{context, name, width, lines, cursor, space, battle, true};
+    return Box{context, name, width, lines, cursor, space, battle, true, false, {}};
+}
+
+constexpr Box Small(Box box, std::string_view after = {}) {
+    box.small = true, box.after = after;
+    return box;
 }
 
 // The windows, as the decompilations' window templates and text printers
@@ -61,6 +67,14 @@ constexpr std::array kFacts = {
     // pokemon_summary_screen.c: the move description window is 20 tiles, printed from x 6, 2 lines.
     Fact{Family::Emerald, TextContext::Description, "Move descriptions",
          Make(TextContext::Description, "move description", 154, 2)},
+    // battle_interface.c: a battler's name is drawn in the small font from x 0
+    // of an 8-tile window on its health box, its gender sign right behind it;
+    // battle_bg.c, battle_message.c: each move of the battle menu in an
+    // 8-tile window, small font, from x 0.
+    Fact{Family::FireRedLeafGreen, TextContext::Name, "Species names",
+         Small(Make(TextContext::Name, "species name on the health box", 64, 1), "\xB5")},
+    Fact{Family::FireRedLeafGreen, TextContext::Name, "Move names",
+         Small(Make(TextContext::Name, "move name in the battle menu", 64, 1))},
     // Ruby and Sapphire.
     // text_window.c: the dialogue frame holds 26 tiles; menu.c prints from its first.
     Fact{Family::RubySapphire, TextContext::MessageBox, {}, Make(TextContext::MessageBox, "message box", 208, 2)},
@@ -99,9 +113,14 @@ Box BoxOf(std::optional<Family> family, TextContext context, std::string_view ta
 
 Box MessageBox(std::optional<Family> family) { return BoxOf(family, TextContext::MessageBox); }
 
-TextBoxes TextBoxes::Read(std::string_view image, const game::GameModel& model) {
+TextBoxes TextBoxes::Read(std::string_view image, const game::GameModel& model, bool names) {
     TextBoxes boxes;
     boxes.family_ = model.family();
+    if (names && boxes.family_)
+        for (const game::NameTable& t : game::FindNameTables(image, model)) {
+            const Box box = BoxOf(boxes.family_, TextContext::Name, t.kind);
+            if (box.context == TextContext::Name) boxes.names_.push_back({t.first, t.stride, t.count, t.length, box});
+        }
     for (const game::TextUse& use : model.Uses())
         boxes.uses_.emplace_back(use.offset, BoxOf(boxes.family_, use.context, use.table));
 
@@ -136,6 +155,13 @@ TextBoxes TextBoxes::Read(std::string_view image, const game::GameModel& model) 
 }
 
 Box TextBoxes::At(std::uint32_t offset) const {
+    auto table = std::upper_bound(names_.begin(), names_.end(), offset,
+                                  [](std::uint32_t o, const NameFields& t) { return o < t.first; });
+    if (table != names_.begin()) {
+        const NameFields& t = *std::prev(table);
+        const std::uint32_t into = offset - t.first;
+        if (into / t.stride < t.count && into % t.stride == 0) return t.box;  // a name starts its field
+    }
     auto it = std::lower_bound(uses_.begin(), uses_.end(), offset,
                                [](const std::pair<std::uint32_t, Box>& u, std::uint32_t o) { return u.first < o; });
     const bool known = it != uses_.end() && it->first == offset;

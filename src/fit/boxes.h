@@ -26,6 +26,10 @@ struct Box {
     int space = 0;        // pixels of a space when the window draws its own; 0: the font's
     bool battle = false;  // its placeholders (FD xx) name battlers, moves and items
     bool check = true;    // false: not European text (braille), nothing to measure
+    bool small = false;   // drawn in the game's small font
+    // Game bytes the game draws on the same line right behind the text (the
+    // gender sign behind a name), counted in its width.
+    std::string_view after;
 };
 
 // The box of a context in a family; `table` is the kind of table that holds
@@ -44,7 +48,9 @@ public:
     // use are taken for messages), and the help system's texts: tables of
     // them come in pairs of equal length, one right after the other, each led
     // by an empty slot (titles, then their explanations).
-    [[nodiscard]] static TextBoxes Read(std::string_view image, const game::GameModel& model);
+    // With `names`, the tables of names of fixed length too: a name in a
+    // record of a kind the game shows in a window of known width.
+    [[nodiscard]] static TextBoxes Read(std::string_view image, const game::GameModel& model, bool names = false);
 
     [[nodiscard]] Box At(std::uint32_t offset) const;
     [[nodiscard]] std::optional<game::Family> family() const { return family_; }
@@ -55,6 +61,11 @@ private:
     std::optional<game::Family> family_;
     std::vector<std::pair<std::uint32_t, Box>> uses_;  // by offset
     std::vector<std::uint32_t> help_;
+    struct NameFields {
+        std::uint32_t first, stride, count, length;
+        Box box;
+    };
+    std::vector<NameFields> names_;  // by first field
 };
 
 }  // namespace quillon::fit

@@ -49,9 +49,11 @@ struct CheckReport {
 
 // Measures every entry of `offsetFileText` (sections in file order; a section
 // name that repeats lists the keys of its first section, as the tree does).
-// A text is read up to its 0xFF end byte, at most 10000 bytes.
+// A text is read up to its 0xFF end byte, at most 10000 bytes. Names drawn
+// in the small font are measured with `small`, and left out without it.
 CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, const Font& font,
-                       const TextBoxes& boxes, std::optional<std::string> playerName = std::nullopt);
+                       const TextBoxes& boxes, std::optional<std::string> playerName = std::nullopt,
+                       const Font* small = nullptr);
 
 // Reads the image (at most 32 MiB) and the offset file once, finds the font
 // (or takes the named one) and the boxes of the texts, and checks every

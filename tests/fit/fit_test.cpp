@@ -8,7 +8,9 @@
 #include "fit/measure.h"
 #include "fit/reflow.h"
 #include "fit/render.h"
+#include "core/hex_text.h"
 #include "game/game_model.h"
+#include "support/name_records.h"
 #include "support/rom_builder.h"
 #include "support/temp_dir.h"
 #include "support/workspace.h"
@@ -189,6 +191,27 @@ TEST(FitBoxes, HelpTextsByTheirPairedTables) {
     EXPECT_EQ(boxes.HelpTexts().size(), 8u);
     for (std::size_t i = 0; i < texts.size(); ++i)
         EXPECT_EQ(boxes.At(texts[i]).context, i == 4 ? TextContext::Other : TextContext::HelpWindow) << i;
+}
+
+// Species names are drawn on the health box in the small font, the gender
+// sign behind them: 64 pixels in all. With 6-pixel letters, nine fit and ten do not.
+TEST(FitBoxes, NamesOfFixedLengthInTheWindowsThatShowThem) {
+    RomBuilder rom(3u << 20, '\xFF');
+    rom.Code("BPRE").Put(0x200000, test::NameRecords({11, 11, '\0', 412})).Pointer(0x144, 0x200000);
+    const std::uint32_t nine = 0x200000 + 11 * 5, ten = 0x200000 + 11 * 6;
+    rom.Put(nine, std::string(9, '\xC7') + "\xFF").Put(ten, std::string(10, '\xC7') + "\xFF");
+    const std::string image = rom.bytes();
+    const TextBoxes boxes = TextBoxes::Read(image, game::GameModel::Read(image), true);
+    EXPECT_EQ(boxes.At(ten).name, "species name on the health box");
+    EXPECT_NE(boxes.At(ten + 1).context, TextContext::Name);  // inside a field, not at its start
+    EXPECT_NE(TextBoxes::Read(image, game::GameModel::Read(image)).At(ten).context, TextContext::Name);
+
+    const Font small = Even(), normal = Even();
+    const std::string offsets = "[Species names]\r\nNine=" + PlainHex(nine) + "\r\nTen=" + PlainHex(ten) + "\r\n";
+    const CheckReport r = CheckTexts(image, offsets, normal, boxes, std::nullopt, &small);
+    ASSERT_EQ(r.rows.size(), 1u);
+    EXPECT_EQ(std::tuple(r.rows[0].key, r.rows[0].First().width), std::tuple(std::string("Ten"), 66));
+    EXPECT_EQ(CheckTexts(image, offsets, normal, boxes).entries, 0u);  // no small font: not measured
 }
 
 // --- measuring -------------------------------------------------------------
