@@ -24,3 +24,7 @@ QUILLON_UI_PACKAGES=(qt6-base-dev xvfb xauth openbox xdotool)
 # A CJK font, so that the kana of the Japanese character list and the search
 # window's button draw on a fresh machine (the program and its pictures).
 QUILLON_FONT_PACKAGES=(fonts-noto-cjk)
+# The Debian package: dpkg-shlibdeps and file for its dependencies, help2man
+# for the man page, rsvg-convert for the icon's pictures, and the validators
+# of the desktop entry and the metainfo that its check runs.
+QUILLON_PACKAGE_PACKAGES=(dpkg-dev file help2man librsvg2-bin desktop-file-utils appstream)

@@ -65,7 +65,12 @@ void OpenRom(Session& session, const AfterNewOffsetFile& afterNewOffsetFile) {
         session.Changed();
         return;
     }
-    session.romPath = *chosen;
+    OpenRomFile(session, *chosen, afterNewOffsetFile);
+}
+
+void OpenRomFile(Session& session, const std::filesystem::path& rom, const AfterNewOffsetFile& afterNewOffsetFile) {
+    session.controls.specialDialog = false;
+    session.romPath = rom;
     session.readOnlyReason.clear();
     try {
         if (io::FileSize(session.romPath) > kLargestImage) {

@@ -4,7 +4,9 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <filesystem>
 #include <functional>
+#include <optional>
 #include <memory>
 #include <string>
 
@@ -52,6 +54,9 @@ public:
     QMenu* TreeMenu() const { return treeMenu_; }
     // Where the Tools menu opens, in client coordinates.
     QPoint ToolsMenuPoint() const;
+    // Opens `rom` as "Open ROM" does once the file is chosen: its questions,
+    // checks and drafts (a ROM named on the command line).
+    void OpenRomFile(const std::filesystem::path& rom);
     // Opens the Tools menu (as XPButton6 does).
     void ShowToolsMenu();
     // "All Texts...": shows the window of every entry (made on first use).
@@ -104,6 +109,8 @@ private:
     void ShowTextMenu(const QPoint& globalPos);
     void ShowTreeMenu(const QPoint& pos);
     void ExitProgram();
+    // "Open ROM" with the file dialog, or with `rom` already chosen.
+    void OpenRomAs(const std::optional<std::filesystem::path>& rom);
     int T(int twips) const;
     bool OnBackground(QPoint pos) const;
 

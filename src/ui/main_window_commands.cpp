@@ -58,14 +58,7 @@ void MainWindow::BuildButtons() {
         buttons_[i] = new XPButton(QString::fromUtf8(names[i]), QString::fromUtf8(captions[i]), this);
         buttons_[i]->SetPictureNormal(ButtonPicture(QString::fromUtf8(pictures[i]), 24, dpr));
     }
-    connect(buttons_[0], &XPButton::clicked, this, [this] {
-        LeaveRom(session_);
-        treeFilter_->clear();  // what narrowed one game's tree means nothing in the next
-        OpenRom(session_, OfferFindTexts);
-        LoadDrafts(session_);
-        session_.Changed();
-        AnnounceDrafts(session_);
-    });
+    connect(buttons_[0], &XPButton::clicked, this, [this] { OpenRomAs({}); });
     connect(buttons_[1], &XPButton::clicked, this, [this] { ExitProgram(); });
     connect(buttons_[2], &XPButton::clicked, this, [this] {
         SearchDialog dialog(session_, clipboard_, this);
@@ -94,6 +87,20 @@ void MainWindow::BuildButtons() {
         MenuExplanationDialog dialog(session_.prompter, this);
         dialog.exec();
     });
+}
+
+void MainWindow::OpenRomFile(const std::filesystem::path& rom) { OpenRomAs(rom); }
+
+void MainWindow::OpenRomAs(const std::optional<std::filesystem::path>& rom) {
+    LeaveRom(session_);
+    treeFilter_->clear();  // what narrowed one game's tree means nothing in the next
+    if (rom)
+        quillon::OpenRomFile(session_, *rom, OfferFindTexts);
+    else
+        OpenRom(session_, OfferFindTexts);
+    LoadDrafts(session_);
+    session_.Changed();
+    AnnounceDrafts(session_);
 }
 
 void MainWindow::BuildOffsetButton() {
