@@ -26,15 +26,17 @@ void RegisterInfo(CLI::App& app, CliContext&) {
         const std::string language = GetRomLanguage(rom);
         const std::string maker = GetMakerCode(rom);
         const auto size = static_cast<unsigned long long>(io::FileSize(rom));
+        const std::string name = GetRomName(rom);
+        const std::string title = name.substr(0, name.find('\0'));  // the header pads it with 0x00
         if (args->json) {
             JsonWriter json;
-            json.Object().String("title", GetRomName(rom)).String("gameCode", GetRomCode(rom));
+            json.Object().String("title", title).String("gameCode", GetRomCode(rom));
             json.String("language", language).String("languageName", LanguageName(language));
             json.String("maker", maker).String("makerName", MakerName(maker));
             std::printf("%s", json.Number("size", static_cast<std::int64_t>(size)).End().Text().c_str());
             return;
         }
-        std::printf("Title:     %s\n", GetRomName(rom).c_str());
+        std::printf("Title:     %s\n", title.c_str());
         std::printf("Game code: %s\n", GetRomCode(rom).c_str());
         std::printf("Language:  %s (%s)\n", language.c_str(), LanguageName(language).c_str());
         std::printf("Maker:     %s (%s)\n", maker.c_str(), MakerName(maker).c_str());
