@@ -97,12 +97,19 @@ TEST_F(Cli, CommandsPrintWhatTheyFoundAndFailuresOneLine) {
         EXPECT_NE(run.err.find(c.out), std::string::npos) << c.name << ": " << run.err;
         EXPECT_EQ(run.out, "") << c.name;
     }
-    for (const char* command : {"info", "read", "search", "export", "import", "check", "scan"}) {
+    // Every command has its help, and the shell completes its name.
+    const std::string script = ReadFile(QUILLON_COMPLETION_PATH);
+    const std::size_t listed = script.find("commands=\"") + 10;
+    const std::string completion = " " + script.substr(listed, script.find('"', listed) - listed) + " ";
+    for (const char* command : {"info", "read", "search", "export", "import", "check", "scan", "refs", "reflow", "write",
+                                "history", "undo", "redo"}) {
         CliRun run = Run({command, "--help"});
         EXPECT_EQ(run.status, 0) << command;
         EXPECT_NE(run.out.find(command), std::string::npos) << command << ": " << run.out;
         EXPECT_NE(run.out.find("ROM"), std::string::npos) << command;
+        EXPECT_NE(completion.find(" " + std::string(command) + " "), std::string::npos) << command;
     }
+    EXPECT_EQ(Run({"--version"}).out, "quillon-cli " QUILLON_VERSION "\n");
 }
 
 TEST_F(Cli, ExportsAndImportsThroughAPoFile) {
@@ -160,6 +167,11 @@ TEST_F(Cli, CheckListsTheTextsOverTheirBoxForPeopleOrAsTableOfFindings) {
                                "1 more texts are over only with names and buffers at their longest.\n";
     EXPECT_EQ(run.out, listed);
     EXPECT_EQ(Run({"check", "ROM", "--format", "tsv"}).out, "Town/Sign\t100010\t2\t217\t208\tover\nTown/Names\t100040\t1\t211\t208\tnames\n");
+    const std::string json = Run({"check", "ROM", "--json"}).out;
+    EXPECT_EQ(json.substr(0, 32), R"({"entries":3,"over":1,"names":1,)") << json;
+    EXPECT_NE(json.find(R"({"section":"Town","key":"Sign","offset":"100010","limit":208,"over":true,"findings":[{"line":2,"width":217,"kind":"over","text":"MMM)"),
+              std::string::npos)
+        << json;
     // A font whose pointers are gone: none found, unless named.
     rom.Fill(0x66EC, 12, '\x01').Save(w.Rom());
     run = Run({"check", "ROM"});
