@@ -42,7 +42,8 @@ void RegisterWrite(CLI::App& app, CliContext& ctx) {
         std::filesystem::path rom, ini;
         std::string entry, text;
         bool specialDialog = false, force = false;
-        bool onlyReferences = false, rewriteCode = false, rewriteUnknown = false;
+        bool onlyReferences = false;
+        repoint::RewritePolicy rewrite;
     };
     auto args = std::make_shared<Args>();
     auto* sub = app.add_subcommand(
@@ -58,10 +59,7 @@ void RegisterWrite(CLI::App& app, CliContext& ctx) {
                   "the editor can't write back unchanged (without it each is refused, named)");
     sub->add_flag("--only-references", args->onlyReferences,
                   "When the text moves, leave the places that hold its pointer but are no references alone");
-    sub->add_flag("--rewrite-code", args->rewriteCode,
-                  "When the text moves, also rewrite places inside program code that hold its pointer");
-    sub->add_flag("--rewrite-unknown", args->rewriteUnknown,
-                  "When the text moves, also rewrite places of unknown use that hold its pointer");
+    AddRewriteOptions(*sub, args->rewrite);
     sub->callback([args, &ctx] {
         CliPrompter user(args->force);
         Session session(ctx.programFolder, user);
@@ -86,7 +84,7 @@ void RegisterWrite(CLI::App& app, CliContext& ctx) {
         const std::string oldOffset = c.offsetCaption;
         c.specialDialog = args->specialDialog;
         c.text1.SetText(text);
-        GivenAnswers given{{args->rewriteCode, args->rewriteUnknown}, args->onlyReferences, {}};
+        GivenAnswers given{args->rewrite, args->onlyReferences, {}};
         if (ctx.freeSpaceOffset) given.freeSpaceOffset = FreeSpaceOffset(ctx);
         if (ConfirmUnencodable(session)) SaveText(session, fit::ConfirmFitBeforeSave, given);
         user.ThrowIfRefused("--force saves it all the same.");
