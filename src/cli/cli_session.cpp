@@ -7,6 +7,7 @@
 #include <quillon/header.h>
 #include <quillon/rom.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -23,7 +24,7 @@ void CliPrompter::Message(Icon icon, std::string_view text, std::string_view) {
 bool CliPrompter::AskYesNo(std::string_view text, std::string_view) {
     if (yes_ || !reason_.empty()) return yes_;
     // The question without its last line ("Do you want to ...?") says why.
-    std::string_view why = text.substr(0, text.rfind("\r\n") == std::string_view::npos ? text.size() : text.rfind("\r\n"));
+    std::string_view why = text.substr(0, std::min(text.rfind("\r\n"), text.size()));
     while (why.ends_with("\r\n")) why.remove_suffix(2);
     reason_ = why;
     asked_ = true;
@@ -37,11 +38,11 @@ void CliPrompter::ThrowIfRefused(std::string_view yesHint) const {
     throw CommandFailed(line);
 }
 
-void OpenForCommand(Session& session, CliPrompter& user, const std::filesystem::path& rom,
-                    const std::filesystem::path& offsetFile) {
+void OpenForCommand(Session& session, CliPrompter& user, const CliContext& ctx, const std::filesystem::path& rom,
+                    const std::filesystem::path& ini) {
     RequireRom(rom);
     session.romPath = rom;
-    session.offsetFileGiven = offsetFile;
+    session.offsetFileGiven = OffsetFileFor(ctx, rom, ini);
     session.controls.gameCode = GetRomCode(rom);
     if (!RecoverJournal(session)) user.ThrowIfRefused("");
     EnterRomOpenState(session);
@@ -60,7 +61,7 @@ void RegisterHistoryStep(CLI::App& app, CliContext& ctx, const HistoryStep& step
     sub->callback([args, step, &ctx] {
         CliPrompter user(args->yes);
         Session session(ctx.programFolder, user);
-        OpenForCommand(session, user, args->rom, OffsetFileFor(ctx, args->rom, args->ini));
+        OpenForCommand(session, user, ctx, args->rom, args->ini);
         step.command(session);
         user.ThrowIfRefused(step.yesHint);
     });

@@ -36,10 +36,11 @@ private:
 };
 
 // Points `session` at `rom` as opening it in the window does: the game code,
-// the offset file, the table of the ROM's language, a cut-off save replayed
-// first. Throws CommandFailed when the ROM must stay read-only.
-void OpenForCommand(Session& session, CliPrompter& user, const std::filesystem::path& rom,
-                    const std::filesystem::path& offsetFile);
+// the offset file (`ini`, else ini/GAMECODE.ini), the table of the ROM's
+// language, a cut-off save replayed first. Throws CommandFailed when `rom` is
+// no ROM or must stay read-only.
+void OpenForCommand(Session& session, CliPrompter& user, const CliContext& ctx, const std::filesystem::path& rom,
+                    const std::filesystem::path& ini);
 
 // What tells the undo and redo sub-commands apart.
 struct HistoryStep {

@@ -63,9 +63,9 @@ void RegisterWrite(CLI::App& app, CliContext& ctx) {
     sub->callback([args, &ctx] {
         CliPrompter user(args->force);
         Session session(ctx.programFolder, user);
-        const std::filesystem::path offsets = OffsetFileFor(ctx, args->rom, args->ini);
+        OpenForCommand(session, user, ctx, args->rom, args->ini);
+        const std::filesystem::path offsets = session.OffsetFile();
         if (!FileExists(offsets)) throw CommandFailed("The offset file " + offsets.string() + " does not exist.");
-        OpenForCommand(session, user, args->rom, offsets);
         if (!SelectEntry(session, args->entry))
             throw CommandFailed("The offset file " + offsets.string() + " has no entry '" + args->entry +
                                 "' (give it as SECTION/KEY).");
