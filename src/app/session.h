@@ -66,8 +66,10 @@ public:
 
     std::filesystem::path IniFolder() const { return programFolder / "ini"; }
     std::filesystem::path SettingsFile() const { return IniFolder() / "settings.ini"; }
-    // The open game's offset file: ini/ + game code + .ini.
-    std::filesystem::path OffsetFile() const { return IniFolder() / (controls.gameCode + ".ini"); }
+    // The open game's offset file: ini/ + game code + .ini, unless one was given.
+    std::filesystem::path OffsetFile() const {
+        return offsetFileGiven.empty() ? IniFolder() / (controls.gameCode + ".ini") : offsetFileGiven;
+    }
     bool RomOpen() const { return !romPath.empty(); }
 
     // Windows that mirror the state register here; commands call Changed()
@@ -78,6 +80,9 @@ public:
     const std::filesystem::path programFolder;
     Prompter& prompter;
     std::filesystem::path romPath;  // the open dialog's file name
+    // An offset file named by the caller (the command line's --ini) instead of
+    // the game's own in ini/.
+    std::filesystem::path offsetFileGiven;
     std::int32_t oldTextLength = 0;
     LoadedText loaded;
     // Set when the ROM may not be written (a journal that could not be

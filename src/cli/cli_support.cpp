@@ -32,6 +32,13 @@ public:
 
 }  // namespace
 
+void AddRewriteOptions(CLI::App& sub, repoint::RewritePolicy& policy) {
+    sub.add_flag("--rewrite-code", policy.code,
+                 "Also rewrite places inside program code that hold a moved text's pointer (named in the report)");
+    sub.add_flag("--rewrite-unknown", policy.unknown,
+                 "Also rewrite places of unknown use that hold a moved text's pointer; without it such a text is refused");
+}
+
 std::filesystem::path ExecutableFolder(const char* argv0) {
     std::error_code ec;
     auto self = std::filesystem::read_symlink("/proc/self/exe", ec);

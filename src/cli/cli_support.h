@@ -3,6 +3,7 @@
 // settings of the program folder, and the progress line on a terminal.
 #include "app/progress.h"
 #include "cli/commands.h"
+#include "repoint/rewrites.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -14,6 +15,10 @@ struct ImportPlan;
 }
 
 namespace quillon::cli {
+
+// --rewrite-code and --rewrite-unknown: the places besides the references
+// that a move of a text rewrites.
+void AddRewriteOptions(CLI::App& sub, repoint::RewritePolicy& policy);
 
 // The folder of the running executable.
 std::filesystem::path ExecutableFolder(const char* argv0);

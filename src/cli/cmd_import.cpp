@@ -15,7 +15,8 @@ namespace quillon::cli {
 void RegisterImport(CLI::App& app, CliContext& ctx) {
     struct Args {
         std::filesystem::path rom, ini, po;
-        bool dryRun = false, reflow = false, rewriteCode = false, rewriteUnknown = false;
+        bool dryRun = false, reflow = false;
+        repoint::RewritePolicy rewrite;
     };
     auto args = std::make_shared<Args>();
     auto* sub = app.add_subcommand(
@@ -26,17 +27,14 @@ void RegisterImport(CLI::App& app, CliContext& ctx) {
     sub->add_flag("--dry-run", args->dryRun, "Show the plan and write nothing");
     sub->add_flag("--reflow", args->reflow,
                   "Break each translated text into lines and boxes that fit its box, with the game's font");
-    sub->add_flag("--rewrite-code", args->rewriteCode,
-                  "Also rewrite places inside program code that hold a moved text's pointer (named in the report)");
-    sub->add_flag("--rewrite-unknown", args->rewriteUnknown,
-                  "Also rewrite places of unknown use; without it a text whose pointer stands there is refused");
+    AddRewriteOptions(*sub, args->rewrite);
     sub->callback([args, &ctx] {
         RequireRom(args->rom);
         ImportRequest request{args->rom, OffsetFileFor(ctx, args->rom, args->ini), args->po, FreeSpaceOffset(ctx),
                               fit::ReadFitSettings(ctx.programFolder / "ini" / "settings.ini", GetRomCode(args->rom))};
         request.reflow = args->reflow;
-        request.rewriteCode = args->rewriteCode;
-        request.rewriteUnknown = args->rewriteUnknown;
+        request.rewriteCode = args->rewrite.code;
+        request.rewriteUnknown = args->rewrite.unknown;
         TerminalProgress progress(ctx.terminal);
         const ImportPlan plan = PlanImport(request, progress);
         ShowOrWrite(plan, args->dryRun, "import");

@@ -16,7 +16,8 @@ void RegisterReflow(CLI::App& app, CliContext& ctx) {
     struct Args {
         std::filesystem::path rom, ini;
         std::string section;
-        bool dryRun = false, rewriteCode = false, rewriteUnknown = false;
+        bool dryRun = false;
+        repoint::RewritePolicy rewrite;
     };
     auto args = std::make_shared<Args>();
     auto* sub = app.add_subcommand(
@@ -25,15 +26,12 @@ void RegisterReflow(CLI::App& app, CliContext& ctx) {
     sub->add_option("--ini", args->ini, "The offset file (default: ini/GAMECODE.ini beside quillon-cli)");
     sub->add_option("--section", args->section, "Only this section of the offset file");
     sub->add_flag("--dry-run", args->dryRun, "Show the plan and write nothing");
-    sub->add_flag("--rewrite-code", args->rewriteCode,
-                  "Also rewrite places inside program code that hold a moved text's pointer (named in the report)");
-    sub->add_flag("--rewrite-unknown", args->rewriteUnknown,
-                  "Also rewrite places of unknown use; without it a text whose pointer stands there is refused");
+    AddRewriteOptions(*sub, args->rewrite);
     sub->callback([args, &ctx] {
         RequireRom(args->rom);
         ReflowRequest request{args->rom, OffsetFileFor(ctx, args->rom, args->ini), {}, FreeSpaceOffset(ctx),
                               fit::ReadFitSettings(ctx.programFolder / "ini" / "settings.ini", GetRomCode(args->rom)),
-                              args->rewriteCode, args->rewriteUnknown};
+                              args->rewrite.code, args->rewrite.unknown};
         if (!args->section.empty()) request.section = args->section;
         TerminalProgress progress(ctx.terminal);
         ImportPlan plan;

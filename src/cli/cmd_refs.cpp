@@ -1,8 +1,9 @@
-// refs ROM [OFFSET...] [--ini FILE]: every place that holds the pointer to a
+// refs ROM [OFFSET...] [--ini FILE] [--json]: every place that holds the pointer to a
 // text, with its kind and the rule that gave it, one tab-separated line each:
 // text offset, place, kind, rule.
 #include "cli/cli_support.h"
 #include "cli/commands.h"
+#include "cli/json_writer.h"
 #include "core/file_io.h"
 #include "core/hex_text.h"
 #include "game/game_model.h"
@@ -22,12 +23,14 @@ void RegisterRefs(CLI::App& app, CliContext& ctx) {
         std::filesystem::path rom;
         std::vector<std::string> offsets;
         std::filesystem::path ini;
+        bool json = false;
     };
     auto args = std::make_shared<Args>();
     auto* sub = app.add_subcommand("refs", "List every place that holds the pointer to a text, with its kind");
     sub->add_option("ROM", args->rom, "The ROM image")->required();
     sub->add_option("OFFSET", args->offsets, "Offsets of texts, in hex digits");
     auto* ini = sub->add_option("--ini", args->ini, "List the references of every entry of this offset file");
+    sub->add_flag("--json", args->json, "One JSON document instead of lines");
     sub->callback([args, ini, &ctx] {
         RequireRom(args->rom);
         std::set<std::uint32_t> targets;
@@ -54,11 +57,18 @@ void RegisterRefs(CLI::App& app, CliContext& ctx) {
         }
         const std::string image = io::ReadAll(args->rom);
         const game::GameModel model = game::GameModel::Read(image);
+        JsonWriter json;
+        json.Object().Array("references");
         for (std::uint32_t target : targets) {
             for (const game::Place& p : model.ReferencesTo(target))
-                std::printf("%s\t%s\t%s\t%.*s\n", PlainHex(target).c_str(), PlainHex(p.place).c_str(),
+                if (args->json)
+                    json.Object().String("text", PlainHex(target)).String("place", PlainHex(p.place))
+                        .String("kind", game::KindName(p.kind)).String("rule", p.rule).End();
+                else
+                    std::printf("%s\t%s\t%s\t%.*s\n", PlainHex(target).c_str(), PlainHex(p.place).c_str(),
                             std::string(game::KindName(p.kind)).c_str(), static_cast<int>(p.rule.size()), p.rule.data());
         }
+        if (args->json) std::printf("%s", json.End().End().Text().c_str());
     });
 }
 

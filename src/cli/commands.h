@@ -7,7 +7,6 @@
 // CliContext&)`, declare it below and call it from main.cpp (one line each;
 // the build picks up every cmd_*.cpp). The action throws CommandFailed (or
 // lets FileError through) to end with a one-line reason and exit status 1.
-// scan, check and patch are to come the same way, each in a file of its own.
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
@@ -29,15 +28,19 @@ struct CommandFailed : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-void RegisterInfo(CLI::App& app, CliContext& ctx);    // info ROM
+void RegisterInfo(CLI::App& app, CliContext& ctx);    // info ROM [--json]
 void RegisterRead(CLI::App& app, CliContext& ctx);    // read ROM OFFSET
 void RegisterSearch(CLI::App& app, CliContext& ctx);  // search ROM TEXT
-void RegisterCheck(CLI::App& app, CliContext& ctx);   // check ROM [--ini FILE] [--format plain|tsv]
+void RegisterCheck(CLI::App& app, CliContext& ctx);   // check ROM [--ini FILE] [--format plain|tsv|json] [--json]
 void RegisterPatch(CLI::App& app, CliContext& ctx);   // patch create|apply ...
 void RegisterExport(CLI::App& app, CliContext& ctx);  // export ROM --po OUT [--ini FILE]
 void RegisterImport(CLI::App& app, CliContext& ctx);  // import ROM --po IN [--ini FILE] [--dry-run] [--reflow]
-void RegisterScan(CLI::App& app, CliContext& ctx);    // scan ROM [--ini FILE]
-void RegisterRefs(CLI::App& app, CliContext& ctx);    // refs ROM [OFFSET...] [--ini FILE]
+void RegisterScan(CLI::App& app, CliContext& ctx);    // scan ROM [--ini FILE] [--json]
+void RegisterRefs(CLI::App& app, CliContext& ctx);    // refs ROM [OFFSET...] [--ini FILE] [--json]
 void RegisterReflow(CLI::App& app, CliContext& ctx);  // reflow ROM [--ini FILE] [--section S] [--dry-run]
+void RegisterWrite(CLI::App& app, CliContext& ctx);   // write ROM SECTION/KEY TEXT [--ini FILE]
+void RegisterHistory(CLI::App& app, CliContext& ctx); // history ROM [--json]
+void RegisterUndo(CLI::App& app, CliContext& ctx);    // undo ROM [--ini FILE] [--yes]
+void RegisterRedo(CLI::App& app, CliContext& ctx);    // redo ROM [--ini FILE] [--yes]
 
 }  // namespace quillon::cli

@@ -27,7 +27,7 @@ std::string OneLine(std::string text) {
 
 int main(int argc, char** argv) {
     using namespace quillon::cli;
-    CLI::App app{"quillon-cli: read, search, export and import the texts of a ROM image."};
+    CLI::App app{"quillon-cli: read, search, write, export and import the texts of a ROM image."};
     app.require_subcommand(1);
     app.fallthrough();
     app.failure_message([](const CLI::App*, const CLI::Error& e) {
@@ -37,6 +37,7 @@ int main(int argc, char** argv) {
     CliContext ctx;
     ctx.programFolder = ExecutableFolder(argv[0]);
     ctx.terminal = isatty(STDERR_FILENO) == 1;
+    app.set_version_flag("--version", "quillon-cli " QUILLON_VERSION, "Print the version and exit");
     app.add_option("--free-space-offset", ctx.freeSpaceOffset,
                    "Where the search for free space starts (a decimal file position), over settings.ini");
 
@@ -50,6 +51,10 @@ int main(int argc, char** argv) {
     RegisterScan(app, ctx);
     RegisterRefs(app, ctx);
     RegisterReflow(app, ctx);
+    RegisterWrite(app, ctx);
+    RegisterHistory(app, ctx);
+    RegisterUndo(app, ctx);
+    RegisterRedo(app, ctx);
 
     try {
         app.parse(argc, argv);

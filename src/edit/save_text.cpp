@@ -112,10 +112,10 @@ bool Write(Session& session, const WritePlan& plan) {
 }
 
 // The text grew past the free bytes behind it: move it and repoint.
-Step Repoint(Session& session, std::int32_t newLength) {
+Step Repoint(Session& session, std::int32_t newLength, const GivenAnswers* given) {
     auto& c = session.controls;
     const std::int32_t oldOffset = HexToLong(c.offsetCaption);
-    auto freeSpaceOffset = ReadFreeSpaceOffset(session);
+    auto freeSpaceOffset = given && given->freeSpaceOffset ? given->freeSpaceOffset : ReadFreeSpaceOffset(session);
     if (!freeSpaceOffset) {
         session.prompter.Message(Icon::Critical, kBadFreeSpaceOffset);
         return Step::Stop;
@@ -144,7 +144,10 @@ Step Repoint(Session& session, std::int32_t newLength) {
     const std::string oldPointer = HexToBytes(WidePointerHex(static_cast<std::uint32_t>(oldOffset)));
     const std::string newPointer = HexToBytes(WidePointerHex(static_cast<std::uint32_t>(newOffset)));
     std::vector<BytesAt> blocks = ScanPointerRewrites(session.romPath, oldPointer, newPointer);
-    if (!ChooseRewrites(session, static_cast<std::uint32_t>(oldOffset), blocks)) return Step::Stop;
+    const auto old = static_cast<std::uint32_t>(oldOffset);
+    if (given ? !GivenRewrites(session, old, blocks, given->rewrite, given->leaveOthers)
+              : !ChooseRewrites(session, old, blocks))
+        return Step::Stop;
     if (blocks.empty()) {
         session.prompter.Message(Icon::Critical, "The text pointer wasn't found!\r\nThe text can't be edited!");
         return Step::Stop;
@@ -162,7 +165,7 @@ Step Repoint(Session& session, std::int32_t newLength) {
 }
 
 // Everything up to the final write; Done means the text is on disk.
-Step Save(Session& session, const AskBeforeSave& askFirst) {
+Step Save(Session& session, const AskBeforeSave& askFirst, const GivenAnswers* given) {
     auto& c = session.controls;
     if (!c.saveRefusal.empty()) {
         Refuse(session, c.saveRefusal);
@@ -189,7 +192,7 @@ Step Save(Session& session, const AskBeforeSave& askFirst) {
     const auto newLength = static_cast<std::int32_t>(hex.size() / 2);
 
     if (newLength < session.oldTextLength) {
-        if (!session.prompter.AskYesNo(
+        if (!given && !session.prompter.AskYesNo(
                 "The text you entered is shorter than the old one.\r\n\r\nDo you want to continue?", kAskTitle))
             return Step::Stop;
         // Each missing byte becomes a 0xFF that clears the tail of the old text.
@@ -200,7 +203,7 @@ Step Save(Session& session, const AskBeforeSave& askFirst) {
 
     std::int32_t growth = 0;
     if (newLength > session.oldTextLength) {
-        if (!session.prompter.AskYesNo(
+        if (!given && !session.prompter.AskYesNo(
                 "The text you entered is longer than the old one.\r\n"
                 "When you continue, the text needs to be Re-Pointed to another location.\r\n\r\n"
                 "Due the fact of that, the INI file will be changed and you can't edit the text of a clean ROM "
@@ -222,7 +225,7 @@ Step Save(Session& session, const AskBeforeSave& askFirst) {
             session.prompter.Message(Icon::Information,
                                      "There's enough space after the Text.\r\nThe Text won't be re-pointed.");
         } else {
-            return Repoint(session, newLength);
+            return Repoint(session, newLength, given);
         }
     }
     std::vector<BytesAt> blocks{{static_cast<std::uint64_t>(HexToLong(c.offsetCaption)), HexToBytes(hex + "FF")}};
@@ -231,13 +234,11 @@ Step Save(Session& session, const AskBeforeSave& askFirst) {
     return Write(session, PlanFor(session, std::move(blocks))) ? Step::Done : Step::Stop;
 }
 
-}  // namespace
-
-void SaveText(Session& session, const AskBeforeSave& askFirst) {
+void Run(Session& session, const AskBeforeSave& askFirst, const GivenAnswers* given) {
     auto& c = session.controls;
     c.saveEnabled = false;
     try {
-        if (Save(session, askFirst) == Step::Done) {
+        if (Save(session, askFirst, given) == Step::Done) {
             session.prompter.Message(Icon::Information, "Text has been saved.", "Saved!");
             c.specialDialog = false;
             session.oldTextLength = 0;
@@ -253,6 +254,14 @@ void SaveText(Session& session, const AskBeforeSave& askFirst) {
     }
     c.saveEnabled = c.saveRefusal.empty() && session.readOnlyReason.empty();
     session.Changed();
+}
+
+}  // namespace
+
+void SaveText(Session& session, const AskBeforeSave& askFirst) { Run(session, askFirst, nullptr); }
+
+void SaveText(Session& session, const AskBeforeSave& askFirst, const GivenAnswers& given) {
+    Run(session, askFirst, &given);
 }
 
 }  // namespace quillon

@@ -1,6 +1,7 @@
 #include "ui/history_dialog.h"
 
 #include "app/session.h"
+#include "history/history_columns.h"
 #include "history/history_commands.h"
 #include "store/history.h"
 #include "store/replay.h"
@@ -9,7 +10,6 @@
 #include "ui/xp_button.h"
 
 #include <QAction>
-#include <QDateTime>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -23,11 +23,6 @@ namespace quillon::ui {
 namespace {
 
 constexpr std::uint64_t kMiB = 1 << 20;
-
-QString Size(std::uint64_t bytes) {
-    return bytes < 10 * 1024 ? QStringLiteral("%1 bytes").arg(bytes)
-                             : QStringLiteral("%1 KiB").arg((bytes + 1023) / 1024);
-}
 
 }  // namespace
 
@@ -121,19 +116,16 @@ void HistoryDialog::Reload() {
     for (const HistoryEntry& e : listing.entries) {
         auto* item = new QTreeWidgetItem(list_);
         item->setText(0, QString::number(e.number));
-        item->setText(1, QDateTime::fromSecsSinceEpoch(e.when).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+        item->setText(1, Q(HistoryTime(e.when)));
         item->setText(2, Q(e.command));
         item->setText(3, Q(e.subject));
-        item->setText(4, Size(e.bytes));
-        item->setText(5, e.undone ? QStringLiteral("undone") : QStringLiteral("applied"));
+        item->setText(4, Q(HistorySize(e.bytes)));
+        item->setText(5, Q(HistoryState(e)));
         item->setData(0, Qt::UserRole, QVariant::fromValue<qulonglong>(e.number));
         item->setData(5, Qt::UserRole, e.undone);
         (e.undone ? anyUndone : anyApplied) = true;
     }
-    usage_->setText(QStringLiteral("%1 entries, %2 of %3 MiB")
-                        .arg(listing.entries.size())
-                        .arg(Size(listing.used))
-                        .arg(listing.limit / kMiB));
+    usage_->setText(Q(HistoryUsage(listing)));
     limit_->setValue(static_cast<int>(std::max<std::uint64_t>(1, listing.limit / kMiB)));
     undo_->setEnabled(anyApplied);
     redo_->setEnabled(anyUndone);

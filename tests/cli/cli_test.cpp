@@ -1,7 +1,13 @@
 // quillon-cli run as a user runs it: its commands, their help and their failures.
+#include "core/hex_text.h"
+#include "edit/save_text.h"
+#include "fit/fit_settings.h"
+#include "history/history_commands.h"
+#include "support/game_image.h"
 #include "support/translation_game.h"
 #include "support/workspace.h"
 #include "translate/po_file.h"
+#include "translate/rom_texts.h"
 
 #include <quillon/codec.h>
 
@@ -10,6 +16,8 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <functional>
+#include <set>
 
 using namespace quillon;
 using namespace quillon::test;
@@ -62,6 +70,7 @@ TEST_F(Cli, CommandsPrintWhatTheyFoundAndFailuresOneLine) {
     const Case found[] = {
         {"info", {"info", "ROM"}, "Game code: QLNE\n"},
         {"info title", {"info", "ROM"}, "Title:     QUILLONTEST"},
+        {"info as JSON", {"info", "ROM", "--json"}, R"({"title":"QUILLONTEST","gameCode":"QLNE","language":"E",)"},
         {"read", {"read", "ROM", "100010"}, "Hello there,\nfriend.\n"},
         {"read with 0x", {"read", "ROM", "0x100040"}, "Say hello\n"},
         {"search lists each match", {"search", "ROM", "ello"}, "100011  ello there,\n100045  ello\n"},
@@ -88,12 +97,19 @@ TEST_F(Cli, CommandsPrintWhatTheyFoundAndFailuresOneLine) {
         EXPECT_NE(run.err.find(c.out), std::string::npos) << c.name << ": " << run.err;
         EXPECT_EQ(run.out, "") << c.name;
     }
-    for (const char* command : {"info", "read", "search", "export", "import", "check", "scan"}) {
+    // Every command has its help, and the shell completes its name.
+    const std::string script = ReadFile(QUILLON_COMPLETION_PATH);
+    const std::size_t listed = script.find("commands=\"") + 10;
+    const std::string completion = " " + script.substr(listed, script.find('"', listed) - listed) + " ";
+    for (const char* command : {"info", "read", "search", "export", "import", "check", "scan", "refs", "reflow", "write",
+                                "history", "undo", "redo"}) {
         CliRun run = Run({command, "--help"});
         EXPECT_EQ(run.status, 0) << command;
         EXPECT_NE(run.out.find(command), std::string::npos) << command << ": " << run.out;
         EXPECT_NE(run.out.find("ROM"), std::string::npos) << command;
+        EXPECT_NE(completion.find(" " + std::string(command) + " "), std::string::npos) << command;
     }
+    EXPECT_EQ(Run({"--version"}).out, "quillon-cli " QUILLON_VERSION "\n");
 }
 
 TEST_F(Cli, ExportsAndImportsThroughAPoFile) {
@@ -151,6 +167,11 @@ TEST_F(Cli, CheckListsTheTextsOverTheirBoxForPeopleOrAsTableOfFindings) {
                                "1 more texts are over only with names and buffers at their longest.\n";
     EXPECT_EQ(run.out, listed);
     EXPECT_EQ(Run({"check", "ROM", "--format", "tsv"}).out, "Town/Sign\t100010\t2\t217\t208\tover\nTown/Names\t100040\t1\t211\t208\tnames\n");
+    const std::string json = Run({"check", "ROM", "--json"}).out;
+    EXPECT_EQ(json.substr(0, 32), R"({"entries":3,"over":1,"names":1,)") << json;
+    EXPECT_NE(json.find(R"({"section":"Town","key":"Sign","offset":"100010","limit":208,"over":true,"findings":[{"line":2,"width":217,"kind":"over","text":"MMM)"),
+              std::string::npos)
+        << json;
     // A font whose pointers are gone: none found, unless named.
     rom.Fill(0x66EC, 12, '\x01').Save(w.Rom());
     run = Run({"check", "ROM"});
@@ -220,6 +241,106 @@ TEST_F(Cli, PatchCreateThenApplyGivesTheEditedRom) {
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.err.find("made for another image"), std::string::npos) << run.err;
     EXPECT_FALSE(std::filesystem::exists(dir / "x.gba"));
+}
+
+}  // namespace
+
+namespace {
+
+// The same steps by the command line and by the window's commands on a copy
+// of a generated game: every byte of the image and the offset file agree.
+TEST_F(Cli, WriteUndoAndRedoLeaveWhatTheWindowsCommandsLeave) {
+    GameImage g = MakeGameImage(game::Family::FireRedLeafGreen, 11);
+    // Two message texts, one held by references only, one by a code lookalike
+    // too, moved with their pointers to where pointers reach: the start of
+    // the free space.
+    const auto raise = [&g](bool withCode, std::uint32_t to) {
+        for (const PlacedText& t : g.texts) {
+            std::set<std::string> kinds;
+            for (const PlacedPointer& p : g.pointers)
+                if (p.target == t.offset) kinds.insert(p.kind);
+            if (t.context != "message" || kinds.empty() || kinds.contains("unknown") || kinds.contains("code") != withCode)
+                continue;
+            const std::size_t length = g.image.find('\xFF', t.offset) - t.offset;
+            g.image.replace(to, length, g.image.substr(t.offset, length));
+            g.image[to + length + 1] = '\0';  // no room behind it: a longer text moves
+            for (const PlacedPointer& p : g.pointers)
+                if (p.target == t.offset) g.image.replace(p.place, 4, PointerTo(to));
+            return to;
+        }
+        return 0u;
+    };
+    const std::uint32_t plain = raise(false, g.freeSpace), coded = raise(true, g.freeSpace + 0x100);
+    ASSERT_TRUE(plain && coded);
+    const std::string section = "Town \"Old\" \xE9", ini = "[" + section + "]\r\nPlain=" + PlainHex(plain) +
+                                                          "\r\nCoded=" + PlainHex(coded) + "\r\n";
+    Workspace window("FreeSpaceOffset=" + std::to_string(g.freeSpace));
+    for (const Workspace* at : {&w, &window}) {
+        WriteFile(at->Rom(), g.image);
+        at->WriteOffsetFile(ini, "BPRE");
+    }
+    window.Open();
+    const auto textAt = [&](std::uint32_t offset) {
+        const std::string out = Run({"read", "ROM", PlainHex(offset)}).out;
+        return out.substr(0, out.size() - 1);
+    };
+    const std::string plainText = textAt(plain) + "\n\nMore.", codedText = textAt(coded) + "\n\nMore.";
+    const auto save = [&](const char* key, const std::string& text, std::optional<Choice> choice) {
+        return [&window, key, text, choice] {
+            window.Select(std::string("Town \"Old\" \xE9"), key);
+            window.session.controls.text1.SetText(FromPoText(text));
+            window.user.Yes();  // longer: re-point
+            if (choice) window.user.Then(*choice);
+            SaveText(window.session, fit::ConfirmFitBeforeSave);
+        };
+    };
+    const std::string free = std::to_string(g.freeSpace);
+    struct Step {
+        std::vector<std::string> cli;
+        std::function<void()> window;
+    } steps[] = {
+        {{"--free-space-offset", free, "write", "ROM", section + "/Plain", plainText}, save("Plain", plainText, {})},
+        {{"--free-space-offset", free, "write", "ROM", section + "/Coded", codedText, "--only-references"},
+         save("Coded", codedText, Choice::First)},
+        {{"undo", "ROM"}, [&] { UndoLastSaveCommand(window.session); }},
+        {{"undo", "ROM"}, [&] { UndoLastSaveCommand(window.session); }},
+        {{"redo", "ROM"}, [&] { RedoSaveCommand(window.session); }},
+    };
+    for (const Step& step : steps) {
+        const std::string before = w.RomBytes();
+        const CliRun run = Run(step.cli);
+        step.window();
+        EXPECT_EQ(run.status, 0) << step.cli[0] << step.cli[2] << ": " << run.err;
+        EXPECT_FALSE(w.RomBytes() == before) << step.cli[0] << step.cli[2] << " wrote nothing";
+        EXPECT_TRUE(w.RomBytes() == window.RomBytes()) << step.cli[0] << step.cli[2];
+        EXPECT_EQ(ReadFile(w.OffsetFile("BPRE")), ReadFile(window.OffsetFile("BPRE"))) << step.cli[0];
+    }
+    EXPECT_TRUE(window.user.answers.empty()) << "the window asked less than the steps expect";
+    EXPECT_NE(Run({"history", "ROM"}).out.find("\tSave Text\t" + section + " / Coded\t"), std::string::npos);
+    const std::string json = Run({"history", "ROM", "--json"}).out;
+    EXPECT_NE(json.find("\"command\":\"Save Text\",\"subject\":\"Town \\\"Old\\\" \xC3\xA9 / Plain\",\"bytes\":"),
+              std::string::npos)
+        << json;
+    EXPECT_NE(json.find(R"("state":"applied"}]})"), std::string::npos) << json;
+
+    struct Refusal {
+        std::vector<std::string> args;
+        const char* says;
+        std::function<void()> before;
+    } refusals[] = {
+        {{"write", "ROM", section + "/Coded", textAt(coded)}, "holds this text already", [] {}},
+        {{"--free-space-offset", free, "write", "ROM", section + "/Coded", codedText}, "--rewrite-code", [] {}},
+        {{"undo", "ROM"}, "The ROM was changed since this save", [&] { WriteFile(w.Rom(), w.RomBytes().replace(plain, 1, "X")); }},
+    };
+    for (const Refusal& r : refusals) {
+        r.before();
+        const std::string before = w.RomBytes();
+        const CliRun run = Run(r.args);
+        EXPECT_EQ(run.status, 1) << r.says;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_NE(run.err.find(r.says), std::string::npos) << run.err;
+        EXPECT_TRUE(w.RomBytes() == before) << r.says;
+    }
 }
 
 }  // namespace
