@@ -3,14 +3,22 @@
 #include "cli/cli_support.h"
 #include "cli/commands.h"
 
+#include "app/program_folder.h"
+
 #include <quillon/errors.h>
 
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 namespace {
+
+std::string_view Env(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? value : "";
+}
 
 // Reasons end up on one line: line breaks of multi-line messages become blanks.
 std::string OneLine(std::string text) {
@@ -35,7 +43,12 @@ int main(int argc, char** argv) {
     });
 
     CliContext ctx;
-    ctx.programFolder = ExecutableFolder(argv[0]);
+    // The same folder as the window's: beside the program, or the user's data
+    // folder when installed (filled from the shipped files on a first start).
+    const quillon::ProgramFolder folder =
+        quillon::ChooseProgramFolder(ExecutableFolder(argv[0]), Env("XDG_DATA_HOME"), Env("HOME"));
+    if (folder.installed) (void)quillon::CopyShippedFiles(folder);
+    ctx.programFolder = folder.folder;
     ctx.terminal = isatty(STDERR_FILENO) == 1;
     app.set_version_flag("--version", "quillon-cli " QUILLON_VERSION, "Print the version and exit");
     app.add_option("--free-space-offset", ctx.freeSpaceOffset,
