@@ -117,7 +117,7 @@ TEST(FindTextsInRom, AddsTheTextsAfterYesOnlyAndRebuildsTheTree) {
 
     // An entry added while the question is open stays beside the found texts.
     w.user.Yes();
-    w.user.atNextQuestion = [&] { test::WriteFile(w.OffsetFile(), created + "[Mine]\r\nKept=180001\r\n"); };
+    w.user.atNextQuestion = [&] { test::WriteFile(w.OffsetFile(), created + "\r\n[Mine]\r\nKept=180001\r\n"); };
     EXPECT_TRUE(FindTextsInRom(w.session, quiet));
     std::vector<std::string> nodes;
     for (const auto& n : w.session.tree.Nodes()) nodes.push_back(n.text);
