@@ -22,10 +22,10 @@ namespace {
 struct Stage {
     test::TempDir dir;
     std::filesystem::path rom = dir / "game.gba", ini = dir / "QLNE.ini";
-    std::string image = std::string(0x1000, '\x01');
+    std::string image = std::string(0x2000, '\x01');
     Stage() { io::ReplaceFile(rom, image); }
-    // Eight bytes at 0x200 become 0xAB.
-    WritePlan Plan(std::uint64_t offset = 0x200) const {
+    // Eight bytes across the page boundary at 0x1000 become 0xAB.
+    WritePlan Plan(std::uint64_t offset = 0xFFC) const {
         return {"Save Text", "A / B", rom, image.size(), {{offset, std::string(8, '\x01'), std::string(8, '\xAB')}}};
     }
 };
@@ -52,14 +52,14 @@ TEST(Writers, ASecondWriterWaitsForTheLockThenIsRefused) {
     });
     EXPECT_EQ(CommitPlan(s.Plan()).outcome, CommitOutcome::Written);
     release.join();
-    EXPECT_EQ(io::ReadAll(s.rom).substr(0x200, 8), std::string(8, '\xAB'));
+    EXPECT_EQ(io::ReadAll(s.rom).substr(0xFFC, 8), std::string(8, '\xAB'));
 }
 
 TEST(Writers, ACutAtEveryByteOfARangeIsPutBack) {
     Stage s;
     for (std::size_t cut = 0; cut <= 8; ++cut) {
         std::string now = s.image;
-        now.replace(0x200, cut, std::string(cut, '\xAB'));  // the first `cut` bytes landed
+        now.replace(0xFFC, cut, std::string(cut, '\xAB'));  // the first `cut` bytes landed
         io::ReplaceFile(s.rom, now);
         io::ReplaceFile(JournalPath(s.rom), JournalText(s.Plan()));
         EXPECT_NE(RecoverPending(s.rom, s.ini).outcome, RecoveryOutcome::Refused) << cut;
@@ -67,7 +67,7 @@ TEST(Writers, ACutAtEveryByteOfARangeIsPutBack) {
     }
     // A byte that is neither old nor new refuses, and nothing is written.
     std::string foreign = s.image;
-    foreign[0x203] = '\x77';
+    foreign[0x1001] = '\x77';
     io::ReplaceFile(s.rom, foreign);
     io::ReplaceFile(JournalPath(s.rom), JournalText(s.Plan()));
     EXPECT_THAT(RecoverPending(s.rom, s.ini).reason, HasSubstr("neither the old nor the new bytes"));
