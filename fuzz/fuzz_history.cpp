@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t lineEnd = input.find('\n');
     if (lineEnd == std::string::npos || lineEnd == 0 || lineEnd > 40) return 0;
     const std::string name = input.substr(0, lineEnd);
-    if (name.find('/') != std::string::npos || name == "." || name == "..") return 0;
+    if (name.find_first_of(std::string("/\0", 2)) != std::string::npos || name == "." || name == "..") return 0;
     quillon::io::ReplaceFile(quillon::HistoryFolder(rom) / name, input.substr(lineEnd + 1));
 
     for (const bool undo : {true, false}) {
