@@ -403,9 +403,12 @@ void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalo
                     throw PoError("The PO file could not be read: " + path.string() +
                                   ": duplicate message definition of \"" + (context ? context : "") + "\" \"" + id + "\"");
                 }
+                // The library joins a message's comments into a new string,
+                // which the caller frees; without comments it hands out "".
                 const char* comments = po_message_extracted_comments(m);
                 catalog.messages.push_back({context ? context : "", id, po_message_msgstr(m),
                                             comments ? comments : "", po_message_is_fuzzy(m) != 0});
+                if (comments && *comments) std::free(const_cast<char*>(comments));
                 if (nuls) UnmarkNuls(catalog.messages.back().str);
             }
             po_message_iterator_free(it);
