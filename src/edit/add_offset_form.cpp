@@ -91,9 +91,8 @@ bool AddOffsetForm::Add() {
         return refuse(e.what());
     }
 
-    if (auto failed = WriteOffsetFile(session_, "Add offset", sectionName + " / " + textName, [&](const ini::IniDocument& doc) {
-            return doc.WithValue(sectionName, textName, PlainHex(offset));
-        })) {
+    auto add = [&](const ini::IniDocument& doc) { return doc.WithValue(sectionName, textName, PlainHex(offset)); };
+    if (auto failed = WriteOffsetFile(session_, "Add offset", sectionName + " / " + textName, add)) {
         session_.prompter.Message(Icon::Critical, "Error: Could not add the Entry!\r\n" + *failed);
         return false;
     }

@@ -105,7 +105,8 @@ void LoadText(Session& session, std::string_view offsetHex) {
         // them would cut the text there.
         if (bytes.size() == static_cast<std::size_t>(kMaxTextBytes) && session.loaded.bytes.back() != '\xFF') {
             c.saveRefusal = "The text at offset " + std::string(offsetHex) + " has no end within " +
-                            std::to_string(kMaxTextBytes) + " bytes, the longest text Quillon edits, so it can't be saved.";
+                            std::to_string(kMaxTextBytes) +
+                            " bytes, the longest text Quillon edits, so it can't be saved.";
             session.loaded = {};
         }
     }
@@ -125,9 +126,10 @@ void LoadTextAt(Session& session, std::string_view offsetHex) {
     } catch (const std::exception& e) {
         // Nothing was loaded to compare a save with: saving is refused with the cause.
         auto& c = session.controls;
+        const std::string offset(offsetHex);
         c.saveRefusal = dynamic_cast<const TypeMismatch*>(&e)
-                            ? "The offset '" + std::string(offsetHex) + "' is not a hexadecimal number, so its text can't be saved."
-                            : "The text at offset " + std::string(offsetHex) + " can't be read, so it can't be saved: " + e.what();
+                            ? "The offset '" + offset + "' is not a hexadecimal number, so its text can't be saved."
+                            : "The text at offset " + offset + " can't be read, so it can't be saved: " + e.what();
         c.saveEnabled = false;
         session.loaded = {};
         throw;

@@ -25,7 +25,8 @@ bool TemporaryName(std::string_view name, std::string_view prefix, bool anyPrefi
         if (!((c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'))) return false;
     const std::string_view before = name.substr(0, at);
     if (anyPrefix) return !before.empty();
-    return before.substr(0, prefix.size()) == prefix && (before.size() == prefix.size() || before[prefix.size()] == '.');
+    return before.substr(0, prefix.size()) == prefix &&
+           (before.size() == prefix.size() || before[prefix.size()] == '.');
 }
 
 std::size_t RemoveIn(const fs::path& folder, std::string_view prefix, bool anyPrefix) {

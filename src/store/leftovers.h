@@ -12,6 +12,7 @@ namespace quillon {
 // after it) and in the ROM's history folder, when they are older than a
 // minute and no writer holds the ROM's lock; other files are never touched.
 // Returns how many were removed.
-[[nodiscard]] std::size_t RemoveStaleTemporaries(const std::filesystem::path& rom, const std::filesystem::path& offsetFile);
+[[nodiscard]] std::size_t RemoveStaleTemporaries(const std::filesystem::path& rom,
+                                                 const std::filesystem::path& offsetFile);
 
 }  // namespace quillon

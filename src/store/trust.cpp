@@ -42,7 +42,8 @@ std::optional<std::string> UntrustedHistoryFolder(const fs::path& rom) {
     std::error_code ec;
     const fs::path folder = HistoryFolder(rom);
     if (fs::is_symlink(fs::symlink_status(folder, ec)))
-        return "the history folder '" + folder.string() + "' is a link; Quillon keeps its history only in a folder of its own";
+        return "the history folder '" + folder.string() +
+               "' is a link; Quillon keeps its history only in a folder of its own";
     return std::nullopt;
 }
 

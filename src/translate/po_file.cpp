@@ -242,7 +242,8 @@ bool MarkNulEscapes(std::string& text) {
                     value = 0;
                     for (int n = 0; n < 3 && next < end && text[next] >= '0' && text[next] <= '7'; ++n)
                         value = value * 8 + static_cast<unsigned>(text[next++] - '0');
-                } else if (next + 1 < end && text[next] == 'x' && std::isxdigit(static_cast<unsigned char>(text[next + 1]))) {
+                } else if (next + 1 < end && text[next] == 'x' &&
+                           std::isxdigit(static_cast<unsigned char>(text[next + 1]))) {
                     value = 0;
                     for (++next; next < end && std::isxdigit(static_cast<unsigned char>(text[next])); ++next) {
                         const char d = text[next];

@@ -117,8 +117,8 @@ int Race(int saves, int& written, int& changed, int& busy) {
         changed += other;
         busy += held;
         for (int i = 0; i < saves; ++i) {
-            const bool line = lines.find(std::string("\n") + char('A' + c) + std::to_string(i) + "=1\r") != std::string::npos;
-            lost += !line || image[0x1000 + 0x1000 * c + i] != '\x02';
+            const std::string line = std::string("\n") + char('A' + c) + std::to_string(i) + "=1\r";
+            lost += lines.find(line) == std::string::npos || image[0x1000 + 0x1000 * c + i] != '\x02';
         }
     }
     lost += 2 * saves - written;  // a save that never got through
