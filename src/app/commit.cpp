@@ -14,7 +14,7 @@ namespace quillon {
 bool RecoverJournal(Session& session) {
     Recovery r;
     try {
-        r = RecoverPending(session.romPath);
+        r = RecoverPending(session.romPath, session.OffsetFile());
     } catch (const FileError& e) {
         r = {RecoveryOutcome::Refused, std::string("Putting the old bytes back failed: ") + e.what()};
     }

@@ -48,6 +48,8 @@ std::filesystem::path ExecutableFolder(const char* argv0) {
 
 void RequireRom(const std::filesystem::path& rom) {
     std::error_code ec;
+    if (std::filesystem::is_directory(rom, ec))
+        throw CommandFailed("'" + rom.string() + "' is a folder, not a ROM image.");
     if (!std::filesystem::is_regular_file(rom, ec))
         throw CommandFailed("'" + rom.string() + "' is not a file.");
     if (io::FileSize(rom) < kFirstWritableOffset)

@@ -29,9 +29,13 @@ WriteHook& Hook() {
     static WriteHook hook;
     return hook;
 }
+int& HookError() {
+    static int error = EIO;
+    return error;
+}
 
 void CheckHook(const std::filesystem::path& path) {
-    if (Hook() && !Hook()(path)) ThrowFileError(path, "write", EIO);
+    if (Hook() && !Hook()(path)) ThrowFileError(path, "write", HookError());
 }
 
 struct FileCloser {
@@ -74,7 +78,10 @@ void Seek(std::FILE* f, std::uint64_t offset, const std::filesystem::path& path,
 
 }  // namespace
 
-void SetWriteHook(WriteHook hook) { Hook() = std::move(hook); }
+void SetWriteHook(WriteHook hook, int error) {
+    Hook() = std::move(hook);
+    HookError() = error;
+}
 
 WriteHook StopAfterWrites(int count) {
     auto done = std::make_shared<int>(0);

@@ -4,6 +4,7 @@
 // or a pulled cable would) and check what is left behind.
 #include "core/bytes_at.h"
 
+#include <cerrno>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -15,9 +16,10 @@
 namespace quillon::io {
 
 // Called before each write with the file about to be written; returning false
-// makes that write fail with FileError before it touches the file.
+// makes that write fail with FileError before it touches the file, for the
+// system's reason `error` (EIO, or ENOSPC as a full disk gives).
 using WriteHook = std::function<bool(const std::filesystem::path&)>;
-void SetWriteHook(WriteHook hook);
+void SetWriteHook(WriteHook hook, int error = EIO);
 
 // A hook that lets the first `count` writes through and fails every later
 // one, as when the machine stops after write `count`.
@@ -26,7 +28,7 @@ WriteHook StopAfterWrites(int count);
 // Installs a hook for the lifetime of the guard and removes it afterwards.
 class ScopedWriteHook {
 public:
-    explicit ScopedWriteHook(WriteHook hook) { SetWriteHook(std::move(hook)); }
+    explicit ScopedWriteHook(WriteHook hook, int error = EIO) { SetWriteHook(std::move(hook), error); }
     ~ScopedWriteHook() { SetWriteHook({}); }
     ScopedWriteHook(const ScopedWriteHook&) = delete;
     ScopedWriteHook& operator=(const ScopedWriteHook&) = delete;

@@ -54,7 +54,12 @@ bool FindTextsInRom(Session& session, Progress& progress) {
         return false;
     }
     if (!session.prompter.AskYesNo(Summary(found, merge), kFindTextsTitle)) return false;
-    const WritePlan plan = OffsetFilePlan(session, std::string(kFindTextsTitle), session.controls.gameCode, merge.text);
+    // The offset file may have been edited while the question was open: the
+    // texts are merged into it as it is now, and the writer refuses, under
+    // the ROM's lock, a file that changes again before the write.
+    WritePlan plan = OffsetFilePlan(session, std::string(kFindTextsTitle), session.controls.gameCode, {});
+    plan.offsetAfter = discover::MergeFoundTexts(plan.offsetBefore.value_or(""), found).text;
+    if (plan.offsetAfter == plan.offsetBefore.value_or("")) return false;  // listed by now
     if (Commit(session, plan, "The found texts could not be added to the offset file:") != Committed::Written)
         return false;
     Tree_Load(session);

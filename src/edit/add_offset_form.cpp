@@ -21,20 +21,24 @@ namespace {
 bool HasLineBreak(std::string_view s) { return s.find_first_of("\r\n") != std::string_view::npos; }
 
 // Changes the open game's offset file through the one writer, so the change
-// is guarded, journaled and kept in the history. False when it could not be
-// written; an edit that changes nothing is a success.
+// is guarded, journaled and kept in the history. Returns why it could not be
+// written, or nothing when it was; an edit that changes nothing is a success.
 template <class Edit>
-bool WriteOffsetFile(Session& session, std::string command, std::string subject, Edit edit) {
+std::optional<std::string> WriteOffsetFile(Session& session, std::string command, std::string subject, Edit edit) {
     try {
         WritePlan plan = OffsetFilePlan(session, std::move(command), std::move(subject), {});
-        if (!session.readOnlyReason.empty() || !RecoverJournal(session)) return false;
+        if (!session.readOnlyReason.empty() || !RecoverJournal(session)) return session.readOnlyReason;
         ini::IniDocument doc(plan.offsetBefore.value_or(""));
         std::optional<std::string> after = edit(doc);
-        if (!after) return true;
+        if (!after) return std::nullopt;
         plan.offsetAfter = std::move(*after);
-        return CommitPlan(plan).outcome == CommitOutcome::Written;
-    } catch (const std::exception&) {
-        return false;
+        const CommitResult result = CommitPlan(plan);
+        if (result.outcome == CommitOutcome::Written) return std::nullopt;
+        return result.error + (result.outcome == CommitOutcome::RolledBack
+                                   ? "\r\nThe offset file was left as it was."
+                                   : "\r\nThe offset file will be restored when the ROM is opened again.");
+    } catch (const std::exception& e) {
+        return std::string(e.what());
     }
 }
 
@@ -87,9 +91,9 @@ bool AddOffsetForm::Add() {
         return refuse(e.what());
     }
 
-    if (!WriteOffsetFile(session_, "Add offset", sectionName + " / " + textName,
-                         [&](const ini::IniDocument& doc) { return doc.WithValue(sectionName, textName, PlainHex(offset)); })) {
-        session_.prompter.Message(Icon::Critical, "Error: Could not add the Entry!");
+    auto add = [&](const ini::IniDocument& doc) { return doc.WithValue(sectionName, textName, PlainHex(offset)); };
+    if (auto failed = WriteOffsetFile(session_, "Add offset", sectionName + " / " + textName, add)) {
+        session_.prompter.Message(Icon::Critical, "Error: Could not add the Entry!\r\n" + *failed);
         return false;
     }
     added_ = true;
@@ -108,13 +112,13 @@ void DeleteOffset(Session& session) {
     if (!node || node->key.empty()) return;  // nothing selected: ends silently
     if (IsSectionNodeKey(node->key)) {
         const std::string section = node->text;
-        if (!WriteOffsetFile(session, "Delete section", section,
-                             [&](const ini::IniDocument& doc) { return doc.WithoutSection(section); }))
+        if (WriteOffsetFile(session, "Delete section", section,
+                            [&](const ini::IniDocument& doc) { return doc.WithoutSection(section); }))
             session.prompter.Message(Icon::Critical, "Error: Could not delete the Section!");
     } else {
         const std::string section = session.tree.SelectedParentText(), key = KeyNameOf(node->key);
-        if (!WriteOffsetFile(session, "Delete offset", section + " / " + key,
-                             [&](const ini::IniDocument& doc) { return doc.WithoutKey(section, key); }))
+        if (WriteOffsetFile(session, "Delete offset", section + " / " + key,
+                            [&](const ini::IniDocument& doc) { return doc.WithoutKey(section, key); }))
             session.prompter.Message(Icon::Critical, "Error: Could not delete the Entry!");
     }
     Tree_Load(session);

@@ -3,6 +3,7 @@
 #include "app/commit.h"
 #include "app/session.h"
 #include "core/file_io.h"
+#include "store/leftovers.h"
 #include "store/write_plan.h"
 #include "edit/text_view.h"
 #include "offsets/offset_file.h"
@@ -79,7 +80,6 @@ void OpenRomFile(Session& session, const std::filesystem::path& rom, const After
             session.Changed();
             return;
         }
-        RecoverJournal(session);  // a journal that can't be replayed leaves the ROM read-only
         const std::string code = GetRomCode(session.romPath);
         if (!UsableGameCode(code)) {
             session.prompter.Message(Icon::Warning,
@@ -90,6 +90,10 @@ void OpenRomFile(Session& session, const std::filesystem::path& rom, const After
         }
         session.controls.gameCode = code;
         session.controls.searchEnabled = true;
+        // Once the game code names the ROM's offset file, the only one a
+        // journal may restore; one that can't be replayed leaves the ROM read-only.
+        RecoverJournal(session);
+        (void)RemoveStaleTemporaries(session.romPath, session.OffsetFile());
 
         bool created = false;
         if (!FileExists(session.OffsetFile())) {

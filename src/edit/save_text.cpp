@@ -4,6 +4,7 @@
 #include "app/commit.h"
 #include "app/session.h"
 #include "edit/name_edit.h"
+#include "core/codec/text_bytes.h"
 #include "core/file_io.h"
 #include "core/ini_document.h"
 #include "repoint/repoint_choice.h"
@@ -190,6 +191,11 @@ Step Save(Session& session, const AskBeforeSave& askFirst, const GivenAnswers* g
     }
     std::string hex = EncodeText(c.text1.Text(), c.specialDialog);
     const auto newLength = static_cast<std::int32_t>(hex.size() / 2);
+    if (newLength > kMaxTextBytes) {
+        Refuse(session, "The text is " + std::to_string(newLength) + " bytes long; a text may be at most " +
+                            std::to_string(kMaxTextBytes) + " bytes.");
+        return Step::Stop;
+    }
 
     if (newLength < session.oldTextLength) {
         if (!given && !session.prompter.AskYesNo(
@@ -211,12 +217,7 @@ Step Save(Session& session, const AskBeforeSave& askFirst, const GivenAnswers* g
                 "Do you want to Re-Point?",
                 kAskTitle))
             return Step::Stop;
-        growth = newLength - session.oldTextLength;
-        if (growth > 32767) {
-            Refuse(session, "The text grew by " + std::to_string(growth) +
-                                " bytes; a text can grow by at most 32767 bytes at once.");
-            return Step::Stop;
-        }
+        growth = newLength - session.oldTextLength;  // at most kMaxTextBytes
         const std::int32_t oldOffset = HexToLong(c.offsetCaption);
         const std::string freeByte = FreeSpaceByte(c.gameCode);
         std::string tail = ReadBytesHex(session.romPath, PadHex(std::int64_t{oldOffset} + session.oldTextLength + 1),

@@ -8,6 +8,7 @@
 #include "offsets/offset_text.h"
 
 #include <quillon/codec.h>
+#include <quillon/errors.h>
 #include <quillon/rom.h>
 
 #include "core/codec/text_bytes.h"
@@ -82,7 +83,9 @@ void ShowNoText(Session& session) {
     UpdateRepointCounter(session);
 }
 
-void LoadTextAt(Session& session, std::string_view offsetHex) {
+namespace {
+
+void LoadText(Session& session, std::string_view offsetHex) {
     auto& c = session.controls;
     c.saveRefusal.clear();
     c.roundTripNote.clear();
@@ -98,11 +101,39 @@ void LoadTextAt(Session& session, std::string_view offsetHex) {
     if (c.saveRefusal.empty()) {
         const auto offset = static_cast<std::uint64_t>(HexToLong(offsetHex));
         session.loaded = {offset, io::ReadAt(session.romPath, offset, bytes.size() + 1), size};
+        // Only the first kMaxTextBytes of a longer text were read: saving
+        // them would cut the text there.
+        if (bytes.size() == static_cast<std::size_t>(kMaxTextBytes) && session.loaded.bytes.back() != '\xFF') {
+            c.saveRefusal = "The text at offset " + std::string(offsetHex) + " has no end within " +
+                            std::to_string(kMaxTextBytes) +
+                            " bytes, the longest text Quillon edits, so it can't be saved.";
+            session.loaded = {};
+        }
+    }
+    if (c.saveRefusal.empty()) {
         NoteFixedLength(session);
         if (!c.japaneseTable) c.roundTripNote = RoundTripNote(bytes, HexToBytes(EncodeText(c.text1.Text(), false)));
     }
     c.saveEnabled = !c.japaneseTable && c.saveRefusal.empty() && session.readOnlyReason.empty();
     UpdateRepointCounter(session);
+}
+
+}  // namespace
+
+void LoadTextAt(Session& session, std::string_view offsetHex) {
+    try {
+        LoadText(session, offsetHex);
+    } catch (const std::exception& e) {
+        // Nothing was loaded to compare a save with: saving is refused with the cause.
+        auto& c = session.controls;
+        const std::string offset(offsetHex);
+        c.saveRefusal = dynamic_cast<const TypeMismatch*>(&e)
+                            ? "The offset '" + offset + "' is not a hexadecimal number, so its text can't be saved."
+                            : "The text at offset " + offset + " can't be read, so it can't be saved: " + e.what();
+        c.saveEnabled = false;
+        session.loaded = {};
+        throw;
+    }
 }
 
 void Tree_Load(Session& session) {

@@ -110,20 +110,20 @@ std::size_t EntriesChanged(const WritePlan& plan, std::string_view offsetFile) {
 void UndoLastSaveCommand(Session& session) {
     if (!NeedRom(session) || !ConfirmStep(session, true)) return;
     HistoryEntry undone;
-    if (Run(session, "Undo Last Save", [&] { undone = UndoLastSave(session.romPath); }))
+    if (Run(session, "Undo Last Save", [&] { undone = UndoLastSave(session.romPath, session.OffsetFile()); }))
         session.prompter.Message(Icon::Information, "Undone: " + Describe(undone), "Undo Last Save");
 }
 
 void RedoSaveCommand(Session& session) {
     if (!NeedRom(session) || !ConfirmStep(session, false)) return;
     HistoryEntry redone;
-    if (Run(session, "Redo", [&] { redone = RedoSave(session.romPath); }))
+    if (Run(session, "Redo", [&] { redone = RedoSave(session.romPath, session.OffsetFile()); }))
         session.prompter.Message(Icon::Information, "Redone: " + Describe(redone), "Redo");
 }
 
 bool GoBackCommand(Session& session, std::uint64_t number) {
     if (!NeedRom(session)) return false;
-    return Run(session, "History", [&] { GoBackTo(session.romPath, number); });
+    return Run(session, "History", [&] { GoBackTo(session.romPath, session.OffsetFile(), number); });
 }
 
 void CreatePatchCommand(Session& session) {

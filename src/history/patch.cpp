@@ -345,21 +345,31 @@ void RefuseOverwritingAnInput(const std::filesystem::path& out, std::initializer
             throw FileError("'" + out.string() + "' is also an input of this command; choose another file to write.");
 }
 
+// A file read whole, refused before anything is allocated for it when it is
+// larger than `cap`.
+std::string ReadAtMost(const std::filesystem::path& path, std::uint64_t cap, std::string_view what) {
+    if (io::FileSize(path) > cap)
+        throw PatchError("'" + path.filename().string() + "' is larger than " + std::to_string(cap >> 20) + " MiB, " +
+                         std::string(what) + "; it was not read.");
+    return io::ReadAll(path);
+}
+constexpr std::string_view kNoImage = "more than a cartridge holds", kNoPatch = "more than any patch for a cartridge";
+
 }  // namespace
 
 void CreatePatchFile(const std::filesystem::path& original, const std::filesystem::path& modified,
                      const std::filesystem::path& out) {
     RefuseOverwritingAnInput(out, {original, modified});
-    const std::string source = io::ReadAll(original);
-    const std::string target = io::ReadAll(modified);
+    const std::string source = ReadAtMost(original, kLargestTarget, kNoImage);
+    const std::string target = ReadAtMost(modified, kLargestTarget, kNoImage);
     io::ReplaceFile(out, CreateBps(source, target));
 }
 
 PatchFormat ApplyPatchFile(const std::filesystem::path& rom, const std::filesystem::path& patch,
                            const std::filesystem::path& out) {
     RefuseOverwritingAnInput(out, {rom, patch});
-    const std::string source = io::ReadAll(rom);
-    const std::string bytes = io::ReadAll(patch);
+    const std::string source = ReadAtMost(rom, kLargestTarget, kNoImage);
+    const std::string bytes = ReadAtMost(patch, 2 * kLargestTarget, kNoPatch);
     const PatchFormat format = DetectPatchFormat(bytes);
     io::ReplaceFile(out, ApplyPatch(source, bytes));
     return format;

@@ -2,6 +2,7 @@
 
 #include "core/file_io.h"
 #include "store/journal.h"
+#include "store/trust.h"
 
 #include <quillon/errors.h>
 
@@ -100,6 +101,8 @@ fs::path EntryPath(const fs::path& folder, std::uint64_t number, std::int64_t wh
 }
 
 WritePlan ReadEntry(const HistoryEntry& e, const fs::path& rom) {
+    if (auto why = UntrustedEntry(rom, e.file))
+        throw PlanRefused("History entry " + std::to_string(e.number) + " cannot be used: " + *why + ".");
     std::optional<WritePlan> plan;
     try {
         plan = ReadJournal(e.file, rom);
@@ -134,7 +137,7 @@ HistoryListing ListHistory(const fs::path& rom) {
 }
 
 void KeepJournal(const WritePlan& plan, const fs::path& journal) {
-    if (plan.kind == WriteKind::Change) {
+    if (plan.kind == WriteKind::Change && !UntrustedHistoryFolder(plan.rom)) {
         try {
             const fs::path folder = HistoryFolder(plan.rom);
             fs::create_directories(folder);

@@ -5,6 +5,7 @@
 #include "store/disk_check.h"
 #include "store/journal.h"
 #include "store/rom_lock.h"
+#include "store/trust.h"
 #include "store/writer.h"
 
 #include <quillon/errors.h>
@@ -13,31 +14,7 @@
 #include <optional>
 
 namespace quillon {
-namespace {
-
-std::optional<std::string> Untrusted(const WritePlan& plan, const std::filesystem::path& rom) {
-    std::error_code ec;
-    if (!std::filesystem::equivalent(plan.rom, rom, ec)) return "it names another ROM";
-    if (plan.offsetFile) {
-        const auto status = std::filesystem::symlink_status(*plan.offsetFile, ec);
-        if (std::filesystem::is_symlink(status)) return "its offset file is a link";
-        if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-            return "its offset file is no plain file";
-        std::string ext = plan.offsetFile->extension().string();
-        for (char& c : ext) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
-        if (ext != ".ini") return "its offset file is no INI file";
-    }
-    try {
-        CheckShape(plan);
-    } catch (const PlanRefused& e) {
-        return std::string(e.what());
-    }
-    return std::nullopt;
-}
-
-}  // namespace
-
-Recovery RecoverPending(const std::filesystem::path& rom) {
+Recovery RecoverPending(const std::filesystem::path& rom, const std::filesystem::path& offsetFile) {
     const auto journal = JournalPath(rom);
     std::error_code ec;
     if (!std::filesystem::exists(std::filesystem::symlink_status(journal, ec))) return {};
@@ -61,10 +38,9 @@ Recovery RecoverPending(const std::filesystem::path& rom) {
         refused.reason = "The journal '" + journal.string() + "' is damaged or incomplete, so it cannot be replayed.";
         return refused;
     }
-    // A journal is data, not orders: it may name only this ROM and an offset
-    // file that is a plain INI file (no link, no folder), and its ranges pass
-    // the guards of a new save.
-    if (auto why = Untrusted(*plan, rom)) {
+    // A journal is data, not orders: it may name only this ROM's offset file,
+    // and its ranges pass the guards of a new save.
+    if (auto why = Untrusted(*plan, rom, offsetFile)) {
         refused.reason = "The journal '" + journal.string() + "' is not one Quillon wrote for this ROM: " + *why;
         return refused;
     }

@@ -21,8 +21,10 @@ struct Recovery {
     std::string reason;
 };
 
-// Replays a pending journal for `rom`, if any. Never changes the ROM's length.
-// Throws FileError when a write of the replay fails (the journal stays).
-[[nodiscard]] Recovery RecoverPending(const std::filesystem::path& rom);
+// Replays a pending journal for `rom`, if any; a journal that names another
+// offset file than `offsetFile` (the ROM's own) is refused. Never changes the
+// ROM's length. Throws FileError when a write of the replay fails (the journal
+// stays).
+[[nodiscard]] Recovery RecoverPending(const std::filesystem::path& rom, const std::filesystem::path& offsetFile);
 
 }  // namespace quillon

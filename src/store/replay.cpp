@@ -3,6 +3,7 @@
 #include "core/file_io.h"
 #include "core/hex_text.h"
 #include "store/disk_check.h"
+#include "store/trust.h"
 #include "store/writer.h"
 
 #include <quillon/errors.h>
@@ -94,7 +95,7 @@ HistoryScan UsableScan(const fs::path& rom) {
 }
 
 // Undoes the newest applied entry, or redoes the oldest undone one.
-HistoryEntry Step(const fs::path& rom, bool undo) {
+HistoryEntry Step(const fs::path& rom, const fs::path& offsetFile, bool undo) {
     HistoryScan scan = UsableScan(rom);
     auto applied = [](const HistoryEntry& e) { return !e.undone; };
     auto undone = [](const HistoryEntry& e) { return e.undone; };
@@ -104,6 +105,11 @@ HistoryEntry Step(const fs::path& rom, bool undo) {
         throw PlanRefused(undo ? "There is no save to undo." : "There is no undone save to redo.");
     HistoryEntry entry = undo ? *newestApplied : *oldestUndone;
     const WritePlan saved = ReadEntry(entry, rom);
+    // An entry is data, not orders: checked like a pending journal before
+    // anything is read from the places it names or written.
+    if (auto why = Untrusted(saved, rom, offsetFile))
+        throw PlanRefused("History entry " + std::to_string(entry.number) + " is not one Quillon wrote for this ROM: " +
+                          *why + ". Nothing was changed.");
     Replay(undo ? Reversed(saved, rom, "Undo Last Save") : Forward(saved, rom, "Redo"), entry,
            EntryPath(HistoryFolder(rom), entry.number, entry.when, undo), undo ? "undone" : "redone");
     entry.command = saved.command;
@@ -114,16 +120,16 @@ HistoryEntry Step(const fs::path& rom, bool undo) {
 
 }  // namespace
 
-HistoryEntry UndoLastSave(const fs::path& rom) { return Step(rom, true); }
+HistoryEntry UndoLastSave(const fs::path& rom, const fs::path& offsetFile) { return Step(rom, offsetFile, true); }
 
-HistoryEntry RedoSave(const fs::path& rom) { return Step(rom, false); }
+HistoryEntry RedoSave(const fs::path& rom, const fs::path& offsetFile) { return Step(rom, offsetFile, false); }
 
-void GoBackTo(const fs::path& rom, std::uint64_t number) {
+void GoBackTo(const fs::path& rom, const fs::path& offsetFile, std::uint64_t number) {
     for (;;) {
         HistoryScan scan = UsableScan(rom);
         auto it = std::find_if(scan.entries.rbegin(), scan.entries.rend(), [](const auto& e) { return !e.undone; });
         if (it == scan.entries.rend() || it->number < number) return;
-        if (UndoLastSave(rom).number == number) return;
+        if (UndoLastSave(rom, offsetFile).number == number) return;
     }
 }
 

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cctype>
 #include <csetjmp>
+#include <cstdlib>
 #include <iterator>
 #include <memory>
 #include <unordered_set>
@@ -220,6 +221,57 @@ std::vector<Part> SplitAtEntries(std::string text) {
     return parts;
 }
 
+// The library ends a string at an escape that stands for a zero byte ("\0",
+// "\x00"), which would silently cut a translation. Such escapes in the lines
+// of strings become kNulMark, two bytes no UTF-8 text holds, and the marks
+// are turned back into zero bytes once read, so the import refuses the text
+// by name. True when there was one.
+constexpr std::string_view kNulMark = "\\377\\376", kNulBytes = "\xFF\xFE";
+
+bool MarkNulEscapes(std::string& text) {
+    bool marked = false;
+    for (std::size_t line = 0; line < text.size();) {
+        std::size_t end = text.find('\n', line);
+        if (end == std::string::npos) end = text.size();
+        std::size_t at = text.find_first_not_of(" \t", line);
+        if (at < end && (text[at] == '"' || text[at] == 'm')) {
+            for (at = text.find('\\', at); at < end; at = text.find('\\', at)) {
+                std::size_t next = at + 1;
+                unsigned value = 1;
+                if (next < end && text[next] >= '0' && text[next] <= '7') {
+                    value = 0;
+                    for (int n = 0; n < 3 && next < end && text[next] >= '0' && text[next] <= '7'; ++n)
+                        value = value * 8 + static_cast<unsigned>(text[next++] - '0');
+                } else if (next + 1 < end && text[next] == 'x' &&
+                           std::isxdigit(static_cast<unsigned char>(text[next + 1]))) {
+                    value = 0;
+                    for (++next; next < end && std::isxdigit(static_cast<unsigned char>(text[next])); ++next) {
+                        const char d = text[next];
+                        value = (value * 16 + static_cast<unsigned>(d <= '9' ? d - '0' : (d | 0x20) - 'a' + 10)) & 0xFF;
+                    }
+                } else {
+                    next = std::min(next + 1, end);  // "\\", "\"" and the other escapes
+                }
+                if ((value & 0xFF) != 0) {
+                    at = next;
+                    continue;
+                }
+                text.replace(at, next - at, kNulMark);
+                end += kNulMark.size() - (next - at);
+                at += kNulMark.size();
+                marked = true;
+            }
+        }
+        line = end + 1;
+    }
+    return marked;
+}
+
+void UnmarkNuls(std::string& str) {
+    for (std::size_t at = str.find(kNulBytes); at != std::string::npos; at = str.find(kNulBytes, at + 1))
+        str.replace(at, kNulBytes.size(), 1, '\0');
+}
+
 // The header's fields in order. libgettextpo converts a file declared as
 // UTF-8 (or ASCII) through iconv one character at a time, which makes reading
 // about three times slower; it reads a file declared with the template
@@ -299,13 +351,17 @@ PoCatalog ReadPo(const std::filesystem::path& path) {
 
 void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalog)>& take) {
     std::error_code ec;
+    if (std::filesystem::is_directory(path, ec))
+        throw PoError("'" + path.string() + "' is a folder, not a PO file.");
     if (!std::filesystem::is_regular_file(path, ec)) throw PoError("The PO file '" + path.string() + "' does not exist.");
     std::string text = io::ReadAll(path);
     const DeclaredCharset charset = FindCharset(text);
     if (!charset.name.empty()) CheckCharset(charset.name);
     std::string declared;
     std::vector<Part> parts;
+    bool nuls = false;
     if (MemoryFile probe; probe.Usable()) {
+        nuls = MarkNulEscapes(text);
         if (!charset.name.empty() && Lower(charset.name) != "charset") {
             text.replace(charset.at, charset.name.size(), "CHARSET");
             declared = charset.name;
@@ -331,7 +387,12 @@ void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalo
                           (scope.complaints.first.empty() ? path.string() : scope.complaints.first));
 
         PoCatalog catalog;
-        if (p == 0) catalog.header = HeaderFields(po_file_domain_header(file.get(), nullptr), declared);
+        if (p == 0) {
+            // The library hands out a copy of the header, which the caller frees.
+            const std::unique_ptr<const char, void (*)(const char*)> header(
+                po_file_domain_header(file.get(), nullptr), [](const char* h) { std::free(const_cast<char*>(h)); });
+            catalog.header = HeaderFields(header.get(), declared);
+        }
         for (const char* const* domain = po_file_domains(file.get()); *domain; ++domain) {
             po_message_iterator_t it = po_message_iterator(file.get(), *domain);
             while (po_message_t m = po_next_message(it)) {
@@ -343,9 +404,13 @@ void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalo
                     throw PoError("The PO file could not be read: " + path.string() +
                                   ": duplicate message definition of \"" + (context ? context : "") + "\" \"" + id + "\"");
                 }
+                // The library joins a message's comments into a new string,
+                // which the caller frees; without comments it hands out "".
                 const char* comments = po_message_extracted_comments(m);
                 catalog.messages.push_back({context ? context : "", id, po_message_msgstr(m),
                                             comments ? comments : "", po_message_is_fuzzy(m) != 0});
+                if (comments && *comments) std::free(const_cast<char*>(comments));
+                if (nuls) UnmarkNuls(catalog.messages.back().str);
             }
             po_message_iterator_free(it);
         }

@@ -84,6 +84,7 @@ std::string Unwritable(std::string_view text) {
             i += 2;
             continue;
         }
+        if (c == '\0') return "it holds a zero byte (\\0), which would end the text there";
         const auto [cp, length] = CodePointAt(text, i);
         if (cp > 0x10FFFF) return "it holds a byte that is not UTF-8";
         if (cp != U' ' && codec::EncodeChar(cp) == 0x00)
@@ -182,6 +183,9 @@ std::string FromPoText(std::string_view poText) {
 Encoded EncodeForImport(std::string_view editorText, bool specialDialog) {
     if (std::string why = Unwritable(editorText); !why.empty()) return {{}, why};
     std::string bytes = codec::EncodeBytes(editorText, specialDialog);
+    if (bytes.size() > static_cast<std::size_t>(kMaxTextBytes))
+        return {{}, "it is " + std::to_string(bytes.size()) + " bytes long; a text may be at most " +
+                        std::to_string(kMaxTextBytes) + " bytes"};
     if (bytes.find('\xFF') != std::string::npos) return {{}, "it holds an end-of-text byte (FF) inside"};
     if (DecodeText(bytes, false) != editorText)
         return {{}, "its bytes would not read back as written (the game's table cannot reproduce it)"};

@@ -232,6 +232,11 @@ TEST_F(App, DeletingATextOrASectionRebuildsTheTree) {
     w.session.tree.Select(0);
     DeleteOffset(w.session);
     EXPECT_EQ(w.user.Take().back(), Msg(Icon::Critical, "Error: Could not delete the Section!"));
+    AddOffsetForm form(w.session);  // adding says why it could not
+    form.sectionName = "Lab", form.textName = "New", form.offsetDecimal = "1048576";
+    EXPECT_FALSE(form.Add());
+    EXPECT_EQ(w.user.Take().back().text, "Error: Could not add the Entry!\r\n'" + w.OffsetFile().string() +
+                                             "' is write-protected. Nothing was written.");
     EXPECT_EQ(w.session.tree.Nodes().size(), 2u);
     EXPECT_EQ(ReadFile(w.OffsetFile()), "[Lab]\r\nOak=100020\r\n");
 }

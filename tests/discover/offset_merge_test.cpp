@@ -115,11 +115,13 @@ TEST(FindTextsInRom, AddsTheTextsAfterYesOnlyAndRebuildsTheTree) {
     EXPECT_EQ(test::ReadFile(w.OffsetFile()), created);
     EXPECT_TRUE(w.session.tree.Nodes().empty());
 
+    // An entry added while the question is open stays beside the found texts.
     w.user.Yes();
+    w.user.atNextQuestion = [&] { test::WriteFile(w.OffsetFile(), created + "\r\n[Mine]\r\nKept=180001\r\n"); };
     EXPECT_TRUE(FindTextsInRom(w.session, quiet));
     std::vector<std::string> nodes;
     for (const auto& n : w.session.tree.Nodes()) nodes.push_back(n.text);
-    EXPECT_EQ(nodes, (std::vector<std::string>{"Texts 180000-18FFFF", "Hello there.", "Good day!"}));
+    EXPECT_EQ(nodes, (std::vector<std::string>{"Mine", "Kept", "Texts 180000-18FFFF", "Good day!"}));
 
     // A second scan finds nothing new and says so.
     const std::string file = test::ReadFile(w.OffsetFile());

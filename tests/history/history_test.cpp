@@ -8,6 +8,7 @@
 #include "fit/fit_settings.h"
 #include "history/history_commands.h"
 #include "history/patch.h"
+#include "store/journal.h"
 #include "store/recovery.h"
 #include "store/replay.h"
 #include "store/writer.h"
@@ -145,7 +146,7 @@ TEST_F(History, UndoNamesEveryChangedRangeAndChangesNothing) {
     Write(0x3000, "ijkl");
     PatchFile(rom, 0x3001, "X");
     const State before = Now();
-    EXPECT_THAT([&] { (void)UndoLastSave(rom); }, ThrowsMessage<ChangedOnDisk>(HasSubstr("0x3000-0x3003")));
+    EXPECT_THAT([&] { (void)UndoLastSave(rom, ini); }, ThrowsMessage<ChangedOnDisk>(HasSubstr("0x3000-0x3003")));
     EXPECT_EQ(Now(), before);
     EXPECT_FALSE(ListHistory(rom).entries.front().undone);
 }
@@ -154,9 +155,9 @@ TEST_F(History, AnUndoCutAtAnyWriteLeavesTheStateBeforeOrAfterIt) {
     Write(0x1000, "abcd");
     Write(0x2000, std::string(300, 'z'));
     const State saved = Now();
-    (void)UndoLastSave(rom);
+    (void)UndoLastSave(rom, ini);
     const State undone = Now();
-    (void)RedoSave(rom);
+    (void)RedoSave(rom, ini);
 
     // Cut after none, the journal, the range: the offset file is the last write.
     int writes = 0;
@@ -164,19 +165,19 @@ TEST_F(History, AnUndoCutAtAnyWriteLeavesTheStateBeforeOrAfterIt) {
         SCOPED_TRACE(writes);
         try {
             io::ScopedWriteHook cut(io::StopAfterWrites(writes));
-            (void)UndoLastSave(rom);
+            (void)UndoLastSave(rom, ini);
             cutOff = false;
         } catch (const std::exception&) {
         }
-        ASSERT_NE(RecoverPending(rom).outcome, RecoveryOutcome::Refused);  // as the next opening does
+        ASSERT_NE(RecoverPending(rom, ini).outcome, RecoveryOutcome::Refused);  // as the next opening does
         const State left = Now();
         ASSERT_TRUE(left == saved || left == undone);
         // The history agrees with the files: one more step reaches the other state.
         if (left == saved) {
-            (void)UndoLastSave(rom);
+            (void)UndoLastSave(rom, ini);
             EXPECT_EQ(Now(), undone);
         }
-        (void)RedoSave(rom);
+        (void)RedoSave(rom, ini);
         EXPECT_EQ(Now(), saved);
     }
     EXPECT_EQ(writes, 4);
@@ -208,6 +209,66 @@ TEST_F(History, AMissingOrDamagedFolderShowsAnEmptyHistoryWithTheReasonAndSavesG
     }
 }
 
+// An entry is data, not orders: one naming a file that is not this ROM's
+// offset file, a range a new save could not write, or lying behind a link is
+// refused on undo and on redo, and nothing is written anywhere.
+TEST_F(History, ACraftedEntryOfEachKindIsRefusedWithItsReasonAndWritesNothing) {
+    const auto dir = w.dir.path(), folder = HistoryFolder(rom);
+    const std::uint64_t size = io::FileSize(rom);
+    const std::string at = ReadFile(rom).substr(0x4000, 2);
+    const WritePlan base{"Save Text", "", rom, size, {{0x4000, at, "zz"}}, {}, {}, {}};
+    WriteFile(dir / "other.ini", "[Keep]\r\n");
+    std::filesystem::create_directories(dir / "elsewhere");
+    std::filesystem::create_symlink(dir / "elsewhere", dir / "ini-link");
+    WriteFile(dir / "elsewhere" / "QLNE.ini", "[Keep]\r\n");
+    auto withFile = [&](std::filesystem::path file) {
+        WritePlan p = base;
+        p.offsetFile = std::move(file);
+        p.offsetBefore = "[Keep]\r\n";
+        p.offsetAfter = "[Gone]\r\n";
+        return p;
+    };
+    auto withRange = [&](std::uint64_t offset) {
+        WritePlan p = base;
+        p.romWrites = {{offset, "ab", "cd"}};
+        return p;
+    };
+    enum class Place { Entry, LinkedEntry, LinkedFolder };
+    const struct Case {
+        const char* name;
+        WritePlan plan;
+        Place place;
+        const char* reason;
+    } cases[] = {
+        {"another_file", withFile(dir / "other.ini"), Place::Entry, "not this ROM's offset file"},
+        {"through_a_link", withFile(dir / "ini-link" / "QLNE.ini"), Place::Entry, "not this ROM's offset file"},
+        {"in_the_header", withRange(0x10), Place::Entry, "cartridge header"},
+        {"past_the_end", withRange(size - 1), Place::Entry, "past the end"},
+        {"entry_is_a_link", base, Place::LinkedEntry, "is a link"},
+        {"folder_is_a_link", base, Place::LinkedFolder, "is a link"},
+    };
+    const State before = Now();
+    for (const Case& c : cases)
+        for (const bool undo : {true, false}) {
+            SCOPED_TRACE(std::string(c.name) + (undo ? " undo" : " redo"));
+            std::filesystem::remove_all(folder);
+            std::filesystem::remove_all(dir / "outside");
+            std::filesystem::create_directories(dir / "outside");
+            const auto entry = EntryPath(c.place == Place::LinkedFolder ? dir / "outside" : folder, 1, 0, !undo);
+            if (c.place == Place::LinkedFolder)
+                std::filesystem::create_directory_symlink(dir / "outside", folder);
+            else
+                std::filesystem::create_directories(folder);
+            if (c.place == Place::LinkedEntry) std::filesystem::create_symlink(dir / "outside" / "1.journal", entry);
+            WriteFile(c.place == Place::LinkedEntry ? dir / "outside" / "1.journal" : entry, JournalText(c.plan));
+            EXPECT_THAT([&] { (void)(undo ? UndoLastSave(rom, ini) : RedoSave(rom, ini)); },
+                        ThrowsMessage<PlanRefused>(HasSubstr(c.reason)));
+            EXPECT_EQ(Now(), before);
+            EXPECT_EQ(ReadFile(dir / "other.ini"), "[Keep]\r\n");
+            EXPECT_EQ(ReadFile(dir / "elsewhere" / "QLNE.ini"), "[Keep]\r\n");
+        }
+}
+
 TEST_F(History, TheOldestEntriesGoFirstWhenTheLimitIsReached) {
     for (int k = 0; k < 6; ++k) Write(0x1000 + 0x800 * k, std::string(512, static_cast<char>('a' + k)));
     auto listing = ListHistory(rom);
@@ -228,7 +289,7 @@ TEST_F(History, TheOldestEntriesGoFirstWhenTheLimitIsReached) {
     listing = ListHistory(rom);
     EXPECT_TRUE(listing.entries.empty());
     EXPECT_EQ(listing.limit, 1u);
-    EXPECT_THROW((void)UndoLastSave(rom), PlanRefused);
+    EXPECT_THROW((void)UndoLastSave(rom, ini), PlanRefused);
 }
 
 }  // namespace

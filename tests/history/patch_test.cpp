@@ -2,6 +2,9 @@
 // the format's public description; damaged or foreign patches are refused;
 // IPS patches built by hand apply as that format defines.
 #include "history/patch.h"
+#include "support/temp_dir.h"
+
+#include <quillon/errors.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -152,6 +155,21 @@ TEST(IpsApply, RecordsRunsEofAndTruncation) {
         if (c.result.empty()) { EXPECT_THROW(ApplyPatch("0123456789", c.patch), PatchError); }
         else { EXPECT_EQ(ApplyPatch("0123456789", c.patch), c.result); }
     }
+}
+
+// Files are refused before they are read: one larger than a cartridge, and a
+// result that would replace one of the inputs.
+TEST(PatchFiles, RefusesAnOversizedInputAndAnOutputThatIsAnInput) {
+    test::TempDir dir;
+    const auto rom = dir / "big.gba", patch = dir / "p.ips", out = dir / "out.gba";
+    test::WriteFile(patch, "PATCHEOF");
+    test::WriteFile(rom, "");
+    std::filesystem::resize_file(rom, (32u << 20) + 1);  // sparse: takes no room
+    EXPECT_THAT([&] { ApplyPatchFile(rom, patch, out); }, ThrowsMessage<PatchError>(HasSubstr("larger than 32 MiB")));
+    std::filesystem::resize_file(rom, 16);
+    EXPECT_THAT([&] { ApplyPatchFile(rom, patch, patch); }, ThrowsMessage<FileError>(HasSubstr("is also an input")));
+    EXPECT_FALSE(std::filesystem::exists(out));
+    EXPECT_EQ(test::ReadFile(patch), "PATCHEOF");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Import of a translated PO file: what is planned, what is refused, what
 // lands in the ROM and the offset file, and what a cut-off write leaves.
+#include "core/codec/text_bytes.h"
 #include "core/file_io.h"
 #include "support/progress_recorder.h"
 #include "support/translation_game.h"
@@ -147,9 +148,9 @@ TEST_F(ImportKinds, EachKindWritesWhatASaveWouldWrite) {
 
 TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
     WriteFile(s.offsets, "[A]\r\nSame=100000\r\nShort=100010\r\nMove=100030\r\nYo=100050\r\nLow=F0000\r\n"
-                         "Head=20\r\nPast=900000\r\nGrow=100020\r\nInside=100021\r\n");
+                         "Head=20\r\nPast=900000\r\nGrow=100020\r\nInside=100021\r\nZero=100060\r\nLong=100070\r\n");
     std::string rom = ReadFile(s.rom);
-    rom.replace(0xF0000, 4, Stored("Low"));
+    rom.replace(0xF0000, 4, Stored("Low")).replace(0x100060, 3, Stored("Zz")).replace(0x100070, 3, Stored("Lo"));
     std::string withoutPointers = rom;
     withoutPointers.replace(0x50000, 4, "\x01\x01\x01\x01").replace(0x60001, 4, "\x01\x01\x01\x01");
     WriteFile(s.rom, withoutPointers);
@@ -162,7 +163,11 @@ TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
         Translated("A/Head", "x"), Translated("A/Past", "x"), Translated("A/Nobody", "x"),
         {"A/Fuzzy", "-", "fuzzy text", {}, true}, Translated("A/Empty", ""),
         Translated("A/Grow", "Ho"), Translated("A/Inside", "x"),  // the second text's bytes are the first's
+        Translated("A/Zero", "Cut ZERO here"), Translated("A/Long", std::string(kMaxTextBytes + 1, 'a')),
     });
+    std::string po = ReadFile(s.po);  // the library would end the string at the \0
+    po.replace(po.find("ZERO"), 4, "\\0");
+    WriteFile(s.po, po);
 
     const ImportPlan plan = s.Plan();
     const std::map<std::string, std::string> expected = {
@@ -174,6 +179,7 @@ TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
         {"A/Head", "lies in the cartridge header"}, {"A/Past", "lies past the end of the ROM"},
         {"A/Nobody", "the offset file has no entry of this name"},
         {"A/Inside", "it overlaps another changed text"},
+        {"A/Zero", "it holds a zero byte (\\0)"}, {"A/Long", "10001 bytes long; a text may be at most 10000"},
     };
     ASSERT_EQ(plan.refusals.size(), expected.size()) << DescribePlan(plan);
     for (const auto& r : plan.refusals)
