@@ -210,7 +210,7 @@ struct RomSide {
     std::string code;
     char freeByte;
     std::vector<EntryText> texts;  // point into `entries`
-    // Read first when the texts are reflowed; else while the PO file is read.
+    // Read first when the texts are reflowed; else beside the PO file's reading.
     std::shared_ptr<const game::GameModel> model;
     fit::FontResult font;
     fit::TextBoxes boxes;
@@ -220,19 +220,27 @@ struct RomSide {
 
 // What moved texts need: the game model, which knows every place that holds
 // a text's pointer and its kind, and the free-space runs; and for the
-// widths of the new texts, the font and the box of every text.
+// widths of the new texts, the font and the box of every text. Without a
+// font no width is measured, so the model is read for the references alone.
 struct RomScan {
     RomScan(const RomSide& side, const ImportRequest& request, Progress& progress)
-        : model(side.model ? *side.model : game::GameModel::Read(side.image)),
-          freeSpace(side.image, side.freeByte,
+        : freeSpace(side.image, side.freeByte,
                     std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1),
                                             kLowestPointable),
-                    std::uint64_t{HighestPointable(side.image.size())} + 1, progress),
-          font(side.model ? side.font : fit::LocateFont(side.image, request.fit.named, model.Pointers())),
-          boxes(side.model ? side.boxes : fit::TextBoxes::Read(side.image, model)) {}
+                    std::uint64_t{HighestPointable(side.image.size())} + 1, progress) {
+        if (side.model) {
+            model = side.model, font = side.font, boxes = side.boxes;
+            return;
+        }
+        game::PointerIndex pointers(side.image);
+        font = fit::LocateFont(side.image, request.fit.named, pointers);
+        model = std::make_shared<const game::GameModel>(game::GameModel::Read(
+            side.image, font.font ? game::ModelParts::All : game::ModelParts::References, std::move(pointers)));
+        if (font.font) boxes = fit::TextBoxes::Read(side.image, *model);
+    }
 
-    game::GameModel model;
     FreeSpace freeSpace;
+    std::shared_ptr<const game::GameModel> model;
     fit::FontResult font;
     fit::TextBoxes boxes;
 };
@@ -291,17 +299,14 @@ Translated Translate(const PoMessage& message, const RomSide& side, const Import
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     // The PO file is read on a second thread, part by part, while the ROM's
     // side is prepared; each part read is worked out here while the next is
-    // read. Done reading, that thread scans the image for what moved texts
-    // need. A PO file that cannot be read is reported first, as when read first.
-    std::unique_ptr<RomSide> side;          // outlives the reading thread, which scans it
-    std::promise<const RomSide*> prepared;  // null when it could not be made
-    std::promise<RomScan> scanning;
-    std::future<RomScan> scanned = scanning.get_future();
+    // read. A third thread scans the image for what moved texts need as soon
+    // as the image is in memory. A PO file that cannot be read is reported
+    // first, as when read first.
+    std::unique_ptr<RomSide> side;  // outlives the scanning thread
     LeftoversPromise leftovers;
     PartQueue parts;
-    const std::future<void> reading = std::async(
-        std::launch::async, [&request, &parts, &scanning, ready = prepared.get_future(),
-                             released = leftovers.get_future()]() mutable {
+    const std::future<void> reading =
+        std::async(std::launch::async, [&request, &parts, released = leftovers.get_future()]() mutable {
             try {
                 ReadPo(request.po, [&parts](PoCatalog part) { parts.Put(std::move(part)); });
                 parts.Finish(nullptr);
@@ -309,27 +314,20 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                 parts.Finish(std::current_exception());
                 return;  // the plan stops at the error
             }
-            try {
-                NoProgress quiet;  // progress is shown on the planning thread
-                const RomSide* rom = ready.get();
-                if (!rom) return;
-                scanning.set_value(RomScan(*rom, request, quiet));
-            } catch (...) {
-                scanning.set_exception(std::current_exception());
-                return;
-            }
             released.get();  // freed here
         });
     HandOver handOver(leftovers);  // before the reading thread is waited for
     try {
         side = std::make_unique<RomSide>(request, progress);
     } catch (...) {
-        prepared.set_value(nullptr);
         while (parts.Next()) {
         }
         throw;
     }
-    prepared.set_value(side.get());
+    std::future<RomScan> scanned = std::async(std::launch::async, [&request, rom = side.get()] {
+        NoProgress quiet;  // progress is shown on the planning thread
+        return RomScan(*rom, request, quiet);
+    });
     const std::string_view image = side->image;
     const std::string& code = side->code;
     const std::vector<EntryText>& texts = side->texts;
@@ -435,7 +433,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         ProgressStage stage(progress, "Finding the pointers", 0);
         return scanned.get();
     }();
-    const game::GameModel& model = scan.model;
+    const game::GameModel& model = *scan.model;
     FreeSpace& space = scan.freeSpace;
 
     // The new texts' widths, each against its box.
