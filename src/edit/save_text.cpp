@@ -6,6 +6,7 @@
 #include "edit/name_edit.h"
 #include "core/file_io.h"
 #include "core/ini_document.h"
+#include "repoint/model_cache.h"
 #include "repoint/repoint_choice.h"
 #include "edit/free_space.h"
 #include "edit/pointer_scan.h"
@@ -143,7 +144,11 @@ Step Repoint(Session& session, std::int32_t newLength) {
     }
     const std::string oldPointer = HexToBytes(WidePointerHex(static_cast<std::uint32_t>(oldOffset)));
     const std::string newPointer = HexToBytes(WidePointerHex(static_cast<std::uint32_t>(newOffset)));
-    std::vector<BytesAt> blocks = ScanPointerRewrites(session.romPath, oldPointer, newPointer);
+    // The places come from the game model's index, which the choice below
+    // asks for the places' kinds anyway: a look-up instead of a pass.
+    const auto model = repoint::ModelOf(session.romPath);
+    std::vector<BytesAt> blocks = PointerRewritesAt(
+        session.romPath, model->Pointers().PlacesOf(static_cast<std::uint32_t>(oldOffset)), oldPointer, newPointer);
     if (!ChooseRewrites(session, static_cast<std::uint32_t>(oldOffset), blocks)) return Step::Stop;
     if (blocks.empty()) {
         session.prompter.Message(Icon::Critical, "The text pointer wasn't found!\r\nThe text can't be edited!");
