@@ -6,6 +6,7 @@
 #include "fit/measure.h"
 #include "fit/reflow.h"
 #include "game/game_model.h"
+#include "repoint/model_cache.h"
 #include "repoint/rewrites.h"
 #include "translate/offset_entries.h"
 #include "translate/po_file.h"
@@ -183,15 +184,18 @@ std::size_t ImportPlan::Count(ImportKind kind) const {
 // and the texts' boxes. It is made while the PO file is read.
 struct RomSide {
     RomSide(const ImportRequest& request, Progress& progress)
-        : rom(request.rom),
+        : stamp(io::FileStamp::Of(request.rom)),
+          rom(request.rom),
           image(rom.View()),
           offsetText(io::ReadAll(request.offsetFile)),
           entries(ReadOffsetEntries(offsetText)),
           code(image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string_view()),
           freeByte(FreeRun(code, 1)[0]),
           texts(LoadEntryTexts(image, entries, freeByte, progress)) {
+        if (stamp != io::FileStamp::Of(request.rom)) stamp.reset();  // changed while it was read
         if (request.reflow) {
-            model = std::make_shared<const game::GameModel>(game::GameModel::Read(image));
+            model = stamp ? repoint::ModelOf(*stamp, image)
+                          : std::make_shared<const game::GameModel>(game::GameModel::Read(image));
             font = fit::LocateFont(image, request.fit.named, model->Pointers());
             boxes = fit::TextBoxes::Read(image, *model);
         }
@@ -203,6 +207,7 @@ struct RomSide {
         }
     }
 
+    std::optional<io::FileStamp> stamp;  // of the file as `image` holds it; nothing when unknown
     io::FileCopy rom;
     std::string_view image;
     std::string offsetText;
@@ -220,8 +225,9 @@ struct RomSide {
 
 // What moved texts need: the game model, which knows every place that holds
 // a text's pointer and its kind, and the free-space runs; and for the
-// widths of the new texts, the font and the box of every text. Without a
-// font no width is measured, so the model is read for the references alone.
+// widths of the new texts, the font and the box of every text. A model kept
+// for the file as it was read serves as it is; else it is read here, for the
+// references alone when no font is found, as no width is measured then.
 struct RomScan {
     RomScan(const RomSide& side, const ImportRequest& request, Progress& progress)
         : freeSpace(side.image, side.freeByte,
@@ -232,10 +238,12 @@ struct RomScan {
             model = side.model, font = side.font, boxes = side.boxes;
             return;
         }
-        game::PointerIndex pointers(side.image);
-        font = fit::LocateFont(side.image, request.fit.named, pointers);
-        model = std::make_shared<const game::GameModel>(game::GameModel::Read(
-            side.image, font.font ? game::ModelParts::All : game::ModelParts::References, std::move(pointers)));
+        model = side.stamp ? repoint::KeptModel(*side.stamp) : nullptr;
+        game::PointerIndex pointers = model ? game::PointerIndex() : game::PointerIndex(side.image);
+        font = fit::LocateFont(side.image, request.fit.named, model ? model->Pointers() : pointers);
+        if (!model)
+            model = std::make_shared<const game::GameModel>(game::GameModel::Read(
+                side.image, font.font ? game::ModelParts::All : game::ModelParts::References, std::move(pointers)));
         if (font.font) boxes = fit::TextBoxes::Read(side.image, *model);
     }
 
