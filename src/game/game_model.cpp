@@ -58,7 +58,7 @@ GameModel GameModel::Read(std::string_view image, ModelParts parts, PointerIndex
     m.alignedPointers_.assign(image.size() / 4 + 1, false);
     for (std::uint64_t e : m.index_.Entries())
         if (static_cast<std::uint32_t>(e) % 4 == 0) m.alignedPointers_[static_cast<std::uint32_t>(e) / 4] = true;
-    m.code_ = FindCode(image);
+    m.code_ = FindCode(image, m.index_);
 
     // Maps, their names and their scripts; then every script that a pointer
     // outside program code's instructions leads to and that reads cleanly.
