@@ -1,8 +1,8 @@
-// Save Text with a repoint in a 32 MiB image (free-space search, pointer
-// scan, the places' kinds, journal, write and reload of the text), against
-// one FindBytes pass over that image. The text is shown first as the
-// window shows it, which reads the ROM's fit facts and game model; a second
-// line times the save with that read inside it, as a save right after
+// Save Text with a repoint in a 32 MiB image (free-space search, the places
+// of the old pointer and their kinds, journal, write and reload of the
+// text), against one FindBytes pass over that image. The text is shown first
+// as the window shows it, which reads the ROM's fit facts and game model; a
+// second line times the save with that read inside it, as a save right after
 // another save pays it.
 #include "app/session.h"
 #include "edit/open_rom.h"
