@@ -19,11 +19,12 @@ TEST(PointerRewrites, FromTheIndexedPlacesAsFromAPassOverTheFile) {
     };
     // Files of few byte values, so that matches overlap and rewrites make new ones.
     const Case cases[] = {
-        {std::string("\x05\x01\x02\x08", 4), std::string("\x01\x02\x08\x08", 4)},  // a rewrite ends a match before it
+        {std::string("\x05\x01\x02\x08", 4), std::string("\x01\x02\x08\x08", 4)},  // a rewrite can make a match before it
         {std::string("\x08\x05\x05\x08", 4), std::string("\x05\x08\x05\x08", 4)},  // matches overlap by one byte
-        {std::string("\x05\x08\x05\x08", 4), std::string("\x08\x05\x08\x08", 4)},  // by two, and a rewrite starts one
+        {std::string("\x05\x08\x05\x08", 4), std::string("\x08\x05\x08\x08", 4)},  // by two: a rewrite breaks the next one
     };
     for (const Case& c : cases) {
+        std::size_t rewrites = 0;
         for (std::uint32_t seed = 1; seed <= 20; ++seed) {
             std::mt19937 rng(seed);
             std::string bytes(4096, '\0');
@@ -40,8 +41,10 @@ TEST(PointerRewrites, FromTheIndexedPlacesAsFromAPassOverTheFile) {
                 EXPECT_EQ(b.bytes, c.newPointer);
             }
             EXPECT_EQ(looked, scanned) << "seed " << seed;
-            if (seed == 2) EXPECT_GT(scanned.size(), places.size() / 2);  // the case is not empty
+            if (seed == 1) EXPECT_TRUE(scanned.empty());
+            rewrites += scanned.size();
         }
+        EXPECT_GT(rewrites, 100u);  // the files hold the pointer often enough to test anything
     }
 }
 
