@@ -20,7 +20,8 @@ std::vector<BytesAt> ScanPointerRewrites(const std::filesystem::path& rom, std::
 // the old pointer (the game model's pointer index of the file as it is now).
 // Only the bytes around them are read, so the cost follows the places, not
 // the size of the ROM.
-[[nodiscard]] std::vector<BytesAt> PointerRewritesAt(const std::filesystem::path& rom, const std::vector<std::uint32_t>& places,
+[[nodiscard]] std::vector<BytesAt> PointerRewritesAt(const std::filesystem::path& rom,
+                                                     const std::vector<std::uint32_t>& places,
                                                      std::string_view oldPointer, std::string_view newPointer);
 
 }  // namespace quillon
