@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
+#include <set>
 
 namespace quillon {
 
@@ -39,6 +41,38 @@ std::vector<BytesAt> ScanPointerRewrites(const std::filesystem::path& rom, std::
         cursor = std::max(cursor, dropped) - dropped;
         bufferAt += dropped;
         held = carried;
+    }
+}
+
+std::vector<BytesAt> PointerRewritesAt(const std::filesystem::path& rom, const std::vector<std::uint32_t>& places,
+                                       std::string_view oldPointer, std::string_view newPointer) {
+    std::vector<BytesAt> rewrites;
+    const std::size_t n = oldPointer.size();
+    if (n == 0 || n != newPointer.size() || oldPointer == newPointer) return rewrites;
+    io::InputFile in(rom);
+    // The scan's view of the file: its bytes with the rewrites made so far
+    // laid over them. A match in that view either held the old pointer
+    // before (one of `places`) or overlaps a rewrite; so the places and the
+    // offsets around each rewrite are all that need looking at.
+    std::map<std::uint64_t, char> laid;
+    std::set<std::uint64_t> candidates(places.begin(), places.end());
+    std::string bytes(n, '\0');
+    auto matches = [&](std::uint64_t at) {
+        if (at + n > in.Size() || in.Read(at, bytes.data(), n) != n) return false;
+        for (auto it = laid.lower_bound(at); it != laid.end() && it->first < at + n; ++it) bytes[it->first - at] = it->second;
+        return bytes == oldPointer;
+    };
+    std::uint64_t cursor = 0;
+    for (;;) {
+        auto it = candidates.lower_bound(cursor);
+        while (it != candidates.end() && !matches(*it)) it = candidates.erase(it);
+        if (it == candidates.end()) return rewrites;
+        const std::uint64_t hit = *it;
+        if (hit == 0) return rewrites;  // as the scan, which reads a hit there as no match
+        rewrites.push_back({hit, std::string(newPointer)});
+        for (std::size_t k = 0; k < n; ++k) laid[hit + k] = newPointer[k];
+        for (std::uint64_t at = hit >= n - 1 ? hit - (n - 1) : 0; at < hit + n; ++at) candidates.insert(at);
+        cursor = hit > 0 ? hit - 1 : 0;
     }
 }
 

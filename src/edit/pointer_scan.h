@@ -16,4 +16,12 @@ namespace quillon {
 std::vector<BytesAt> ScanPointerRewrites(const std::filesystem::path& rom, std::string_view oldPointer,
                                            std::string_view newPointer);
 
+// The same rewrites, found from `places`: the offsets where the file holds
+// the old pointer (the game model's pointer index of the file as it is now).
+// Only the bytes around them are read, so the cost follows the places, not
+// the size of the ROM.
+[[nodiscard]] std::vector<BytesAt> PointerRewritesAt(const std::filesystem::path& rom,
+                                                     const std::vector<std::uint32_t>& places,
+                                                     std::string_view oldPointer, std::string_view newPointer);
+
 }  // namespace quillon

@@ -7,6 +7,7 @@
 #include "core/codec/text_bytes.h"
 #include "core/file_io.h"
 #include "core/ini_document.h"
+#include "repoint/model_cache.h"
 #include "repoint/repoint_choice.h"
 #include "edit/free_space.h"
 #include "edit/pointer_scan.h"
@@ -144,8 +145,12 @@ Step Repoint(Session& session, std::int32_t newLength, const GivenAnswers* given
     }
     const std::string oldPointer = HexToBytes(WidePointerHex(static_cast<std::uint32_t>(oldOffset)));
     const std::string newPointer = HexToBytes(WidePointerHex(static_cast<std::uint32_t>(newOffset)));
-    std::vector<BytesAt> blocks = ScanPointerRewrites(session.romPath, oldPointer, newPointer);
+    // The places come from the game model's index, which the choice below
+    // asks for the places' kinds anyway: a look-up instead of a pass.
+    const auto model = repoint::ModelOf(session.romPath);
     const auto old = static_cast<std::uint32_t>(oldOffset);
+    std::vector<BytesAt> blocks =
+        PointerRewritesAt(session.romPath, model->Pointers().PlacesOf(old), oldPointer, newPointer);
     if (given ? !GivenRewrites(session, old, blocks, given->rewrite, given->leaveOthers)
               : !ChooseRewrites(session, old, blocks))
         return Step::Stop;

@@ -19,7 +19,8 @@ std::shared_ptr<const RomFit> FitOf(const std::filesystem::path& rom, std::optio
     if (cached && now && now == stamp && cachedNamed == named) return cached;
     const std::string image = ReadImage(rom);
     auto fit = std::make_shared<RomFit>();
-    const auto model = repoint::ModelOf(rom);
+    // The image read here is the model's too, when the file has a stamp.
+    const auto model = now ? repoint::ModelOf(*now, image) : repoint::ModelOf(rom);
     fit->font = LocateFont(image, named, model->Pointers());
     fit->boxes = TextBoxes::Read(image, *model);
     stamp = now, cachedNamed = named, cached = std::move(fit);

@@ -456,8 +456,9 @@ std::vector<Span> Joined(std::vector<Span> spans) {
 // then what they call, then what lies between them.
 class CodeFinder {
 public:
-    explicit CodeFinder(std::string_view image)
-        : image_(image), size_(static_cast<std::uint32_t>(image.size())), tracer_(image), led_(size_ / 256 + 1, 0) {}
+    CodeFinder(std::string_view image, const PointerIndex& pointers)
+        : image_(image), size_(static_cast<std::uint32_t>(image.size())), pointers_(pointers), tracer_(image),
+          led_(size_ / 256 + 1, 0) {}
 
     [[nodiscard]] std::vector<Span> Functions() {
         TraceEntry();
@@ -522,15 +523,14 @@ private:
         }
     }
 
-    // One pass over the aligned words finds where pointers lead: to code (an
-    // odd address: Thumb) or to data (one bit per aligned word, for later).
+    // The aligned pointers of the index tell where pointers lead: to code
+    // (an odd address: Thumb) or to data (one bit per aligned word, for later).
     void ReadPointers() {
-        for (std::uint32_t at = 0; at + 4 <= size_; at += 4) {
-            if ((Byte(image_, at + 3) & 0xFE) != 0x08) continue;  // the cheap test first: most words fail it
-            const std::optional<std::uint32_t> target = PointerAt(image_, at);
-            if (!target) continue;
-            if (*target % 2 != 0) callbacks_.push_back(*target - 1);
-            else if (*target % 4 == 0) led_[*target / 256] |= std::uint64_t{1} << (*target / 4 % 64);
+        for (const std::uint64_t e : pointers_.Entries()) {
+            const auto at = static_cast<std::uint32_t>(e), target = static_cast<std::uint32_t>(e >> 32);
+            if (at % 4 != 0) continue;
+            if (target % 2 != 0) callbacks_.push_back(target - 1);
+            else if (target % 4 == 0) led_[target / 256] |= std::uint64_t{1} << (target / 4 % 64);
         }
         std::sort(callbacks_.begin(), callbacks_.end());
         callbacks_.erase(std::unique(callbacks_.begin(), callbacks_.end()), callbacks_.end());
@@ -587,6 +587,7 @@ private:
 
     std::string_view image_;
     std::uint32_t size_;
+    const PointerIndex& pointers_;
     Tracer tracer_;
     std::vector<Span> functions_;
     std::size_t kept_ = 0;
@@ -640,11 +641,13 @@ bool CodeMap::IsLookalike(std::uint32_t place) const {
     return half / 64 < instructions_.size() && (instructions_[half / 64] >> (half % 64) & 1) != 0;
 }
 
-CodeMap FindCode(std::string_view image) {
+CodeMap FindCode(std::string_view image) { return FindCode(image, PointerIndex(image)); }
+
+CodeMap FindCode(std::string_view image, const PointerIndex& pointers) {
     CodeMap map;
     const auto size = static_cast<std::uint32_t>(image.size());
     if (size < kHeaderSize + 4) return map;
-    CodeFinder finder(image);
+    CodeFinder finder(image, pointers);
 
     // The spans of code, joined across what pads functions apart and the
     // pool words that nothing traced loads.

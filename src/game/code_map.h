@@ -13,6 +13,7 @@
 // return; then what they call; then what lies between functions when it
 // traces as functions too, and a function a pointer leads to next to code.
 // Binary data is found where aligned pointers lead, by its own structure.
+#include "game/pointer_index.h"
 #include "game/span.h"
 
 #include <cstdint>
@@ -45,7 +46,7 @@ public:
     [[nodiscard]] const std::vector<Span>& BinaryData() const { return binary_; }
 
 private:
-    friend CodeMap FindCode(std::string_view image);
+    friend CodeMap FindCode(std::string_view image, const PointerIndex& pointers);
 
     std::vector<Span> code_;
     std::vector<Span> binary_;
@@ -55,5 +56,7 @@ private:
 
 // Maps a whole image in a few passes over it.
 [[nodiscard]] CodeMap FindCode(std::string_view image);
+// The same with the image's pointers already indexed.
+[[nodiscard]] CodeMap FindCode(std::string_view image, const PointerIndex& pointers);
 
 }  // namespace quillon::game

@@ -42,7 +42,10 @@ std::string_view CommandRule(Family family, std::uint8_t command) {
 
 }  // namespace
 
-GameModel GameModel::Read(std::string_view image) {
+GameModel GameModel::Read(std::string_view image, ModelParts parts) { return Read(image, parts, PointerIndex(image)); }
+
+GameModel GameModel::Read(std::string_view image, ModelParts parts, PointerIndex index) {
+    const bool all = parts == ModelParts::All;
     GameModel m;
     m.size_ = image.size();
     // The header names the family; else the family whose map records the
@@ -51,20 +54,22 @@ GameModel GameModel::Read(std::string_view image) {
     const MapSet maps = m.family_ ? FindMaps(image, *m.family_) : FindMaps(image);
     if (!m.family_) m.family_ = maps.family;
     const Family family = m.family_.value_or(Family::FireRedLeafGreen);
-    m.index_ = PointerIndex(image);
+    m.index_ = std::move(index);
     m.alignedPointers_.assign(image.size() / 4 + 1, false);
     for (std::uint64_t e : m.index_.Entries())
         if (static_cast<std::uint32_t>(e) % 4 == 0) m.alignedPointers_[static_cast<std::uint32_t>(e) / 4] = true;
-    m.code_ = FindCode(image);
+    m.code_ = FindCode(image, m.index_);
 
     // Maps, their names and their scripts; then every script that a pointer
     // outside program code's instructions leads to and that reads cleanly.
     const MapNameTable names = FindMapNameTable(image, family, maps);
-    for (const Map& map : maps.maps) {
-        MapName name{map.group, map.number, {}};
-        if (auto it = names.names.find(map.section); it != names.names.end())
-            name.name = DecodeText(image.substr(it->second, 32).substr(0, image.substr(it->second, 32).find('\xFF')), false);
-        m.maps_.push_back(std::move(name));
+    if (all) {
+        for (const Map& map : maps.maps) {
+            MapName name{map.group, map.number, {}};
+            if (auto it = names.names.find(map.section); it != names.names.end())
+                name.name = DecodeText(image.substr(it->second, 32).substr(0, image.substr(it->second, 32).find('\xFF')), false);
+            m.maps_.push_back(std::move(name));
+        }
     }
     std::vector<ScriptEntry> entries;
     for (std::size_t i = 0; i < maps.maps.size(); ++i) {
@@ -115,19 +120,21 @@ GameModel GameModel::Read(std::string_view image) {
         }
         return it->second;
     };
-    for (const ScriptPointer& p : walk.pointers) {
-        if (p.role != Role::Text && p.role != Role::BrailleText) continue;
-        TextUse& u = use(p.target);
-        if (u.map < 0) u.map = p.owner;
-        if (p.role == Role::BrailleText) u.context = TextContext::Braille;
-        else if (p.command == 0x5C) u.trainer = true, u.context = TextContext::MessageBox;
-        else if (p.standard == kStandardSign) u.context = TextContext::Sign;
-        else u.context = TextContext::MessageBox;
-    }
-    // The game's own names of its places.
-    for (const auto& [section, offset] : names.names) {
-        TextUse& u = use(offset);
-        if (u.table.empty() && u.map < 0) u.table = "Place names", u.context = TextContext::Name;
+    if (all) {
+        for (const ScriptPointer& p : walk.pointers) {
+            if (p.role != Role::Text && p.role != Role::BrailleText) continue;
+            TextUse& u = use(p.target);
+            if (u.map < 0) u.map = p.owner;
+            if (p.role == Role::BrailleText) u.context = TextContext::Braille;
+            else if (p.command == 0x5C) u.trainer = true, u.context = TextContext::MessageBox;
+            else if (p.standard == kStandardSign) u.context = TextContext::Sign;
+            else u.context = TextContext::MessageBox;
+        }
+        // The game's own names of its places.
+        for (const auto& [section, offset] : names.names) {
+            TextUse& u = use(offset);
+            if (u.table.empty() && u.map < 0) u.table = "Place names", u.context = TextContext::Name;
+        }
     }
     // Aligned words in data that lead to texts, grouped into tables.
     std::vector<std::uint32_t> slots;
@@ -142,15 +149,18 @@ GameModel GameModel::Read(std::string_view image) {
         for (std::uint32_t i = 0; i < t.count; ++i) {
             const std::uint32_t place = t.first + t.stride * i;
             m.tableSlots_.push_back({place, t.kind.empty() ? std::string_view("text table") : t.kind});
+            if (!all) continue;
             TextUse& u = use(Word(image, place) - kRomBase);
             if (u.table.empty() && u.map < 0 && !u.trainer) u.table = t.kind, u.context = t.context;
         }
     }
-    // Lone words: aligned in data or a pool word of code.
-    for (std::uint64_t e : m.index_.Entries()) {
-        const auto target = static_cast<std::uint32_t>(e >> 32), place = static_cast<std::uint32_t>(e);
-        if (place % 4 || m.code_.IsCode(target) || m.code_.IsBinaryData(place) || InSpans(m.scripts_, place)) continue;
-        if (isText(target)) use(target);
+    if (all) {
+        // Lone words: aligned in data or a pool word of code.
+        for (std::uint64_t e : m.index_.Entries()) {
+            const auto target = static_cast<std::uint32_t>(e >> 32), place = static_cast<std::uint32_t>(e);
+            if (place % 4 || m.code_.IsCode(target) || m.code_.IsBinaryData(place) || InSpans(m.scripts_, place)) continue;
+            if (isText(target)) use(target);
+        }
     }
     std::sort(m.uses_.begin(), m.uses_.end(), [](const TextUse& a, const TextUse& b) { return a.offset < b.offset; });
     std::sort(m.tableSlots_.begin(), m.tableSlots_.end(), [](const Operand& a, const Operand& b) { return a.place < b.place; });

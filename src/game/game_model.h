@@ -35,11 +35,18 @@ struct MapName {
     std::string name;            // decoded, UTF-8; empty when the game has none for it
 };
 
+// What a read builds. References: only what ReferencesTo and Classify need,
+// for a command that moves texts; Uses() and Maps() stay empty, and every
+// place is classified as a whole read classifies it.
+enum class ModelParts : std::uint8_t { All, References };
+
 class GameModel {
 public:
     // Reads `image`; `gameCode` from its header names the family, and when
     // it names none, the family whose structures the image holds is taken.
-    [[nodiscard]] static GameModel Read(std::string_view image);
+    [[nodiscard]] static GameModel Read(std::string_view image, ModelParts parts = ModelParts::All);
+    // The same with the pointer index of `image` built beforehand.
+    [[nodiscard]] static GameModel Read(std::string_view image, ModelParts parts, PointerIndex index);
 
     [[nodiscard]] std::optional<Family> family() const { return family_; }
     [[nodiscard]] std::size_t imageSize() const { return size_; }

@@ -6,6 +6,7 @@
 #include "fit/measure.h"
 #include "fit/reflow.h"
 #include "game/game_model.h"
+#include "repoint/model_cache.h"
 #include "repoint/rewrites.h"
 #include "translate/offset_entries.h"
 #include "translate/po_file.h"
@@ -183,15 +184,18 @@ std::size_t ImportPlan::Count(ImportKind kind) const {
 // and the texts' boxes. It is made while the PO file is read.
 struct RomSide {
     RomSide(const ImportRequest& request, Progress& progress)
-        : rom(request.rom),
+        : stamp(io::FileStamp::Of(request.rom)),
+          rom(request.rom),
           image(rom.View()),
           offsetText(io::ReadAll(request.offsetFile)),
           entries(ReadOffsetEntries(offsetText)),
           code(image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string_view()),
           freeByte(FreeRun(code, 1)[0]),
           texts(LoadEntryTexts(image, entries, freeByte, progress)) {
+        if (stamp != io::FileStamp::Of(request.rom)) stamp.reset();  // changed while it was read
         if (request.reflow) {
-            model = std::make_shared<const game::GameModel>(game::GameModel::Read(image));
+            model = stamp ? repoint::ModelOf(*stamp, image)
+                          : std::make_shared<const game::GameModel>(game::GameModel::Read(image));
             font = fit::LocateFont(image, request.fit.named, model->Pointers());
             boxes = fit::TextBoxes::Read(image, *model);
         }
@@ -203,6 +207,7 @@ struct RomSide {
         }
     }
 
+    std::optional<io::FileStamp> stamp;  // of the file as `image` holds it; nothing when unknown
     io::FileCopy rom;
     std::string_view image;
     std::string offsetText;
@@ -210,7 +215,7 @@ struct RomSide {
     std::string code;
     char freeByte;
     std::vector<EntryText> texts;  // point into `entries`
-    // Read first when the texts are reflowed; else while the PO file is read.
+    // Read first when the texts are reflowed; else beside the PO file's reading.
     std::shared_ptr<const game::GameModel> model;
     fit::FontResult font;
     fit::TextBoxes boxes;
@@ -220,19 +225,30 @@ struct RomSide {
 
 // What moved texts need: the game model, which knows every place that holds
 // a text's pointer and its kind, and the free-space runs; and for the
-// widths of the new texts, the font and the box of every text.
+// widths of the new texts, the font and the box of every text. A model kept
+// for the file as it was read serves as it is; else it is read here, for the
+// references alone when no font is found, as no width is measured then.
 struct RomScan {
     RomScan(const RomSide& side, const ImportRequest& request, Progress& progress)
-        : model(side.model ? *side.model : game::GameModel::Read(side.image)),
-          freeSpace(side.image, side.freeByte,
+        : freeSpace(side.image, side.freeByte,
                     std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1),
                                             kLowestPointable),
-                    std::uint64_t{HighestPointable(side.image.size())} + 1, progress),
-          font(side.model ? side.font : fit::LocateFont(side.image, request.fit.named, model.Pointers())),
-          boxes(side.model ? side.boxes : fit::TextBoxes::Read(side.image, model)) {}
+                    std::uint64_t{HighestPointable(side.image.size())} + 1, progress) {
+        if (side.model) {
+            model = side.model, font = side.font, boxes = side.boxes;
+            return;
+        }
+        model = side.stamp ? repoint::KeptModel(*side.stamp) : nullptr;
+        game::PointerIndex pointers = model ? game::PointerIndex() : game::PointerIndex(side.image);
+        font = fit::LocateFont(side.image, request.fit.named, model ? model->Pointers() : pointers);
+        if (!model)
+            model = std::make_shared<const game::GameModel>(game::GameModel::Read(
+                side.image, font.font ? game::ModelParts::All : game::ModelParts::References, std::move(pointers)));
+        if (font.font) boxes = fit::TextBoxes::Read(side.image, *model);
+    }
 
-    game::GameModel model;
     FreeSpace freeSpace;
+    std::shared_ptr<const game::GameModel> model;
     fit::FontResult font;
     fit::TextBoxes boxes;
 };
@@ -291,17 +307,14 @@ Translated Translate(const PoMessage& message, const RomSide& side, const Import
 ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     // The PO file is read on a second thread, part by part, while the ROM's
     // side is prepared; each part read is worked out here while the next is
-    // read. Done reading, that thread scans the image for what moved texts
-    // need. A PO file that cannot be read is reported first, as when read first.
-    std::unique_ptr<RomSide> side;          // outlives the reading thread, which scans it
-    std::promise<const RomSide*> prepared;  // null when it could not be made
-    std::promise<RomScan> scanning;
-    std::future<RomScan> scanned = scanning.get_future();
+    // read. A third thread scans the image for what moved texts need as soon
+    // as the image is in memory. A PO file that cannot be read is reported
+    // first, as when read first.
+    std::unique_ptr<RomSide> side;  // outlives the scanning thread
     LeftoversPromise leftovers;
     PartQueue parts;
-    const std::future<void> reading = std::async(
-        std::launch::async, [&request, &parts, &scanning, ready = prepared.get_future(),
-                             released = leftovers.get_future()]() mutable {
+    const std::future<void> reading =
+        std::async(std::launch::async, [&request, &parts, released = leftovers.get_future()]() mutable {
             try {
                 ReadPo(request.po, [&parts](PoCatalog part) { parts.Put(std::move(part)); });
                 parts.Finish(nullptr);
@@ -309,27 +322,20 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                 parts.Finish(std::current_exception());
                 return;  // the plan stops at the error
             }
-            try {
-                NoProgress quiet;  // progress is shown on the planning thread
-                const RomSide* rom = ready.get();
-                if (!rom) return;
-                scanning.set_value(RomScan(*rom, request, quiet));
-            } catch (...) {
-                scanning.set_exception(std::current_exception());
-                return;
-            }
             released.get();  // freed here
         });
     HandOver handOver(leftovers);  // before the reading thread is waited for
     try {
         side = std::make_unique<RomSide>(request, progress);
     } catch (...) {
-        prepared.set_value(nullptr);
         while (parts.Next()) {
         }
         throw;
     }
-    prepared.set_value(side.get());
+    std::future<RomScan> scanned = std::async(std::launch::async, [&request, rom = side.get()] {
+        NoProgress quiet;  // progress is shown on the planning thread
+        return RomScan(*rom, request, quiet);
+    });
     const std::string_view image = side->image;
     const std::string& code = side->code;
     const std::vector<EntryText>& texts = side->texts;
@@ -437,7 +443,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         ProgressStage stage(progress, "Finding the pointers", 0);
         return scanned.get();
     }();
-    const game::GameModel& model = scan.model;
+    const game::GameModel& model = *scan.model;
     FreeSpace& space = scan.freeSpace;
 
     // The new texts' widths, each against its box.

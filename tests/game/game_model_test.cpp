@@ -64,6 +64,25 @@ TEST_P(GameModelTest, ReadsTheGameAsPlaced) {
     }
 }
 
+// A read for the references alone, as a command that moves texts makes it,
+// gives every place that holds a pointer the kind and rule of the whole read.
+TEST_P(GameModelTest, AReadForReferencesClassifiesAsTheWholeRead) {
+    for (std::uint32_t seed : {1u, 2u}) {
+        const test::GameImage g = test::MakeGameImage(GetParam(), seed);
+        const GameModel whole = GameModel::Read(g.image);
+        const GameModel references = GameModel::Read(g.image, ModelParts::References);
+        EXPECT_TRUE(references.Uses().empty());
+        ASSERT_EQ(references.Pointers().Entries(), whole.Pointers().Entries());
+        std::size_t differ = 0;
+        for (std::uint64_t e : whole.Pointers().Entries()) {
+            const auto place = static_cast<std::uint32_t>(e), target = static_cast<std::uint32_t>(e >> 32);
+            const Place a = whole.Classify(place, target), b = references.Classify(place, target);
+            differ += a.kind != b.kind || a.rule != b.rule;
+        }
+        EXPECT_EQ(differ, 0u) << "of " << whole.Pointers().size() << " places";
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Families, GameModelTest,
                          testing::Values(Family::RubySapphire, Family::FireRedLeafGreen, Family::Emerald));
 
