@@ -11,6 +11,7 @@
 #include <quillon/core.h>
 
 #include "ratio.h"
+#include "silent_prompter.h"
 
 #include <cstdio>
 #include <fstream>
@@ -20,23 +21,6 @@
 namespace {
 
 using namespace quillon;
-
-// Answers Yes, opens the prepared ROM and ignores messages.
-class QuietUser : public Prompter {
-public:
-    std::filesystem::path rom;
-    void Message(Icon, std::string_view, std::string_view) override {}
-    bool AskYesNo(std::string_view, std::string_view) override { return true; }
-    std::optional<std::string> Input(std::string_view, std::string_view, std::string_view) override { return {}; }
-    std::optional<std::filesystem::path> OpenFile(std::string_view, std::string_view) override { return rom; }
-    std::optional<std::filesystem::path> SaveFile(std::string_view, std::string_view) override { return {}; }
-    void ShowAddOffset(AddOffsetFields&) override {}
-};
-
-void Write(const std::filesystem::path& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
 
 std::string Read(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
@@ -51,7 +35,7 @@ int main() {
     const auto folder = std::filesystem::temp_directory_path() / "quillon-bench-offsets";
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder / "ini");
-    Write(folder / "ini" / "settings.ini", "[Settings]\r\nWarningShown=True\r\nFreeSpaceOffset=15728640\r\n");
+    bench::WriteSynced(folder / "ini" / "settings.ini", "[Settings]\r\nWarningShown=True\r\nFreeSpaceOffset=15728640\r\n");
 
     // A 32 MiB image: text-like bytes, "Hello" at 0x800000 and 1,000 pointers to
     // it, free space from 0xF00000 to 0xFFFFFF.
@@ -64,7 +48,7 @@ int main() {
     for (int i = 0; i < 1000; ++i) image.replace(0x10000 + i * 7919, 4, "\x00\x00\x80\x08", 4);
     std::fill(image.begin() + 0xF00000, image.begin() + 0x1000000, '\xFF');
     const auto rom = folder / "bench.gba";
-    Write(rom, image);
+    bench::WriteSynced(rom, image);
 
     // 2,000 sections of 20 keys each.
     std::string offsets = "'head\r\n";
@@ -72,9 +56,9 @@ int main() {
         offsets += "[Map " + std::to_string(s) + "]\r\n";
         for (int k = 0; k < 20; ++k) offsets += "Person " + std::to_string(k) + "=" + std::to_string(100000 + k) + "\r\n";
     }
-    Write(folder / "ini" / "QLNE.ini", offsets);
+    bench::WriteSynced(folder / "ini" / "QLNE.ini", offsets);
 
-    QuietUser user;
+    bench::YesUser user;
     user.rom = rom;
     Session session(folder, user);
     OpenRom(session, OfferFindTexts);
@@ -100,8 +84,8 @@ int main() {
     // showing are not timed.
     std::vector<double> repoint, pass;
     for (int run = 0; run < 5; ++run) {
-        Write(rom, image);
-        Write(folder / "ini" / "QLNE.ini", "[Town]\r\nMom=800000\r\n");
+        bench::WriteSynced(rom, image);
+        bench::WriteSynced(folder / "ini" / "QLNE.ini", "[Town]\r\nMom=800000\r\n");
         Tree_Load(session);
         session.tree.Select(1);
         Text_Load(session);

@@ -14,58 +14,25 @@
 #include <quillon/core.h>
 
 #include "ratio.h"
+#include "silent_prompter.h"
 
 #include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
-#include <fstream>
-#include <unistd.h>
-
-namespace {
 
 using namespace quillon;
-
-// Answers Yes, opens the prepared ROM and counts messages.
-class QuietUser : public Prompter {
-public:
-    std::filesystem::path rom;
-    int messages = 0;
-    void Message(Icon, std::string_view, std::string_view) override { ++messages; }
-    bool AskYesNo(std::string_view, std::string_view) override { return true; }
-    std::optional<std::string> Input(std::string_view, std::string_view, std::string_view) override { return {}; }
-    std::optional<std::filesystem::path> OpenFile(std::string_view, std::string_view) override { return rom; }
-    std::optional<std::filesystem::path> SaveFile(std::string_view, std::string_view) override { return {}; }
-    void ShowAddOffset(AddOffsetFields&) override {}
-};
-
-// Writes a file and waits until it is on disk, so that a timed run does not
-// pay for flushing what the untimed set-up wrote.
-void Write(const std::filesystem::path& path, const std::string& bytes) {
-    {
-        std::ofstream out(path, std::ios::binary | std::ios::trunc);
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    }
-    const int fd = ::open(path.c_str(), O_RDONLY);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
-}
-
-}  // namespace
 
 int main() {
     const auto folder = std::filesystem::temp_directory_path() / "quillon-bench-save";
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder / "ini");
     const test::GeneratedGame game = test::MakeGame(32u << 20, 5000, 7);
-    Write(folder / "ini" / "settings.ini",
+    bench::WriteSynced(folder / "ini" / "settings.ini",
           "[Settings]\r\nWarningShown=True\r\nFreeSpaceOffset=" + std::to_string(game.freeFrom) + "\r\n");
     const auto rom = folder / "rom.gba", offsets = folder / "ini" / "QLNE.ini";
-    Write(rom, game.image);
-    Write(offsets, game.offsetFile);
+    bench::WriteSynced(rom, game.image);
+    bench::WriteSynced(offsets, game.offsetFile);
 
-    QuietUser user;
+    bench::YesUser user;
     user.rom = rom;
     Session session(folder, user);
     OpenRom(session, [](Session&) {});
@@ -87,8 +54,8 @@ int main() {
     // Each save starts from the image and offset file as made; `shown` reads
     // the fit facts as the window does when it shows the text.
     auto run = [&](bool shown, std::vector<double>& saves, std::vector<double>& passes) {
-        Write(rom, game.image);
-        Write(offsets, game.offsetFile);
+        bench::WriteSynced(rom, game.image);
+        bench::WriteSynced(offsets, game.offsetFile);
         ::sync();
         Tree_Load(session);
         SelectNode(session, node);

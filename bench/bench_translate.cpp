@@ -12,31 +12,12 @@
 
 #include "core/file_io.h"
 #include "ratio.h"
+#include "silent_prompter.h"
 #include "repoint/model_cache.h"
 
 #include <cstdio>
-#include <fcntl.h>
 #include <unistd.h>
 #include <filesystem>
-#include <fstream>
-
-namespace {
-
-// Writes a file and waits until it is on disk, so that a timed run does not
-// pay for flushing what the untimed set-up wrote.
-void Write(const std::filesystem::path& path, const std::string& bytes) {
-    {
-        std::ofstream out(path, std::ios::binary | std::ios::trunc);
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    }
-    const int fd = ::open(path.c_str(), O_RDONLY);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
-}
-
-}  // namespace
 
 int main() {
     using namespace quillon;
@@ -45,8 +26,8 @@ int main() {
     const auto rom = folder / "rom.gba", offsets = folder / "QLNE.ini", po = folder / "texts.po",
                exported = folder / "export.po";
     const test::GeneratedGame game = test::MakeGame(16u << 20, 5000, 11);
-    Write(rom, game.image);
-    Write(offsets, game.offsetFile);
+    bench::WriteSynced(rom, game.image);
+    bench::WriteSynced(offsets, game.offsetFile);
 
     // Every text changed; one in ten longer than its room.
     PoCatalog catalog;
@@ -74,8 +55,8 @@ int main() {
     auto importing = [&](bool kept) {
         std::vector<double> subject, baseline;
         for (int run = 0; run < 12; ++run) {
-            Write(rom, game.image);
-            Write(offsets, game.offsetFile);
+            bench::WriteSynced(rom, game.image);
+            bench::WriteSynced(offsets, game.offsetFile);
             ::sync();  // the import's flushes wait for no one else's writes, such as an earlier bench's
             if (kept) (void)repoint::ModelOf(rom);
             onePass();
