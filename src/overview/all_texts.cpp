@@ -96,7 +96,7 @@ AllTexts AllTexts::Build(const Sources& s) {
         const std::size_t up = *nodes[i].parent;
         if (sectionIndex.emplace(up, all.sections_.size()).second)
             all.sections_.push_back(ReadableName(nodes[up].text));
-        entries.push_back({nodes[up].text, nodes[i].text, std::string(tree.OffsetOf(i)), 0});
+        entries.push_back({nodes[up].text, nodes[i].text, std::string(tree.OffsetOf(i)), 0, std::nullopt});
         Row row;
         row.node = i;
         row.section = all.sections_[sectionIndex[up]];

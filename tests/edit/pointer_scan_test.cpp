@@ -41,7 +41,9 @@ TEST(PointerRewrites, FromTheIndexedPlacesAsFromAPassOverTheFile) {
                 EXPECT_EQ(b.bytes, c.newPointer);
             }
             EXPECT_EQ(looked, scanned) << "seed " << seed;
-            if (seed == 1) EXPECT_TRUE(scanned.empty());
+            if (seed == 1) {
+                EXPECT_TRUE(scanned.empty());
+            }
             rewrites += scanned.size();
         }
         EXPECT_GT(rewrites, 100u);  // the files hold the pointer often enough to test anything
