@@ -14,6 +14,7 @@
 #include <QScreen>
 #include <QTimer>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
@@ -25,11 +26,32 @@ std::string_view Env(const char* name) {
     return value ? value : "";
 }
 
+constexpr const char* kUsage =
+    "Usage: quillon [GAME.gba]\n"
+    "Edit the texts of a Game Boy Advance ROM image; GAME.gba is opened as Open ROM opens it.\n"
+    "  -h, --help     show this help and exit\n"
+    "  --version      show the version and exit\n";
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Answered before any window: they need no display.
+    if (argc > 1 && (std::string_view(argv[1]) == "--help" || std::string_view(argv[1]) == "-h")) {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
+    if (argc > 1 && std::string_view(argv[1]) == "--version") {
+        std::puts("quillon " QUILLON_VERSION);
+        return 0;
+    }
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillon"));
+    // Qt has taken its own options out of the arguments; an option left is none of ours.
+    const QStringList args = QCoreApplication::arguments();
+    if (args.size() > 1 && args.at(1).startsWith(QLatin1Char('-'))) {
+        std::fprintf(stderr, "quillon: unknown option %s\n%s", args.at(1).toLocal8Bit().constData(), kUsage);
+        return 2;
+    }
 
     const std::filesystem::path exeFolder(QCoreApplication::applicationDirPath().toStdU16String());
     const quillon::ProgramFolder folder =
@@ -50,9 +72,8 @@ int main(int argc, char** argv) {
     }
     window.show();
 
-    // Qt has taken its own options out of the arguments; the first one left
-    // is the ROM, opened once the window shows, so its questions sit over it.
-    const QStringList args = QCoreApplication::arguments();
+    // The first argument is the ROM, opened once the window shows, so its
+    // questions sit over it.
     if (args.size() > 1 && !args.at(1).isEmpty()) {
         const std::filesystem::path rom(QFileInfo(args.at(1)).absoluteFilePath().toStdU16String());
         QTimer::singleShot(0, &window, [&window, rom] { window.OpenRomFile(rom); });
