@@ -3,7 +3,6 @@
 #include "cli/cli_session.h"
 #include "cli/cli_support.h"
 #include "cli/commands.h"
-#include "core/codec/text_bytes.h"
 #include "edit/save_text.h"
 #include "edit/tag_marks.h"
 #include "edit/text_view.h"
@@ -75,9 +74,6 @@ void RegisterWrite(CLI::App& app, CliContext& ctx) {
             throw CommandFailed("The texts of a Japanese ROM are shown read-only; they can't be written.");
         const std::string text = FromPoText(args->text);
         const std::string bytes = HexToBytes(EncodeText(text, args->specialDialog));
-        if (bytes.size() > static_cast<std::size_t>(kMaxTextBytes))
-            throw CommandFailed("The text takes " + std::to_string(bytes.size()) + " bytes; a text may take at most " +
-                                std::to_string(kMaxTextBytes) + ". Nothing was written.");
         if (bytes + '\xFF' == session.loaded.bytes)
             throw CommandFailed(args->entry + " holds this text already. Nothing was written.");
 

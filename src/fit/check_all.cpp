@@ -5,6 +5,7 @@
 #include "core/ini_document.h"
 #include "game/game_model.h"
 #include "game/pointer_index.h"
+#include "repoint/model_cache.h"
 
 #include <quillon/codec.h>
 #include <quillon/errors.h>
@@ -74,8 +75,11 @@ CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, 
 
 CheckReport CheckRom(const std::filesystem::path& rom, const std::filesystem::path& offsetFile,
                      std::optional<FontPlace> named, std::optional<std::string> playerName) {
+    const auto stamp = io::FileStamp::Of(rom);
     const std::string image = ReadImage(rom);
-    const game::GameModel model = game::GameModel::Read(image);
+    // The model the window keeps for the file as it is, else read from this image.
+    const auto kept = stamp ? repoint::ModelOf(*stamp, image) : repoint::ModelOf(rom);
+    const game::GameModel& model = *kept;
     FontResult font = LocateFont(image, named, model.Pointers());
     if (!font.font) {
         CheckReport report;
