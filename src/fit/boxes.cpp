@@ -22,11 +22,12 @@ struct Fact {
 
 constexpr Box Make(TextContext context, std::string_view name, int width, int lines, int cursor = 0, int space = 0,
                    bool battle = false) {
-    return Box{context, name, width, lines, cursor, space, battle, true, false, {}};
+    return Box{context, name, width, lines, cursor, space, battle, true, FontRole::Normal, {}};
 }
 
-constexpr Box Small(Box box, std::string_view after = {}) {
-    box.small = true, box.after = after;
+// A name drawn in `font`, with `after` drawn right behind it.
+constexpr Box In(FontRole font, Box box, std::string_view after = {}) {
+    box.font = font, box.after = after;
     return box;
 }
 
@@ -72,9 +73,9 @@ constexpr std::array kFacts = {
     // battle_bg.c, battle_message.c: each move of the battle menu in an
     // 8-tile window, small font, from x 0.
     Fact{Family::FireRedLeafGreen, TextContext::Name, "Species names",
-         Small(Make(TextContext::Name, "species name on the health box", 64, 1), "\xB5")},
+         In(FontRole::Small, Make(TextContext::Name, "species name on the health box", 64, 1), "\xB5")},
     Fact{Family::FireRedLeafGreen, TextContext::Name, "Move names",
-         Small(Make(TextContext::Name, "move name in the battle menu", 64, 1))},
+         In(FontRole::Small, Make(TextContext::Name, "move name in the battle menu", 64, 1))},
     // Ruby and Sapphire.
     // text_window.c: the dialogue frame holds 26 tiles; menu.c prints from its first.
     Fact{Family::RubySapphire, TextContext::MessageBox, {}, Make(TextContext::MessageBox, "message box", 208, 2)},

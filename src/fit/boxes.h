@@ -4,6 +4,7 @@
 // game family, read in the decompilations' window templates. Texts of the
 // help system, which the model does not tell apart, are found here by the
 // tables that lead to them.
+#include "fit/font.h"
 #include "game/family.h"
 #include "game/game_model.h"
 #include "game/text_context.h"
@@ -26,7 +27,7 @@ struct Box {
     int space = 0;        // pixels of a space when the window draws its own; 0: the font's
     bool battle = false;  // its placeholders (FD xx) name battlers, moves and items
     bool check = true;    // false: not European text (braille), nothing to measure
-    bool small = false;   // drawn in the game's small font
+    FontRole font = FontRole::Normal;  // the font the window draws in
     // Game bytes the game draws on the same line right behind the text (the
     // gender sign behind a name), counted in its width.
     std::string_view after;

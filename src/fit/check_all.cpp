@@ -23,8 +23,8 @@ const Finding& CheckRow::First() const {
     return *first;
 }
 
-CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, const Font& font,
-                       const TextBoxes& boxes, std::optional<std::string> playerName, const Font* small) {
+CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, const FontResult& fonts,
+                       const TextBoxes& boxes, std::optional<std::string> playerName) {
     CheckReport report;
     report.checked = true;
     report.messageBox = MessageBox(boxes.family()).width;
@@ -50,14 +50,15 @@ CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, 
             }
             std::string_view text = image.substr(static_cast<std::size_t>(offset), kMaxTextBytes);
             const Box box = boxes.At(static_cast<std::uint32_t>(offset));
-            if (box.small && !small) continue;  // a name drawn in a font the image does not show
+            const Font* font = fonts.Of(box.font, boxes.family());
+            if (!font) continue;  // a name drawn in a font not told apart in the image
             ++report.entries;
             std::string drawn;  // the text and what the game draws behind it
             if (!box.after.empty()) {
                 drawn.assign(text.substr(0, text.find('\xFF'))).append(box.after);
                 text = drawn;
             }
-            const Measure m = MeasureBytes(text, box.small ? *small : font, OptionsFor(box, boxes.family(), playerName));
+            const Measure m = MeasureBytes(text, *font, OptionsFor(box, boxes.family(), playerName));
             if (m.overCount == 0 && m.namesCount == 0) continue;
             CheckRow row{std::string(section.name), std::string(key.name), value, box, {}, m.overCount > 0};
             for (std::size_t i = 0; i < m.lines.size(); ++i) {
@@ -88,8 +89,7 @@ CheckReport CheckRom(const std::filesystem::path& rom, const std::filesystem::pa
     }
     const std::string offsets = FileExists(offsetFile) ? io::ReadAll(offsetFile) : std::string();
     const TextBoxes boxes = TextBoxes::Read(image, model, true);
-    CheckReport report =
-        CheckTexts(image, offsets, *font.font, boxes, std::move(playerName), font.small ? &*font.small : nullptr);
+    CheckReport report = CheckTexts(image, offsets, font, boxes, std::move(playerName));
     report.fonts = std::move(font.found);
     return report;
 }

@@ -49,16 +49,16 @@ struct CheckReport {
 
 // Measures every entry of `offsetFileText` (sections in file order; a section
 // name that repeats lists the keys of its first section, as the tree does).
-// A text is read up to its 0xFF end byte, at most 10000 bytes. Names drawn
-// in the small font are measured with `small`, and left out without it.
-CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, const Font& font,
-                       const TextBoxes& boxes, std::optional<std::string> playerName = std::nullopt,
-                       const Font* small = nullptr);
+// A text is read up to its 0xFF end byte, at most 10000 bytes, and measured
+// in the font its box names; a text whose font `fonts` does not tell apart
+// for sure is left out. `fonts` holds a message font.
+[[nodiscard]] CheckReport CheckTexts(std::string_view image, std::string_view offsetFileText, const FontResult& fonts,
+                                     const TextBoxes& boxes, std::optional<std::string> playerName = std::nullopt);
 
 // Reads the image (at most 32 MiB) and the offset file once, finds the font
 // (or takes the named one) and the boxes of the texts, and checks every
 // entry. Throws FileError for a file that cannot be read.
-CheckReport CheckRom(const std::filesystem::path& rom, const std::filesystem::path& offsetFile,
+[[nodiscard]] CheckReport CheckRom(const std::filesystem::path& rom, const std::filesystem::path& offsetFile,
                      std::optional<FontPlace> named = std::nullopt, std::optional<std::string> playerName = std::nullopt);
 
 }  // namespace quillon::fit

@@ -22,6 +22,15 @@ constexpr std::uint8_t kLastText = 0xF6;   // F7.. are codes and breaks
 constexpr std::size_t kTextGlyphs = kLastText + 1;
 constexpr std::uint32_t kPoolReach = 64;   // two pointers this close stand in one pool or record
 constexpr std::array kFormats = {GlyphFormat::Wide2bpp, GlyphFormat::Narrow2bpp, GlyphFormat::Narrow4bpp};
+// text.c: the table of glyph-width functions has a record for each font
+// number, 7 in FireRed and LeafGreen, 9 in Emerald; a function and its
+// literal pool take at most this many bytes before the pool's widths pointer.
+constexpr std::uint32_t kMinWidthFunctions = 7;
+constexpr std::uint32_t kFunctionReach = 64;
+// text.h: the font numbers of the roles. FONT_SMALL is 0 in FireRed,
+// LeafGreen and Emerald; FONT_NARROW is 7 in Emerald. Ruby and Sapphire's
+// text engine has no such table: only their message font is told apart.
+constexpr std::size_t kSmallNumber = 0, kEmeraldNarrowNumber = 7;
 
 using Edges = std::array<std::uint8_t, kTextGlyphs>;
 
@@ -248,6 +257,35 @@ std::vector<Located> Search(std::string_view image, const game::PointerIndex* in
     return found;
 }
 
+// text.c: the table of glyph-width functions, records of a font number and
+// a Thumb function in number order, each function returning a character's
+// width from its font's width table, whose pointer stands in its literal
+// pool. The width table of each number, as the one table found gives it;
+// nothing when none is found, or several that disagree.
+std::vector<std::optional<std::uint32_t>> WidthsByNumber(std::string_view image, const std::vector<Located>& located) {
+    std::vector<std::uint32_t> widths;
+    for (const Located& l : located) widths.push_back(l.place.widths);
+    std::sort(widths.begin(), widths.end());
+    const auto size = static_cast<std::uint32_t>(image.size());
+    auto thumb = [&](std::uint32_t word) { return (word & 1) && game::Target(word & ~1u, size); };
+    std::vector<std::vector<std::optional<std::uint32_t>>> tables;
+    for (std::uint32_t at = game::kHeaderSize; at + 8 <= size; at += 4) {
+        std::uint32_t n = 0;
+        while (at + 8 * n + 8 <= size && game::Word(image, at + 8 * n) == n && thumb(game::Word(image, at + 8 * n + 4))) ++n;
+        if (n < kMinWidthFunctions) continue;
+        std::vector<std::optional<std::uint32_t>> byNumber(n);
+        for (std::uint32_t k = 0; k < n; ++k) {
+            const std::uint32_t function = (game::Word(image, at + 8 * k + 4) & ~1u) - game::kRomBase;
+            for (std::uint32_t p = (function + 3) & ~3u; p < function + kFunctionReach && p + 4 <= size && !byNumber[k]; p += 4)
+                if (const auto target = game::PointerAt(image, p); target && std::binary_search(widths.begin(), widths.end(), *target))
+                    byNumber[k] = *target;
+        }
+        if (byNumber[0] && std::find(tables.begin(), tables.end(), byNumber) == tables.end()) tables.push_back(byNumber);
+        at += 8 * n - 4;
+    }
+    return tables.size() == 1 ? tables.front() : std::vector<std::optional<std::uint32_t>>();
+}
+
 }  // namespace
 
 static FontResult LocateWith(std::string_view image, std::optional<FontPlace> named, const game::PointerIndex* index);
@@ -302,6 +340,11 @@ static FontResult LocateWith(std::string_view image, std::optional<FontPlace> na
     } else {
         places = Search(image, index);
     }
+    if (!named)
+        for (const std::optional<std::uint32_t>& widths : WidthsByNumber(image, places)) {
+            const auto it = std::find_if(places.begin(), places.end(), [&](const Located& l) { return widths && l.place.widths == *widths; });
+            result.byNumber.push_back(it == places.end() ? std::nullopt : std::optional<Font>(MakeFont(image, it->place)));
+        }
     // Copies of one font (the games keep several) count once.
     std::vector<Font> fonts;
     std::vector<bool> confirmed;
@@ -322,18 +365,14 @@ static FontResult LocateWith(std::string_view image, std::optional<FontPlace> na
                      "widths to check it.";
         return result;
     }
-    double widest = 0, narrowest = 1e9;
+    double widest = 0;
     for (std::size_t i = 0; i < fonts.size(); ++i) {
         widest = std::max(widest, MeanLetter(fonts[i]));
-        narrowest = std::min(narrowest, MeanLetter(fonts[i]));
         result.found.push_back({fonts[i].place, MeanLetter(fonts[i]), confirmed[i]});
     }
     // The normal-size fonts: letters within half a pixel of the widest.
     for (const Font& f : fonts) {
-        if (MeanLetter(f) < widest - 0.5) {
-            if (MeanLetter(f) == narrowest && !result.small) result.small = f;
-            continue;
-        }
+        if (MeanLetter(f) < widest - 0.5) continue;
         if (!result.font) {
             result.font = f;
             continue;
@@ -341,6 +380,18 @@ static FontResult LocateWith(std::string_view image, std::optional<FontPlace> na
         for (std::size_t i = 0; i < kWidthCount; ++i) result.font->widths[i] = std::max(result.font->widths[i], f.widths[i]);
     }
     return result;
+}
+
+const Font* FontResult::Of(FontRole role, std::optional<game::Family> family) const {
+    auto number = [&](std::size_t n) { return n < byNumber.size() && byNumber[n] ? &*byNumber[n] : nullptr; };
+    const bool numbered = family == game::Family::FireRedLeafGreen || family == game::Family::Emerald;
+    switch (role) {
+    case FontRole::Normal: return font ? &*font : nullptr;
+    case FontRole::Small: return numbered ? number(kSmallNumber) : nullptr;
+    case FontRole::Narrow: return family == game::Family::Emerald ? number(kEmeraldNarrowNumber) : nullptr;
+    case FontRole::BattleTiles: return nullptr;
+    }
+    return nullptr;
 }
 
 std::string ReadImage(const std::filesystem::path& rom) {

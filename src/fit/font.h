@@ -6,6 +6,8 @@
 // search finds the fonts of every Gen-3 family, language and hack that
 // keeps the games' glyph formats. Plain C++; the windows and the
 // command-line program bind to it.
+#include "game/family.h"
+
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -35,6 +37,14 @@ enum class GlyphFormat : std::uint8_t {
 
 [[nodiscard]] std::size_t GlyphBytes(GlyphFormat format);
 [[nodiscard]] int CellWidth(GlyphFormat format);
+
+// The font a window draws its text in.
+enum class FontRole : std::uint8_t {
+    Normal,       // the message font
+    Small,        // the small font (health box, FireRed's battle menu)
+    Narrow,       // Emerald's narrow font (its battle menu)
+    BattleTiles   // Ruby and Sapphire's battle font, drawn tile by tile through a map: never located
+};
 
 // File offsets of a font's two parts, as found or as the user names them.
 struct FontPlace {
@@ -73,17 +83,23 @@ struct FontResult {
     // several: normal, male and female speakers, copies), every glyph at
     // the widest of them, since which one the game picks is not in the text.
     std::optional<Font> font;
-    std::optional<Font> small;     // a narrower font, when the game has one
+    // The game's fonts by its own font numbers, as its table of glyph-width
+    // functions leads to them; empty when no single such table is found.
+    std::vector<std::optional<Font>> byNumber;
     std::vector<FoundFont> found;  // every distinct font found, in image order
     std::string why;
+
+    // The font of `role` in a game of `family`; null when it is not told
+    // apart for sure (nothing is measured in it then).
+    [[nodiscard]] const Font* Of(FontRole role, std::optional<game::Family> family) const;
 };
 
 // Finds the fonts of `image` (the whole image). `named` gives the two
 // offsets of a font that no search finds; its format is the one its
 // pictures fit best.
-FontResult LocateFont(std::string_view image, std::optional<FontPlace> named = std::nullopt);
+[[nodiscard]] FontResult LocateFont(std::string_view image, std::optional<FontPlace> named = std::nullopt);
 // The same with the image's pointers already indexed.
-FontResult LocateFont(std::string_view image, std::optional<FontPlace> named, const game::PointerIndex& pointers);
+[[nodiscard]] FontResult LocateFont(std::string_view image, std::optional<FontPlace> named, const game::PointerIndex& pointers);
 
 // Reads a whole image into memory; throws FileError, or std::runtime_error
 // for an image larger than 32 MiB.

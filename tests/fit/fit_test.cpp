@@ -65,6 +65,17 @@ RomBuilder& Plant(RomBuilder& rom, const MadeFont& f, std::uint32_t glyphs, std:
     return rom.Put(glyphs, f.glyphs).Put(widths, f.widths).Pointer(pool, glyphs).Pointer(pool + 8, widths);
 }
 
+// A table of glyph-width functions at `table`: for each font number, a
+// record of the number and a Thumb function at `code` + 64 n whose literal
+// pool, 16 bytes in, points at that number's widths (0: at none).
+RomBuilder& WidthFunctions(RomBuilder& rom, std::uint32_t table, std::uint32_t code, const std::vector<std::uint32_t>& widths) {
+    for (std::uint32_t n = 0; n < widths.size(); ++n) {
+        rom.Put(table + 8 * n, std::string{static_cast<char>(n), 0, 0, 0}).Pointer(table + 8 * n + 4, code + 64 * n + 1);
+        if (widths[n]) rom.Pointer(code + 64 * n + 16, widths[n]);
+    }
+    return rom;
+}
+
 // A plain font for measuring and reflowing: every glyph 6 pixels, the space 3.
 Font Even() {
     Font f;
@@ -115,10 +126,43 @@ TEST(FitFont, FoundByStructureInEveryFamilyAndFormatWhereverItLies) {
         EXPECT_EQ(r.font->place, (FontPlace{c.glyphs, c.widths, c.format}));
         EXPECT_EQ(r.font->Width(0xBB), static_cast<std::uint8_t>(normal.widths[0xBB]));
         EXPECT_EQ(r.font->SymbolWidth(0x05), static_cast<std::uint8_t>(normal.widths[0x105]));
-        ASSERT_TRUE(r.small);
-        EXPECT_EQ(r.small->place, (FontPlace{0x240000, 0x250000, GlyphFormat::Narrow2bpp}));
         EXPECT_EQ(r.found.size(), 2u);
         EXPECT_TRUE(r.found[0].confirmed);
+    }
+}
+
+// Emerald's fonts as its text engine numbers them (text.h: 0 small, 1
+// normal, 2 to 5 short, 6 braille, 7 narrow, 8 small narrow), whatever
+// their order in the image. A second table that numbers them otherwise
+// leaves every role but the message font unknown.
+TEST(FitFont, TheFontOfEachRoleByTheGamesTableOfWidthFunctions) {
+    RomBuilder rom(3u << 20, '\x01');
+    rom.Code("BPEE");
+    Plant(rom, MakeFont(13, GlyphFormat::Wide2bpp, 7), 0x100000, 0x108000, 0x4000);  // narrow
+    Plant(rom, MakeFont(11, GlyphFormat::Wide2bpp, 10), 0x110000, 0x118000, 0x4100);  // normal
+    Plant(rom, MakeFont(12, GlyphFormat::Wide2bpp, 6), 0x120000, 0x128000, 0x4200);  // small
+    const std::uint32_t narrow = 0x108000, normal = 0x118000, small = 0x128000;
+    WidthFunctions(rom, 0x5000, 0x6000, {small, normal, normal, normal, normal, normal, 0, narrow, small});
+    struct Case {
+        FontRole role;
+        Family family;
+        std::optional<std::uint32_t> widths, ambiguous;
+    };
+    const Case cases[] = {
+        {FontRole::Normal, Family::Emerald, normal, normal},
+        {FontRole::Small, Family::Emerald, small, std::nullopt},
+        {FontRole::Narrow, Family::Emerald, narrow, std::nullopt},
+        {FontRole::Small, Family::FireRedLeafGreen, small, std::nullopt},
+        {FontRole::Narrow, Family::FireRedLeafGreen, std::nullopt, std::nullopt},  // no narrow font
+        {FontRole::Small, Family::RubySapphire, std::nullopt, std::nullopt},       // no such table
+        {FontRole::BattleTiles, Family::RubySapphire, std::nullopt, std::nullopt},
+    };
+    const FontResult one = LocateFont(rom.bytes());
+    const FontResult two = LocateFont(WidthFunctions(rom, 0x7000, 0x8000, {narrow, normal, normal, normal, normal, normal, 0, small}).bytes());
+    auto widths = [](const Font* f) { return f ? std::optional(f->place.widths) : std::nullopt; };
+    for (const Case& c : cases) {
+        EXPECT_EQ(widths(one.Of(c.role, c.family)), c.widths) << static_cast<int>(c.role) << " " << static_cast<int>(c.family);
+        EXPECT_EQ(widths(two.Of(c.role, c.family)), c.ambiguous) << static_cast<int>(c.role) << " " << static_cast<int>(c.family);
     }
 }
 
@@ -144,6 +188,7 @@ TEST(FitBoxes, TheWindowsOfTwoFamilies) {
         TextContext context;
         std::string_view table;
         int width, lines, cursor, space;
+        FontRole font = FontRole::Normal;
     };
     const Case cases[] = {
         {Family::FireRedLeafGreen, TextContext::MessageBox, {}, 208, 2, 10, 0},  // 26 tiles, arrow 10 px
@@ -161,10 +206,12 @@ TEST(FitBoxes, TheWindowsOfTwoFamilies) {
         {std::nullopt, TextContext::Menu, {}, 224, 0, 0, 0},
         {Family::Emerald, TextContext::Description, "Pok\xC3\xA9" "dex entries", 240, 0, 0, 0},
         {Family::FireRedLeafGreen, TextContext::Other, {}, 240, 0, 0, 0},
+        {Family::FireRedLeafGreen, TextContext::Name, "Species names", 64, 1, 0, 0, FontRole::Small},
+        {Family::FireRedLeafGreen, TextContext::Name, "Move names", 64, 1, 0, 0, FontRole::Small},
     };
     for (const Case& c : cases) {
         const Box b = BoxOf(c.family, c.context, c.table);
-        EXPECT_EQ(std::tuple(b.width, b.lines, b.cursor, b.space), std::tuple(c.width, c.lines, c.cursor, c.space))
+        EXPECT_EQ(std::tuple(b.width, b.lines, b.cursor, b.space, b.font), std::tuple(c.width, c.lines, c.cursor, c.space, c.font))
             << game::ContextName(c.context) << " " << c.table;
     }
     EXPECT_FALSE(BoxOf(Family::Emerald, TextContext::Braille).check);
@@ -206,12 +253,14 @@ TEST(FitBoxes, NamesOfFixedLengthInTheWindowsThatShowThem) {
     EXPECT_NE(boxes.At(ten + 1).context, TextContext::Name);  // inside a field, not at its start
     EXPECT_NE(TextBoxes::Read(image, game::GameModel::Read(image)).At(ten).context, TextContext::Name);
 
-    const Font small = Even(), normal = Even();
+    FontResult fonts;
+    fonts.font = Even();
     const std::string offsets = "[Species names]\r\nNine=" + PlainHex(nine) + "\r\nTen=" + PlainHex(ten) + "\r\n";
-    const CheckReport r = CheckTexts(image, offsets, normal, boxes, std::nullopt, &small);
+    EXPECT_EQ(CheckTexts(image, offsets, fonts, boxes).entries, 0u);  // the small font not told apart: not measured
+    fonts.byNumber = {Even()};
+    const CheckReport r = CheckTexts(image, offsets, fonts, boxes);
     ASSERT_EQ(r.rows.size(), 1u);
     EXPECT_EQ(std::tuple(r.rows[0].key, r.rows[0].First().width), std::tuple(std::string("Ten"), 66));
-    EXPECT_EQ(CheckTexts(image, offsets, normal, boxes).entries, 0u);  // no small font: not measured
 }
 
 // --- measuring -------------------------------------------------------------
