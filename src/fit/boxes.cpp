@@ -76,10 +76,34 @@ constexpr std::array kFacts = {
          In(FontRole::Small, Make(TextContext::Name, "species name on the health box", 64, 1), "\xB5")},
     Fact{Family::FireRedLeafGreen, TextContext::Name, "Move names",
          In(FontRole::Small, Make(TextContext::Name, "move name in the battle menu", 64, 1))},
+    // battle_interface.c: as in FireRed, the name in FONT_SMALL from x 0 of
+    // the 8-tile health box window, the gender sign behind it; battle_bg.c,
+    // battle_message.c: each move of the battle menu in an 8-tile window,
+    // FONT_NARROW, from x 0.
+    Fact{Family::Emerald, TextContext::Name, "Species names",
+         In(FontRole::Small, Make(TextContext::Name, "species name on the health box", 64, 1), "\xB5")},
+    Fact{Family::Emerald, TextContext::Name, "Move names",
+         In(FontRole::Narrow, Make(TextContext::Name, "move name in the battle menu", 64, 1))},
     // Ruby and Sapphire.
     // text_window.c: the dialogue frame holds 26 tiles; menu.c prints from its first.
     Fact{Family::RubySapphire, TextContext::MessageBox, {}, Make(TextContext::MessageBox, "message box", 208, 2)},
     Fact{Family::RubySapphire, TextContext::Sign, {}, Make(TextContext::Sign, "message box", 208, 2)},
+    // item_menu.c, menu.c: the description is printed 104 pixels wide (each
+    // line cleared to there), 3 lines.
+    Fact{Family::RubySapphire, TextContext::Description, "Item descriptions",
+         Make(TextContext::Description, "item description", 104, 3)},
+    // move_tutor_menu.c: a move's description 144 pixels wide from x 88, 2 lines.
+    Fact{Family::RubySapphire, TextContext::Description, "Move descriptions",
+         Make(TextContext::Description, "move description", 144, 2)},
+    // battle_interface.c: the name and its gender sign are drawn by the
+    // battle font (window font 4, whose widths go by tile, text.c) into 7
+    // tiles of the health box; battle_controller_player.c: each move in the
+    // battle text window's font 3 (the message font), from tile 1 or 11 of
+    // a menu that ends at tile 21: 10 tiles.
+    Fact{Family::RubySapphire, TextContext::Name, "Species names",
+         In(FontRole::BattleTiles, Make(TextContext::Name, "species name on the health box", 56, 1), "\xB5")},
+    Fact{Family::RubySapphire, TextContext::Name, "Move names",
+         Make(TextContext::Name, "move name in the battle menu", 80, 1)},
 };
 
 // Every family: the Pokédex centres its entries on the 240-pixel screen;

@@ -206,8 +206,15 @@ TEST(FitBoxes, TheWindowsOfTwoFamilies) {
         {std::nullopt, TextContext::Menu, {}, 224, 0, 0, 0},
         {Family::Emerald, TextContext::Description, "Pok\xC3\xA9" "dex entries", 240, 0, 0, 0},
         {Family::FireRedLeafGreen, TextContext::Other, {}, 240, 0, 0, 0},
+        {Family::RubySapphire, TextContext::Description, "Item descriptions", 104, 3, 0, 0},  // cleared to 104 px
+        {Family::RubySapphire, TextContext::Description, "Move descriptions", 144, 2, 0, 0},  // 18 tiles from x 88
+        // Names: 8-tile windows; Ruby's health box shows 7 tiles, its menu 10 a move.
         {Family::FireRedLeafGreen, TextContext::Name, "Species names", 64, 1, 0, 0, FontRole::Small},
         {Family::FireRedLeafGreen, TextContext::Name, "Move names", 64, 1, 0, 0, FontRole::Small},
+        {Family::Emerald, TextContext::Name, "Species names", 64, 1, 0, 0, FontRole::Small},
+        {Family::Emerald, TextContext::Name, "Move names", 64, 1, 0, 0, FontRole::Narrow},
+        {Family::RubySapphire, TextContext::Name, "Species names", 56, 1, 0, 0, FontRole::BattleTiles},
+        {Family::RubySapphire, TextContext::Name, "Move names", 80, 1, 0, 0, FontRole::Normal},
     };
     for (const Case& c : cases) {
         const Box b = BoxOf(c.family, c.context, c.table);
