@@ -27,6 +27,7 @@ constexpr std::array kFormats = {GlyphFormat::Wide2bpp, GlyphFormat::Narrow2bpp,
 // literal pool take at most this many bytes before the pool's widths pointer.
 constexpr std::uint32_t kMinWidthFunctions = 7;
 constexpr std::uint32_t kFunctionReach = 64;
+constexpr std::uint32_t kMaxFontNumber = 32;  // above any game's font numbers
 // text.h: the font numbers of the roles. FONT_SMALL is 0 in FireRed,
 // LeafGreen and Emerald; FONT_NARROW is 7 in Emerald. Ruby and Sapphire's
 // text engine has no such table: only their message font is told apart.
@@ -217,8 +218,7 @@ struct Located {
     bool confirmed = false;
 };
 
-std::vector<Located> Search(std::string_view image, const game::PointerIndex* index) {
-    const std::vector<std::uint64_t> byTarget = PointersByTarget(image, index);
+std::vector<Located> Search(std::string_view image, const std::vector<std::uint64_t>& byTarget) {
     std::vector<std::uint32_t> widthTables;
     std::vector<Block> blocks;
     for (std::size_t i = 0; i < byTarget.size(); ++i) {
@@ -261,17 +261,39 @@ std::vector<Located> Search(std::string_view image, const game::PointerIndex* in
 // a Thumb function in number order, each function returning a character's
 // width from its font's width table, whose pointer stands in its literal
 // pool. The width table of each number, as the one table found gives it;
-// nothing when none is found, or several that disagree.
-std::vector<std::optional<std::uint32_t>> WidthsByNumber(std::string_view image, const std::vector<Located>& located) {
+// nothing when none is found, or several that disagree. The tables are
+// reached from the width tables found: the pool word that points at one,
+// the functions that may own that pool, the records that point at those.
+std::vector<std::optional<std::uint32_t>> WidthsByNumber(std::string_view image, const std::vector<std::uint64_t>& byTarget,
+                                                         const std::vector<Located>& located) {
     std::vector<std::uint32_t> widths;
     for (const Located& l : located) widths.push_back(l.place.widths);
     std::sort(widths.begin(), widths.end());
     const auto size = static_cast<std::uint32_t>(image.size());
     auto thumb = [&](std::uint32_t word) { return (word & 1) && game::Target(word & ~1u, size); };
+    auto record = [&](std::uint32_t at, std::uint32_t n) {
+        return at + 8 * n + 8 <= size && game::Word(image, at + 8 * n) == n && thumb(game::Word(image, at + 8 * n + 4));
+    };
+    std::vector<std::uint32_t> starts;
+    for (std::uint32_t table : widths)
+        for (auto [p, pEnd] = PlacesOf(byTarget, table); p != pEnd; ++p) {
+            const auto pool = static_cast<std::uint32_t>(*p);
+            for (std::uint32_t function = pool >= kFunctionReach ? pool - kFunctionReach : 0; function < pool; function += 2)
+                for (auto [r, rEnd] = PlacesOf(byTarget, function + 1); r != rEnd; ++r) {
+                    const auto slot = static_cast<std::uint32_t>(*r);
+                    if (slot < 4 + game::kHeaderSize) continue;
+                    const std::uint32_t number = game::Word(image, slot - 4);
+                    if (number > kMaxFontNumber || slot - 4 < game::kHeaderSize + 8 * number) continue;
+                    const std::uint32_t start = slot - 4 - 8 * number;
+                    if (record(start, number)) starts.push_back(start);
+                }
+        }
+    std::sort(starts.begin(), starts.end());
+    starts.erase(std::unique(starts.begin(), starts.end()), starts.end());
     std::vector<std::vector<std::optional<std::uint32_t>>> tables;
-    for (std::uint32_t at = game::kHeaderSize; at + 8 <= size; at += 4) {
+    for (std::uint32_t at : starts) {
         std::uint32_t n = 0;
-        while (at + 8 * n + 8 <= size && game::Word(image, at + 8 * n) == n && thumb(game::Word(image, at + 8 * n + 4))) ++n;
+        while (record(at, n)) ++n;
         if (n < kMinWidthFunctions) continue;
         std::vector<std::optional<std::uint32_t>> byNumber(n);
         for (std::uint32_t k = 0; k < n; ++k) {
@@ -281,7 +303,6 @@ std::vector<std::optional<std::uint32_t>> WidthsByNumber(std::string_view image,
                     byNumber[k] = *target;
         }
         if (byNumber[0] && std::find(tables.begin(), tables.end(), byNumber) == tables.end()) tables.push_back(byNumber);
-        at += 8 * n - 4;
     }
     return tables.size() == 1 ? tables.front() : std::vector<std::optional<std::uint32_t>>();
 }
@@ -320,6 +341,7 @@ static FontResult LocateWith(std::string_view image, std::optional<FontPlace> na
         return result;
     }
     std::vector<Located> places;
+    std::vector<std::uint64_t> byTarget;  // searched only when no font is named
     if (named) {
         if (std::uint64_t{named->widths} + kTextGlyphs > image.size()) {
             result.why = "no fit check: the glyph widths at " + PrefixedHex(named->widths) + " reach past the end of the image.";
@@ -338,10 +360,11 @@ static FontResult LocateWith(std::string_view image, std::optional<FontPlace> na
         }
         places.push_back({place, false});
     } else {
-        places = Search(image, index);
+        byTarget = PointersByTarget(image, index);
+        places = Search(image, byTarget);
     }
     if (!named)
-        for (const std::optional<std::uint32_t>& widths : WidthsByNumber(image, places)) {
+        for (const std::optional<std::uint32_t>& widths : WidthsByNumber(image, byTarget, places)) {
             const auto it = std::find_if(places.begin(), places.end(), [&](const Located& l) { return widths && l.place.widths == *widths; });
             result.byNumber.push_back(it == places.end() ? std::nullopt : std::optional<Font>(MakeFont(image, it->place)));
         }
