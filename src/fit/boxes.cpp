@@ -69,19 +69,20 @@ constexpr std::array kFacts = {
     Fact{Family::Emerald, TextContext::Description, "Move descriptions",
          Make(TextContext::Description, "move description", 154, 2)},
     // battle_interface.c: a battler's name is drawn in the small font from x 0
-    // of an 8-tile window on its health box, its gender sign right behind it;
-    // battle_bg.c, battle_message.c: each move of the battle menu in an
-    // 8-tile window, small font, from x 0.
+    // of an 8-tile window, its gender sign right behind it, and 7 of the
+    // window's tiles are copied onto the health box; battle_bg.c,
+    // battle_message.c: each move of the battle menu in an 8-tile window,
+    // small font, from x 0.
     Fact{Family::FireRedLeafGreen, TextContext::Name, "Species names",
-         In(FontRole::Small, Make(TextContext::Name, "species name on the health box", 64, 1), "\xB5")},
+         In(FontRole::Small, Make(TextContext::Name, "species name on the health box", 56, 1), "\xB5")},
     Fact{Family::FireRedLeafGreen, TextContext::Name, "Move names",
          In(FontRole::Small, Make(TextContext::Name, "move name in the battle menu", 64, 1))},
-    // battle_interface.c: as in FireRed, the name in FONT_SMALL from x 0 of
-    // the 8-tile health box window, the gender sign behind it; battle_bg.c,
+    // battle_interface.c: as in FireRed, the name in FONT_SMALL from x 0,
+    // the gender sign behind it, 7 tiles shown on the health box; battle_bg.c,
     // battle_message.c: each move of the battle menu in an 8-tile window,
     // FONT_NARROW, from x 0.
     Fact{Family::Emerald, TextContext::Name, "Species names",
-         In(FontRole::Small, Make(TextContext::Name, "species name on the health box", 64, 1), "\xB5")},
+         In(FontRole::Small, Make(TextContext::Name, "species name on the health box", 56, 1), "\xB5")},
     Fact{Family::Emerald, TextContext::Name, "Move names",
          In(FontRole::Narrow, Make(TextContext::Name, "move name in the battle menu", 64, 1))},
     // Ruby and Sapphire.

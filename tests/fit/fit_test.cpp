@@ -208,10 +208,10 @@ TEST(FitBoxes, TheWindowsOfTwoFamilies) {
         {Family::FireRedLeafGreen, TextContext::Other, {}, 240, 0, 0, 0},
         {Family::RubySapphire, TextContext::Description, "Item descriptions", 104, 3, 0, 0},  // cleared to 104 px
         {Family::RubySapphire, TextContext::Description, "Move descriptions", 144, 2, 0, 0},  // 18 tiles from x 88
-        // Names: 8-tile windows; Ruby's health box shows 7 tiles, its menu 10 a move.
-        {Family::FireRedLeafGreen, TextContext::Name, "Species names", 64, 1, 0, 0, FontRole::Small},
+        // Names: health boxes show 7 tiles of their window; battle menus 8 tiles a move (Ruby's 10).
+        {Family::FireRedLeafGreen, TextContext::Name, "Species names", 56, 1, 0, 0, FontRole::Small},
         {Family::FireRedLeafGreen, TextContext::Name, "Move names", 64, 1, 0, 0, FontRole::Small},
-        {Family::Emerald, TextContext::Name, "Species names", 64, 1, 0, 0, FontRole::Small},
+        {Family::Emerald, TextContext::Name, "Species names", 56, 1, 0, 0, FontRole::Small},
         {Family::Emerald, TextContext::Name, "Move names", 64, 1, 0, 0, FontRole::Narrow},
         {Family::RubySapphire, TextContext::Name, "Species names", 56, 1, 0, 0, FontRole::BattleTiles},
         {Family::RubySapphire, TextContext::Name, "Move names", 80, 1, 0, 0, FontRole::Normal},
@@ -248,26 +248,27 @@ TEST(FitBoxes, HelpTextsByTheirPairedTables) {
 }
 
 // Species names are drawn on the health box in the small font, the gender
-// sign behind them: 64 pixels in all. With 6-pixel letters, nine fit and ten do not.
+// sign behind them, in the 7 tiles the health box shows: 56 pixels. With
+// 6-pixel letters and sign, eight fit and nine do not.
 TEST(FitBoxes, NamesOfFixedLengthInTheWindowsThatShowThem) {
     RomBuilder rom(3u << 20, '\xFF');
     rom.Code("BPRE").Put(0x200000, test::NameRecords({11, 11, '\0', 412})).Pointer(0x144, 0x200000);
-    const std::uint32_t nine = 0x200000 + 11 * 5, ten = 0x200000 + 11 * 6;
-    rom.Put(nine, std::string(9, '\xC7') + "\xFF").Put(ten, std::string(10, '\xC7') + "\xFF");
+    const std::uint32_t eight = 0x200000 + 11 * 5, nine = 0x200000 + 11 * 6;
+    rom.Put(eight, std::string(8, '\xC7') + "\xFF").Put(nine, std::string(9, '\xC7') + "\xFF");
     const std::string image = rom.bytes();
     const TextBoxes boxes = TextBoxes::Read(image, game::GameModel::Read(image), true);
-    EXPECT_EQ(boxes.At(ten).name, "species name on the health box");
-    EXPECT_NE(boxes.At(ten + 1).context, TextContext::Name);  // inside a field, not at its start
-    EXPECT_NE(TextBoxes::Read(image, game::GameModel::Read(image)).At(ten).context, TextContext::Name);
+    EXPECT_EQ(boxes.At(nine).name, "species name on the health box");
+    EXPECT_NE(boxes.At(nine + 1).context, TextContext::Name);  // inside a field, not at its start
+    EXPECT_NE(TextBoxes::Read(image, game::GameModel::Read(image)).At(nine).context, TextContext::Name);
 
     FontResult fonts;
     fonts.font = Even();
-    const std::string offsets = "[Species names]\r\nNine=" + PlainHex(nine) + "\r\nTen=" + PlainHex(ten) + "\r\n";
+    const std::string offsets = "[Species names]\r\nEight=" + PlainHex(eight) + "\r\nNine=" + PlainHex(nine) + "\r\n";
     EXPECT_EQ(CheckTexts(image, offsets, fonts, boxes).entries, 0u);  // the small font not told apart: not measured
     fonts.byNumber = {Even()};
     const CheckReport r = CheckTexts(image, offsets, fonts, boxes);
     ASSERT_EQ(r.rows.size(), 1u);
-    EXPECT_EQ(std::tuple(r.rows[0].key, r.rows[0].First().width), std::tuple(std::string("Ten"), 66));
+    EXPECT_EQ(std::tuple(r.rows[0].key, r.rows[0].First().width), std::tuple(std::string("Nine"), 60));
 }
 
 // --- measuring -------------------------------------------------------------
