@@ -1,0 +1,29 @@
+#include "fit/window_box.h"
+
+#include "fit/measure.h"
+#include "game/window_templates.h"
+
+#include <algorithm>
+
+namespace quillon::fit {
+
+std::optional<Box> WindowBox(std::string_view image, const game::GameModel& model, std::uint32_t text,
+                             const Font& font) {
+    const std::optional<game::PrintWindows> windows = game::WindowsOf(image, model, text);
+    if (!windows) return std::nullopt;
+    Box box = BoxOf(model.family(), game::TextContext::Other);
+    const std::string_view bytes = image.substr(text);
+    const int widest = MeasureBytes(bytes.substr(0, bytes.find('\xFF')), font, OptionsFor(box, model.family())).WidestWidth();
+    int room = 0;
+    for (const game::WindowTemplate& w : windows->windows) {
+        const int width = 8 * w.width;
+        if (width < widest) continue;  // the game's text does not fit: not its window
+        const int inside = width - std::min(windows->x, width - widest);
+        room = room == 0 ? inside : std::min(room, inside);
+    }
+    if (room == 0) return std::nullopt;
+    box.name = "program window", box.width = room;
+    return box;
+}
+
+}  // namespace quillon::fit
