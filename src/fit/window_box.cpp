@@ -13,7 +13,12 @@ std::optional<Box> WindowBox(std::string_view image, const game::GameModel& mode
     if (!windows) return std::nullopt;
     Box box = BoxOf(model.family(), game::TextContext::Other);
     const std::string_view bytes = image.substr(text);
-    const int widest = MeasureBytes(bytes.substr(0, bytes.find('\xFF')), font, OptionsFor(box, model.family())).WidestWidth();
+    const Measure m = MeasureBytes(bytes.substr(0, bytes.find('\xFF')), font, OptionsFor(box, model.family()));
+    // A text of one line is a label or a menu item, which the same function
+    // may print in any of its windows, the smallest too: only a text of
+    // several lines is the one its window is made for.
+    if (m.lines.size() < 2) return std::nullopt;
+    const int widest = m.WidestWidth();
     int room = 0;
     for (const game::WindowTemplate& w : windows->windows) {
         const int width = 8 * w.width;

@@ -220,13 +220,14 @@ TEST(FitBoxes, NamesOfFixedLengthInTheWindowsThatShowThem) {
 // call passes the printer's x as a constant. Of its windows, the narrowest
 // that holds the text tells its box; a window the text does not fit is not
 // its own. Without templates, without the array's closing template, or with
-// the text loaded also by code that makes no window, its box stays the one
-// of a text of unknown use.
+// the text loaded also by code that makes no window, or a text of one line
+// (a label, which may go in any of the windows), its box stays the one of a
+// text of unknown use.
 TEST(FitBoxes, WindowsThatProgramCodeMakesFromTemplates) {
-    enum class Layout { Array, TableOfArrays, Unclosed, NoTemplates, AlsoElsewhere };
+    enum class Layout { Array, TableOfArrays, Unclosed, NoTemplates, AlsoElsewhere, OneLine };
     const Font font = Even();
     for (const Layout layout : {Layout::Array, Layout::TableOfArrays, Layout::Unclosed, Layout::NoTemplates,
-                                Layout::AlsoElsewhere}) {
+                                Layout::AlsoElsewhere, Layout::OneLine}) {
         for (unsigned seed = 1; seed <= 3; ++seed) {
             std::mt19937 rng(seed * 7 + static_cast<unsigned>(layout));
             const int narrow = 18 + static_cast<int>(rng() % 4), wide = narrow + 3 + static_cast<int>(rng() % 4);
@@ -242,12 +243,13 @@ TEST(FitBoxes, WindowsThatProgramCodeMakesFromTemplates) {
             constexpr std::uint32_t kTemplates = 0x90000, kTable = 0x90100, kText = 0xA0000;
             // Five words of four letters a line: 132 pixels, which a window of 4 tiles does not hold.
             std::string text;
-            for (int k = 0; k < 8; ++k) text += (k == 0 ? "" : k == 5 ? "\r\n" : " ") + std::string(4, static_cast<char>('a' + rng() % 26));
+            for (int k = 0; k < (layout == Layout::OneLine ? 5 : 8); ++k)
+                text += (k == 0 ? "" : k == 5 ? "\r\n" : " ") + std::string(4, static_cast<char>('a' + rng() % 26));
             const std::string original = HexToBytes(EncodeText(text, false));
             rom.Put(kText, original + "\xFF");
             std::uint32_t loaded = 0x02000000;  // a work-RAM address where no templates are loaded
-            if (layout == Layout::Array || layout == Layout::Unclosed) {
-                rom.Put(kTemplates, window(wide) + window(4) + window(narrow) + (layout == Layout::Array ? closing : ""));
+            if (layout == Layout::Array || layout == Layout::Unclosed || layout == Layout::OneLine) {
+                rom.Put(kTemplates, window(wide) + window(4) + window(narrow) + (layout != Layout::Unclosed ? closing : ""));
                 loaded = game::kRomBase + kTemplates;
             } else if (layout != Layout::NoTemplates) {
                 rom.Put(kTemplates, window(wide) + closing + window(4) + window(narrow) + closing);
