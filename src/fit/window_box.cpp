@@ -9,6 +9,9 @@ namespace quillon::fit {
 
 std::optional<Box> WindowBox(std::string_view image, const game::GameModel& model, std::uint32_t text,
                              const Font& font) {
+    // text.h of Ruby and Sapphire: a window there is set up from one
+    // configuration per background and a text placed by its tiles; no templates.
+    if (model.family() == game::Family::RubySapphire) return std::nullopt;
     const std::optional<game::PrintWindows> windows = game::WindowsOf(image, model, text);
     if (!windows) return std::nullopt;
     Box box = BoxOf(model.family(), game::TextContext::Other);

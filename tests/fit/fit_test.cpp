@@ -220,20 +220,21 @@ TEST(FitBoxes, NamesOfFixedLengthInTheWindowsThatShowThem) {
 // call passes the printer's x as a constant. Of its windows, the narrowest
 // that holds the text tells its box; a window the text does not fit is not
 // its own. Without templates, without the array's closing template, or with
-// the text loaded also by code that makes no window, or a text of one line
-// (a label, which may go in any of the windows), its box stays the one of a
-// text of unknown use.
+// the text loaded also by code that makes no window, for a text of one line
+// (a label, which may go in any of the windows), or in Ruby and Sapphire
+// (which make no windows from templates), its box stays the one of a text
+// of unknown use.
 TEST(FitBoxes, WindowsThatProgramCodeMakesFromTemplates) {
-    enum class Layout { Array, TableOfArrays, Unclosed, NoTemplates, AlsoElsewhere, OneLine };
+    enum class Layout { Array, TableOfArrays, Unclosed, NoTemplates, AlsoElsewhere, OneLine, RubySapphire };
     const Font font = Even();
     for (const Layout layout : {Layout::Array, Layout::TableOfArrays, Layout::Unclosed, Layout::NoTemplates,
-                                Layout::AlsoElsewhere, Layout::OneLine}) {
+                                Layout::AlsoElsewhere, Layout::OneLine, Layout::RubySapphire}) {
         for (unsigned seed = 1; seed <= 3; ++seed) {
             std::mt19937 rng(seed * 7 + static_cast<unsigned>(layout));
             const int narrow = 18 + static_cast<int>(rng() % 4), wide = narrow + 3 + static_cast<int>(rng() % 4);
             const int x = 3 + static_cast<int>(rng() % 6);
             RomBuilder rom(1u << 20, '\xFF');
-            rom.Code("BPRE");
+            rom.Code(layout == Layout::RubySapphire ? "AXVE" : "BPRE");
             auto window = [&](int tiles) {  // bg 0, left, top, width, height 4, palette 15, baseBlock
                 const int block = 1 + static_cast<int>(rng() % 200);
                 return std::string{'\0', static_cast<char>(rng() % 4), static_cast<char>(rng() % 12), static_cast<char>(tiles),
@@ -248,7 +249,8 @@ TEST(FitBoxes, WindowsThatProgramCodeMakesFromTemplates) {
             const std::string original = HexToBytes(EncodeText(text, false));
             rom.Put(kText, original + "\xFF");
             std::uint32_t loaded = 0x02000000;  // a work-RAM address where no templates are loaded
-            if (layout == Layout::Array || layout == Layout::Unclosed || layout == Layout::OneLine) {
+            if (layout == Layout::Array || layout == Layout::Unclosed || layout == Layout::OneLine ||
+                layout == Layout::RubySapphire) {
                 rom.Put(kTemplates, window(wide) + window(4) + window(narrow) + (layout != Layout::Unclosed ? closing : ""));
                 loaded = game::kRomBase + kTemplates;
             } else if (layout != Layout::NoTemplates) {
