@@ -22,6 +22,7 @@ std::optional<Box> WindowBox(std::string_view image, const game::GameModel& mode
     // several lines is the one its window is made for.
     if (m.lines.size() < 2) return std::nullopt;
     const int widest = m.WidestWidth();
+    // text.c: the printer cuts a glyph at the window's width less the x it started at.
     int room = 0;
     for (const game::WindowTemplate& w : windows->windows) {
         const int width = 8 * w.width;

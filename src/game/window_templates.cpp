@@ -53,8 +53,9 @@ constexpr std::uint32_t kLdrReach = 1020, kCallReach = 24;
         if (!code.IsCode(at) || code.IsPoolWord(at & ~3u)) continue;
         for (std::uint32_t k = 1, i = at + 2; k <= kCallReach && i + 2 <= image.size(); ++k, i += 2) {
             const std::uint16_t next = Half(image, i);
-            if ((next >> 11) == 0x1E) break;                                 // bl: the call
-            if ((next >> 12) == 0xD || (next >> 11) == 0x1C || (next >> 8) == 0x47 || (next >> 8) == 0xBD) break;  // a branch or return
+            const bool call = (next >> 11) == 0x1E;  // bl
+            const bool away = (next >> 12) == 0xD || (next >> 11) == 0x1C || (next >> 8) == 0x47 || (next >> 8) == 0xBD;
+            if (call || away) break;  // the call, or a branch or return before it
             const int reg = next >> 8 & 7;
             if ((next >> 11) == 0x04 && reg >= 1 && reg <= 3) largest = std::max(largest, next & 0xFF);  // movs Rd, #imm
         }
