@@ -1,5 +1,6 @@
 #include "fit/boxes.h"
 
+#include "fit/window_box.h"
 #include "game/maps.h"
 #include "game/name_tables.h"
 #include "game/words.h"
@@ -139,7 +140,7 @@ Box BoxOf(std::optional<Family> family, TextContext context, std::string_view ta
 
 Box MessageBox(std::optional<Family> family) { return BoxOf(family, TextContext::MessageBox); }
 
-TextBoxes TextBoxes::Read(std::string_view image, const game::GameModel& model, bool names) {
+TextBoxes TextBoxes::Read(std::string_view image, const game::GameModel& model, bool names, const Font* font) {
     TextBoxes boxes;
     boxes.family_ = model.family();
     if (names && boxes.family_)
@@ -147,8 +148,11 @@ TextBoxes TextBoxes::Read(std::string_view image, const game::GameModel& model, 
             const Box box = BoxOf(boxes.family_, TextContext::Name, t.kind);
             if (box.context == TextContext::Name) boxes.names_.push_back({t.first, t.stride, t.count, t.length, box});
         }
-    for (const game::TextUse& use : model.Uses())
-        boxes.uses_.emplace_back(use.offset, BoxOf(boxes.family_, use.context, use.table));
+    for (const game::TextUse& use : model.Uses()) {
+        std::optional<Box> window;
+        if (font && boxes.family_ && use.context == TextContext::Other) window = WindowBox(image, model, use.offset, *font);
+        boxes.uses_.emplace_back(use.offset, window ? *window : BoxOf(boxes.family_, use.context, use.table));
+    }
 
     // Runs of aligned slots that each lead to a text, led by an empty word.
     struct Run {

@@ -18,6 +18,8 @@
 
 namespace quillon::fit {
 
+struct Font;
+
 struct Box {
     game::TextContext context = game::TextContext::MessageBox;
     std::string_view name = "message box";  // for messages: "message box", "help window", ...
@@ -50,8 +52,11 @@ public:
     // them come in pairs of equal length, one right after the other, each led
     // by an empty slot (titles, then their explanations).
     // With `names`, the tables of names of fixed length too: a name in a
-    // record of a kind the game shows in a window of known width.
-    [[nodiscard]] static TextBoxes Read(std::string_view image, const game::GameModel& model, bool names = false);
+    // record of a kind the game shows in a window of known width. With
+    // `font`, texts of no known use that program code prints in windows
+    // it makes from templates get the box of those windows (WindowBox).
+    [[nodiscard]] static TextBoxes Read(std::string_view image, const game::GameModel& model, bool names = false,
+                                        const Font* font = nullptr);
 
     [[nodiscard]] Box At(std::uint32_t offset) const;
     [[nodiscard]] std::optional<game::Family> family() const { return family_; }

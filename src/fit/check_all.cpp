@@ -88,7 +88,7 @@ CheckReport CheckRom(const std::filesystem::path& rom, const std::filesystem::pa
         return report;
     }
     const std::string offsets = FileExists(offsetFile) ? io::ReadAll(offsetFile) : std::string();
-    const TextBoxes boxes = TextBoxes::Read(image, model, true);
+    const TextBoxes boxes = TextBoxes::Read(image, model, true, &*font.font);
     CheckReport report = CheckTexts(image, offsets, font, boxes, std::move(playerName));
     report.fonts = std::move(font.found);
     return report;

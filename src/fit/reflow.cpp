@@ -128,7 +128,9 @@ ReflowOptions ReflowFor(const Box& box, std::optional<game::Family> family, bool
     o.measure = OptionsFor(box, family, std::move(playerName));
     o.scroll = box.lines == 2 && !specialDialog;
     if (box.context != game::TextContext::Other) return o;
+    // Broken for the message box, or for the program's window when that is known and narrower.
     o.wrap = MessageBox(family);
+    o.wrap->width = std::min(o.wrap->width, box.width);
     o.scroll = !specialDialog;
     const Measure m = font ? MeasureBytes(original, *font, o.measure) : Measure{};
     if (m.lines.size() < 2) return o;
@@ -144,7 +146,8 @@ ReflowOptions ReflowFor(const Box& box, std::optional<game::Family> family, bool
         o.wrap->lines = o.measure.box.lines = rows;
         o.scroll = false;
         o.newBoxes = original.find('\xFB') != std::string_view::npos;
-        if (!o.newBoxes && MessageBox(family).width > o.wrap->width) o.widen = MessageBox(family).width;
+        const int widest = std::min(MessageBox(family).width, box.width);
+        if (!o.newBoxes && widest > o.wrap->width) o.widen = widest;
     }
     return o;
 }

@@ -27,13 +27,14 @@ struct ReflowOptions {
     // the window, for the report to name.
     bool newBoxes = false;
     // In such a window without new boxes: the width lines may widen to
-    // (the message box's) when at the box's width they need more lines than
-    // it shows; 0: they never widen.
+    // (the message box's, or the box's when narrower) when at the wrap's
+    // width they need more lines than it shows; 0: they never widen.
     int widen = 0;
 };
 
 // The options for a text of `box` in a game of `family`. A text whose
-// window is not known is broken for the message box, which fits in any; when
+// window is not known is broken for the message box, which fits in any (or
+// for its box, when program code's windows tell a narrower one); when
 // its text as the game had it (`original`, game bytes) holds several lines,
 // their widest tells the window's width, its breaks whether it scrolls, and
 // a window that does not scroll shows no more lines than the original's

@@ -22,7 +22,7 @@ std::shared_ptr<const RomFit> FitOf(const std::filesystem::path& rom, std::optio
     // The image read here is the model's too, when the file has a stamp.
     const auto model = now ? repoint::ModelOf(*now, image) : repoint::ModelOf(rom);
     fit->font = LocateFont(image, named, model->Pointers());
-    fit->boxes = TextBoxes::Read(image, *model);
+    fit->boxes = TextBoxes::Read(image, *model, false, fit->font.font ? &*fit->font.font : nullptr);
     stamp = now, cachedNamed = named, cached = std::move(fit);
     return cached;
 }

@@ -209,7 +209,8 @@ AllTexts BuildFor(const Session& session) {
     const fit::FitSettings settings = fit::ReadFitSettings(session.SettingsFile(), session.controls.gameCode);
     const fit::FontResult font =
         game ? fit::LocateFont(rom.View(), settings.named, game->Pointers()) : fit::LocateFont(rom.View(), settings.named);
-    const fit::TextBoxes boxes = game ? fit::TextBoxes::Read(rom.View(), *game) : fit::TextBoxes();
+    const fit::TextBoxes boxes = game ? fit::TextBoxes::Read(rom.View(), *game, false, font.font ? &*font.font : nullptr)
+                                    : fit::TextBoxes();
     fit::MeasureOptions measure;
     measure.playerName = settings.PlayerName();
     Sources sources{rom.View(), &session.tree, game.get(), font.font ? &*font.font : nullptr, measure,

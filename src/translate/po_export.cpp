@@ -61,7 +61,7 @@ ExportSummary ExportPo(const ExportRequest& request, Progress& progress) {
     const char freeByte = FreeRun(code, 1)[0];
     const game::GameModel model = game::GameModel::Read(image);
     const fit::FontResult font = fit::LocateFont(image, request.fit.named, model.Pointers());
-    const fit::TextBoxes boxes = fit::TextBoxes::Read(image, model);
+    const fit::TextBoxes boxes = fit::TextBoxes::Read(image, model, false, font.font ? &*font.font : nullptr);
     auto measure = [&](std::uint32_t offset) {
         return fit::OptionsFor(boxes.At(offset), boxes.family(), request.fit.PlayerName());
     };

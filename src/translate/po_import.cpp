@@ -197,7 +197,7 @@ struct RomSide {
             model = stamp ? repoint::ModelOf(*stamp, image)
                           : std::make_shared<const game::GameModel>(game::GameModel::Read(image));
             font = fit::LocateFont(image, request.fit.named, model->Pointers());
-            boxes = fit::TextBoxes::Read(image, *model);
+            boxes = fit::TextBoxes::Read(image, *model, false, font.font ? &*font.font : nullptr);
         }
         byContext.reserve(texts.size());
         for (std::size_t i = 0; i < texts.size(); ++i) {
@@ -244,7 +244,7 @@ struct RomScan {
         if (!model)
             model = std::make_shared<const game::GameModel>(game::GameModel::Read(
                 side.image, font.font ? game::ModelParts::All : game::ModelParts::References, std::move(pointers)));
-        if (font.font) boxes = fit::TextBoxes::Read(side.image, *model);
+        if (font.font) boxes = fit::TextBoxes::Read(side.image, *model, false, &*font.font);
     }
 
     FreeSpace freeSpace;

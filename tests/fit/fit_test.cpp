@@ -10,6 +10,7 @@
 #include "fit/render.h"
 #include "core/hex_text.h"
 #include "game/game_model.h"
+#include "game/words.h"
 #include "support/name_records.h"
 #include "support/rom_builder.h"
 #include "support/temp_dir.h"
@@ -269,6 +270,79 @@ TEST(FitBoxes, NamesOfFixedLengthInTheWindowsThatShowThem) {
     const CheckReport r = CheckTexts(image, offsets, fonts, boxes);
     ASSERT_EQ(r.rows.size(), 1u);
     EXPECT_EQ(std::tuple(r.rows[0].key, r.rows[0].First().width), std::tuple(std::string("Nine"), 60));
+}
+
+// Program code that prints a text in a window it makes from templates: a
+// function whose literal pool loads the templates and the text, and whose
+// call passes the printer's x as a constant. Of its windows, the narrowest
+// that holds the text tells its box; a window the text does not fit is not
+// its own. Without templates, without the array's closing template, or with
+// the text loaded also by code that makes no window, for a text of one line
+// (a label, which may go in any of the windows), or in Ruby and Sapphire
+// (which make no windows from templates), its box stays the one of a text
+// of unknown use.
+TEST(FitBoxes, WindowsThatProgramCodeMakesFromTemplates) {
+    enum class Layout { Array, TableOfArrays, Unclosed, NoTemplates, AlsoElsewhere, OneLine, RubySapphire };
+    const Font font = Even();
+    for (const Layout layout : {Layout::Array, Layout::TableOfArrays, Layout::Unclosed, Layout::NoTemplates,
+                                Layout::AlsoElsewhere, Layout::OneLine, Layout::RubySapphire}) {
+        for (unsigned seed = 1; seed <= 3; ++seed) {
+            std::mt19937 rng(seed * 7 + static_cast<unsigned>(layout));
+            const int narrow = 18 + static_cast<int>(rng() % 4), wide = narrow + 3 + static_cast<int>(rng() % 4);
+            const int x = 3 + static_cast<int>(rng() % 6);
+            RomBuilder rom(1u << 20, '\xFF');
+            rom.Code(layout == Layout::RubySapphire ? "AXVE" : "BPRE");
+            auto window = [&](int tiles) {  // bg 0, left, top, width, height 4, palette 15, baseBlock
+                const int block = 1 + static_cast<int>(rng() % 200);
+                return std::string{'\0', static_cast<char>(rng() % 4), static_cast<char>(rng() % 12), static_cast<char>(tiles),
+                                   '\4', '\x0F', static_cast<char>(block), static_cast<char>(block >> 8)};
+            };
+            const std::string closing("\xFF\0\0\0\0\0\0\0", 8);
+            constexpr std::uint32_t kTemplates = 0x90000, kTable = 0x90100, kText = 0xA0000;
+            // Five words of four letters a line: 132 pixels, which a window of 4 tiles does not hold.
+            std::string text;
+            for (int k = 0; k < (layout == Layout::OneLine ? 5 : 8); ++k)
+                text += (k == 0 ? "" : k == 5 ? "\r\n" : " ") + std::string(4, static_cast<char>('a' + rng() % 26));
+            const std::string original = HexToBytes(EncodeText(text, false));
+            rom.Put(kText, original + "\xFF");
+            std::uint32_t loaded = 0x02000000;  // a work-RAM address where no templates are loaded
+            if (layout == Layout::Array || layout == Layout::Unclosed || layout == Layout::OneLine ||
+                layout == Layout::RubySapphire) {
+                rom.Put(kTemplates, window(wide) + window(4) + window(narrow) + (layout != Layout::Unclosed ? closing : ""));
+                loaded = game::kRomBase + kTemplates;
+            } else if (layout != Layout::NoTemplates) {
+                rom.Put(kTemplates, window(wide) + closing + window(4) + window(narrow) + closing);
+                rom.Pointer(kTable, kTemplates).Pointer(kTable + 4, kTemplates + 16);
+                loaded = game::kRomBase + kTable;
+            }
+            // push {r4, lr}; ldr r0, =loaded; bl callee; ldr r0, =text; movs r1, #1; movs r2, #x;
+            // movs r3, #0; bl callee; pop {r4, pc}; the pool; the callee: push {lr}; pop {pc}.
+            auto function = [&](std::uint32_t at, std::uint32_t first) {
+                auto bl = [&](std::uint32_t from) {  // to the callee
+                    const std::uint32_t off = at + 32 - (from + 4);
+                    return std::string{static_cast<char>(off >> 12), static_cast<char>(0xF0 | (off >> 20 & 7)),
+                                       static_cast<char>(off >> 1), static_cast<char>(0xF8 | (off >> 9 & 7))};
+                };
+                rom.Put(at, Bytes("10B50548") + bl(at + 4) + Bytes("04480121") + std::string{static_cast<char>(x), '\x22'} +
+                                Bytes("0023") + bl(at + 16) + Bytes("10BD0000"));
+                rom.Put(at + 24, std::string{static_cast<char>(first), static_cast<char>(first >> 8),
+                                             static_cast<char>(first >> 16), static_cast<char>(first >> 24)});
+                rom.Pointer(at + 28, kText).Put(at + 32, Bytes("00B500BD"));
+            };
+            function(0x10000, loaded);
+            if (layout == Layout::AlsoElsewhere) function(0x10100, 0x02000000);
+            const std::string image = rom.bytes();
+            const Box box = TextBoxes::Read(image, game::GameModel::Read(image), false, &font).At(kText);
+            const bool known = layout == Layout::Array || layout == Layout::TableOfArrays;
+            const std::string what = std::to_string(static_cast<int>(layout)) + " seed " + std::to_string(seed);
+            EXPECT_EQ(box.width, known ? 8 * narrow - x : BoxOf(Family::FireRedLeafGreen, TextContext::Other).width) << what;
+            EXPECT_EQ(box.context, TextContext::Other) << what;
+            if (!known) continue;
+            // Lines that need more room widen up to the window, not to the message box.
+            const ReflowOptions o = ReflowFor(box, Family::FireRedLeafGreen, false, std::nullopt, &font, original);
+            EXPECT_EQ(o.widen, 8 * narrow - x) << what;
+        }
+    }
 }
 
 // --- measuring -------------------------------------------------------------
