@@ -201,7 +201,6 @@ TEST_F(Screenshot, AllTextsWindow) {
     Select("Harbour", "Gull");
     ui::AllTextsWindow* all = window->ShowAllTexts();
     QTest::keyClicks(Child(*all, "txtAllFilter"), "player");
-    all->hide();
     Keep(*all, "all-texts-window.png");
 }
 
