@@ -180,6 +180,9 @@ public:
         : image_(image), size_(static_cast<std::uint32_t>(image.size())), marks_(image.size() / 2 + 1, kFree) {}
 
     [[nodiscard]] std::uint8_t MarkAt(std::uint32_t at) const { return marks_[at / 2]; }
+    // `bytes` from `at` lie inside the image; a branch computed past either
+    // end wraps around and must not pass for an offset inside.
+    [[nodiscard]] bool Inside(std::uint32_t at, std::uint32_t bytes) const { return at <= size_ && size_ - at >= bytes; }
 
     // A strict trace faults on a push {.., lr} anywhere but at its start (a
     // pool word that reads as one must not pass for the start of the
@@ -274,7 +277,7 @@ private:
     // Claims the instruction at `at` of `bytes` bytes. Returns 1 when the
     // path is new there, 0 when it joins code traced already, -1 on a fault.
     int Enter(std::uint32_t start, std::uint32_t at, std::uint32_t bytes) {
-        if (at >= start + kMaxFunction || at + bytes > size_) return -1;
+        if (at >= start + kMaxFunction || !Inside(at, bytes)) return -1;
         const std::uint8_t m = marks_[at / 2];
         if ((m & ~kTrial) == kInstruction) return 0;
         if (m != kFree) return -1;
@@ -290,7 +293,7 @@ private:
         return unread <= kMaxUnread;
     }
 
-    bool PoolWord(std::uint32_t at) { return at + 4 <= size_ && Claim(at, kPool) && Claim(at + 2, kPool); }
+    bool PoolWord(std::uint32_t at) { return Inside(at, 4) && Claim(at, kPool) && Claim(at + 2, kPool); }
 
     // One Thumb path from `at` until it returns, meets code traced already,
     // or faults (false).
@@ -303,17 +306,17 @@ private:
                 trialCalls_.push_back(at);
                 return true;
             }
-            const std::uint16_t h = at + 2 <= size_ ? Half(image_, at) : 0xDE00;
+            const std::uint16_t h = Inside(at, 2) ? Half(image_, at) : 0xDE00;
             if (!IsThumb(h)) return false;
             const int entered = Enter(start, at, 2);
             if (entered <= 0) return entered == 0;
             const unsigned op = h >> 8;
             if (op == 0xB5 && strict_ && at != start) return false;
             if (op >= 0xF0) {  // bl: two halves
-                if (at + 4 > size_ || Half(image_, at + 2) < 0xF800 || !Claim(at + 2, kCallTail)) return false;
+                if (!Inside(at, 4) || Half(image_, at + 2) < 0xF800 || !Claim(at + 2, kCallTail)) return false;
                 const std::uint32_t target = at + 4 + static_cast<std::uint32_t>(SignExtend(h, 11) * 4096) +
                                              (Half(image_, at + 2) & 0x7FFu) * 2;
-                if (target < kHeaderSize || target >= size_) return false;
+                if (target < kHeaderSize || !Inside(target, 2)) return false;
                 trialCalls_.push_back(target);
                 at += 4;
                 // A large function also jumps within itself with bl, and a
@@ -376,7 +379,7 @@ private:
         if (table && *table % 4 == 0 && *table > at && *table - at < 1024) slot = *table;
         const std::uint32_t reach = std::min(size_, start + kMaxFunction);
         const std::uint32_t last = cases != 0 ? slot + cases * 4 : reach;
-        for (std::uint32_t firstCase = reach; slot < std::min(firstCase, last) && slot + 4 <= size_; slot += 4) {
+        for (std::uint32_t firstCase = reach; slot < std::min(firstCase, last) && Inside(slot, 4); slot += 4) {
             const std::optional<std::uint32_t> target = PointerAt(image_, slot);
             if (!target || *target % 2 != 0 || *target < start || *target >= reach || *target - slot < 4) break;
             if (!PoolWord(slot)) return false;
@@ -393,7 +396,7 @@ private:
                 trialCalls_.push_back(at | 1);
                 return true;
             }
-            const std::uint32_t w = at + 4 <= size_ ? Word(image_, at) : 0xF0000000;
+            const std::uint32_t w = Inside(at, 4) ? Word(image_, at) : 0xF0000000;
             if (at % 4 != 0 || !IsArm(w)) return false;
             const int entered = Enter(start, at, 4);
             if (entered <= 0) return entered == 0;
