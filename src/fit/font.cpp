@@ -428,6 +428,11 @@ std::string TooWideSummary(int lines) {
     return std::to_string(lines) + (lines == 1 ? " line too wide" : " lines too wide");
 }
 
+std::string BelowWindowSummary(int lines) {
+    if (lines <= 0) return {};
+    return std::to_string(lines) + (lines == 1 ? " line below its window" : " lines below its window");
+}
+
 std::string DescribePlace(const FontPlace& place) {
     const char* format = place.format == GlyphFormat::Wide2bpp     ? "16x16, 2 bits a pixel"
                          : place.format == GlyphFormat::Narrow2bpp ? "8x16, 2 bits a pixel"

@@ -107,6 +107,8 @@ std::string ReadImage(const std::filesystem::path& rom);
 
 // "1 line too wide", "2 lines too wide"; empty for none.
 std::string TooWideSummary(int lines);
+// "1 line below its window", "2 lines below its window"; empty for none.
+[[nodiscard]] std::string BelowWindowSummary(int lines);
 
 // "Wide 2 bpp at 1FF300, widths at 207300"
 std::string DescribePlace(const FontPlace& place);

@@ -123,6 +123,10 @@ void FitMonitor::Mark() {
     } else if (!font_) {
         label_->setText(QStringLiteral("No width check"));
         label_->setToolTip(why_);
+    } else if (measure_.overCount == 0 && measure_.namesCount == 0 && measure_.hiddenLines > 0) {
+        label_->setText(Q(fit::BelowWindowSummary(measure_.hiddenLines)));
+        label_->setToolTip(Q("The game shows " + std::to_string(options_.box.lines) + " lines at once in this " +
+                             std::string(options_.box.name) + "; the lines after them are never seen"));
     } else if (measure_.overCount > 0 || measure_.namesCount == 0) {
         label_->setText(Q(fit::TooWideSummary(measure_.overCount)));
         label_->setToolTip(measure_.overCount ? Q("Widest line: " + fit::WidthCaption(measure_.WidestWidth(), measure_.limit) +

@@ -278,6 +278,13 @@ TEST_F(MainWindowTest, FitMarksCheckAllReferencesAndTheToolsMenusScanExportAndIm
     text1->setPlainText(QStringLiteral("Short."));
     EXPECT_TRUE(text1->extraSelections().isEmpty());
     EXPECT_EQ(Caption(*window, "lblFit"), "");
+    // A Special Dialog text breaks every line with \n: a third line lies below the box.
+    Click("Check1");
+    text1->setPlainText(QStringLiteral("One.\nTwo.\nThree."));
+    EXPECT_EQ(Caption(*window, "lblFit"), "1 line below its window");
+    Click("Check1");
+    EXPECT_EQ(Caption(*window, "lblFit"), "");
+    text1->setPlainText(QStringLiteral("Short."));
 
     // "Check all" lists the wide texts of the game; a double click opens one.
     QStringList keys;
