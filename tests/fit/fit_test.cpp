@@ -361,6 +361,7 @@ TEST(FitMeasure, WidthsAsUsualAndAtTheLongestAndTheKindOfEachLine) {
         {"Hi [PLAYER]", Narrow(40), 45, 57, true, false},                      // a usual name is already over
         {"Hi [PLAYER]", Narrow(50), 45, 57, false, true},                      // over only at its longest
         {"\\v[&H02]!", Narrow(50), 12, 78, false, true},                       // a buffer: a digit, or twelve capitals
+        {"\\v[&H07]", Narrow(50), 54, 54, true, false},                        // the version: LEAFGREEN, whichever holds
         {"A[d][&H04]B[l][&H05]", Narrow(100), 42, 42, false, false},          // START button 24 px, symbol 6
         {"A\\c[&H13][&H50]B", Narrow(100), 86, 86, false, false},             // clear to x 80
         {"A B", [] { Box b = Narrow(100); b.space = 4; return b; }(), 16, 16, false, false},  // the help window's space
@@ -374,6 +375,8 @@ TEST(FitMeasure, WidthsAsUsualAndAtTheLongestAndTheKindOfEachLine) {
     // A sample name counts as it stands; Ruby and Sapphire have no F7..F9 codes.
     EXPECT_EQ(MeasureText("[PLAYER]", false, font, OptionsFor(Narrow(100), {}, SampleName("ASH"))).lines[0].longest, 18);
     EXPECT_EQ(MeasureText("A[d][&H04]", false, font, OptionsFor(Narrow(100), Family::RubySapphire)).lines[0].width, 18);
+    // Their version (SAPPHIRE) and rival (BRENDAN) are names the game holds.
+    EXPECT_EQ(MeasureText("\\v[&H07][RIVAL]", false, font, OptionsFor(Narrow(100), Family::RubySapphire)).lines[0].longest, 90);
 }
 
 TEST(FitMeasure, PagingTwoLinesABoxScrollAndNewBox) {
