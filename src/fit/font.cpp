@@ -29,9 +29,10 @@ constexpr std::uint32_t kMinWidthFunctions = 7;
 constexpr std::uint32_t kFunctionReach = 64;
 constexpr std::uint32_t kMaxFontNumber = 32;  // above any game's font numbers
 // text.h: the font numbers of the roles. FONT_SMALL is 0 in FireRed,
-// LeafGreen and Emerald; FONT_NARROW is 7 in Emerald. Ruby and Sapphire's
-// text engine has no such table: only their message font is told apart.
-constexpr std::size_t kSmallNumber = 0, kEmeraldNarrowNumber = 7;
+// LeafGreen and Emerald; FONT_NORMAL is 1 and FONT_NARROW 7 in Emerald.
+// Ruby and Sapphire's text engine has no such table: only their message
+// font is told apart.
+constexpr std::size_t kSmallNumber = 0, kEmeraldNormalNumber = 1, kEmeraldNarrowNumber = 7;
 
 using Edges = std::array<std::uint8_t, kTextGlyphs>;
 
@@ -402,6 +403,12 @@ static FontResult LocateWith(std::string_view image, std::optional<FontPlace> na
         }
         for (std::size_t i = 0; i < kWidthCount; ++i) result.font->widths[i] = std::max(result.font->widths[i], f.widths[i]);
     }
+    // menu.c: Emerald prints its messages in FONT_NORMAL alone, with no
+    // speakers' fonts to choose from; its other font of that size (FONT_SHORT)
+    // must not widen them.
+    if (game::FamilyOfCode(image.substr(0xAC, 4)) == game::Family::Emerald &&
+        result.byNumber.size() > kEmeraldNormalNumber && result.byNumber[kEmeraldNormalNumber])
+        result.font = result.byNumber[kEmeraldNormalNumber];
     return result;
 }
 

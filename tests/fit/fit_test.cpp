@@ -142,8 +142,15 @@ TEST(FitFont, TheFontOfEachRoleByTheGamesTableOfWidthFunctions) {
     Plant(rom, MakeFont(13, GlyphFormat::Wide2bpp, 7), 0x100000, 0x108000, 0x4000);  // narrow
     Plant(rom, MakeFont(11, GlyphFormat::Wide2bpp, 10), 0x110000, 0x118000, 0x4100);  // normal
     Plant(rom, MakeFont(12, GlyphFormat::Wide2bpp, 6), 0x120000, 0x128000, 0x4200);  // small
-    const std::uint32_t narrow = 0x108000, normal = 0x118000, small = 0x128000;
-    WidthFunctions(rom, 0x5000, 0x6000, {small, normal, normal, normal, normal, normal, 0, narrow, small});
+    Plant(rom, MakeFont(14, GlyphFormat::Wide2bpp, 10), 0x130000, 0x138000, 0x4300);  // short: as wide, other glyphs
+    const std::uint32_t narrow = 0x108000, normal = 0x118000, small = 0x128000, shortFont = 0x138000;
+    WidthFunctions(rom, 0x5000, 0x6000, {small, normal, shortFont, shortFont, shortFont, shortFont, 0, narrow, small});
+    // Emerald's messages are in its normal font alone; FireRed, which picks a
+    // font by speaker, takes every glyph at the widest of its fonts of that size.
+    const FontResult emerald = LocateFont(rom.bytes()), fireRed = LocateFont(RomBuilder(rom).Code("BPRE").bytes());
+    ASSERT_TRUE(emerald.font && fireRed.font && emerald.byNumber.size() > 1 && emerald.byNumber[1]);
+    EXPECT_EQ(emerald.font->widths, emerald.byNumber[1]->widths);
+    EXPECT_NE(fireRed.font->widths, emerald.byNumber[1]->widths);
     struct Case {
         FontRole role;
         Family family;
