@@ -186,11 +186,15 @@ std::string ReflowBytes(std::string_view bytes, const Font& font, const ReflowOp
     return out;
 }
 
-std::string ReflowText(std::string_view text, bool specialDialog, const Font& font, const ReflowOptions& options) {
+ReflowedText ReflowText(std::string_view text, bool specialDialog, const Font& font, const ReflowOptions& options) {
     const std::string bytes = HexToBytes(EncodeText(text, specialDialog));
     const std::string reflowed = ReflowBytes(bytes, font, options);
-    return reflowed == bytes.substr(0, std::min(bytes.find('\xFF'), bytes.size())) ? std::string(text)
-                                                                                       : DecodeText(reflowed, false);
+    if (reflowed == bytes.substr(0, std::min(bytes.find('\xFF'), bytes.size()))) return {std::string(text), specialDialog};
+    ReflowedText out{DecodeText(reflowed, false), specialDialog};
+    if (!specialDialog && HexToBytes(EncodeText(out.text, false)) != reflowed &&
+        HexToBytes(EncodeText(out.text, true)) == reflowed)
+        out.specialDialog = true;
+    return out;
 }
 
 }  // namespace quillon::fit

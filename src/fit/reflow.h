@@ -48,7 +48,15 @@ ReflowOptions ReflowFor(const Box& box, std::optional<game::Family> family, bool
 // for the wait arrow.
 std::string ReflowBytes(std::string_view bytes, const Font& font, const ReflowOptions& options);
 
-// Editor text reflowed, through the bytes that saving writes.
-std::string ReflowText(std::string_view text, bool specialDialog, const Font& font, const ReflowOptions& options);
+// Editor text reflowed, through the bytes that saving writes. A window that
+// shows its lines at once breaks each of them with \n, which the editor
+// writes back as such only for a Special Dialog text: `specialDialog` says
+// whether the text must be one for saving to write the reflowed bytes.
+struct ReflowedText {
+    std::string text;
+    bool specialDialog = false;
+};
+[[nodiscard]] ReflowedText ReflowText(std::string_view text, bool specialDialog, const Font& font,
+                                      const ReflowOptions& options);
 
 }  // namespace quillon::fit

@@ -180,15 +180,20 @@ void FitMonitor::Reflow() {
     const std::string& text = session_.controls.text1.Text();
     const bool special = session_.controls.specialDialog;
     const std::string& loaded = session_.loaded.bytes;
-    const std::string reflowed = fit::ReflowText(
+    const fit::ReflowedText reflowed = fit::ReflowText(
         text, special, *font_,
         fit::ReflowFor(options_.box, options_.family, special, options_.playerName, &*font_,
                        std::string_view(loaded).substr(0, std::min(loaded.find('\xFF'), loaded.size()))));
-    if (reflowed == text) return;
+    if (reflowed.text == text) return;
+    if (reflowed.specialDialog != special) {
+        // Saving then writes each break as the reflow made it.
+        session_.controls.specialDialog = reflowed.specialDialog;
+        session_.Changed();
+    }
     QTextCursor cursor(text1_->document());
     cursor.beginEditBlock();
     cursor.select(QTextCursor::Document);
-    cursor.insertText(Q(reflowed).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    cursor.insertText(Q(reflowed.text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     cursor.endEditBlock();
 }
 

@@ -425,7 +425,7 @@ TEST(FitReflow, BreaksBetweenWordsKeepsForcedBreaksAndNeverSplitsATag) {
     };
     for (const Case& c : cases) {
         const ReflowOptions o{OptionsFor(c.box, Family::FireRedLeafGreen), true, {}};
-        const std::string out = ReflowText(c.text, false, font, o);
+        const std::string out = ReflowText(c.text, false, font, o).text;
         EXPECT_EQ(out, c.reflowed) << c.name;
         EXPECT_EQ(MeasureText(out, false, font, o.measure).overCount, 0) << c.name;
     }
@@ -470,6 +470,10 @@ TEST(FitReflow, AWindowOfUnknownUseKeepsTheOriginalsLines) {
         EXPECT_EQ(DecodeText(out, false), c.reflowed) << c.name;
         EXPECT_EQ(out.find('\xFA') != std::string::npos, c.scrolls) << c.name;
         EXPECT_EQ(MeasureBytes(out, font, o.measure).hiddenLines, c.hidden) << c.name;
+        // In the editor: saving writes the same bytes (as Special Dialog where \n follows \n).
+        const ReflowedText edited = ReflowText(c.text, false, font, o);
+        EXPECT_EQ(HexToBytes(EncodeText(edited.text, edited.specialDialog)), out) << c.name;
+        EXPECT_EQ(edited.specialDialog, c.hidden > 0) << c.name;
     }
 }
 
