@@ -361,11 +361,12 @@ void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalo
     std::vector<Part> parts;
     bool nuls = false;
     if (MemoryFile probe; probe.Usable()) {
-        nuls = MarkNulEscapes(text);
+        // The declaration first, where it was found; marking escapes moves the text after them.
         if (!charset.name.empty() && Lower(charset.name) != "charset") {
             text.replace(charset.at, charset.name.size(), "CHARSET");
             declared = charset.name;
         }
+        nuls = MarkNulEscapes(text);
         parts = SplitAtEntries(std::move(text));
     }
 

@@ -110,6 +110,14 @@ TEST(PoFile, ALargeFileReadInPartsIsReadAsAWhole) {
     for (std::size_t i = 0; i < again.messages.size(); ++i)
         ASSERT_EQ(fields(again.messages[i]), fields(written.messages[i])) << i;
 
+    // A zero escape that is marked shorter before the charset's declaration.
+    WriteFile(po, "msgid \"\"\nmsgstr \"\"\n\"X-Note: a\\x0000000000z\\n\"\n"
+                  "\"Content-Type: text/plain; charset=UTF-8\\n\"\n\nmsgctxt \"A/B\"\nmsgid \"x\"\nmsgstr \"Caf\xC3\xA9\"\n");
+    const PoCatalog marked = ReadPo(po);
+    EXPECT_EQ(HeaderField(marked, "Content-Type"), "text/plain; charset=UTF-8");
+    ASSERT_EQ(marked.messages.size(), 1u);
+    EXPECT_EQ(marked.messages[0].str, "Caf\xC3\xA9");
+
     const std::string broken = std::string(text).replace(late, 8, "msgctxt S");
     const std::string twice = text + "\nmsgctxt \"S/K5\"\nmsgid \"Text 5\\nsecond line\"\nmsgstr \"x\"\n";
     for (auto [bad, named] : {std::pair{broken, po.string() + ":" + std::to_string(line) + ":"},
