@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <string_view>
-#include <vector>
 
 namespace quillon::fit {
 namespace {
@@ -51,35 +51,39 @@ constexpr std::array<std::uint8_t, 13> kKeypadWidths = {8, 8, 16, 16, 24, 24, 8,
 
 constexpr std::uint8_t kZero = 0xA1;
 
+// The widest of `names`, in capitals (A..Z are BB..D4), drawn in `font`.
+int WidestCapitals(std::initializer_list<std::string_view> names, const Font& font) {
+    int widest = 0;
+    for (std::string_view name : names) {
+        int width = 0;
+        for (char c : name) width += font.Width(static_cast<std::uint8_t>(0xBB + (c - 'A')));
+        widest = std::max(widest, width);
+    }
+    return widest;
+}
+
 // string_util.c: the placeholders FD 07 to FD 0D stand for names the game
 // holds, one or the other by the version (and in Ruby and Sapphire FD 06,
 // the rival, by the player's gender); each is counted at the widest of them.
-std::vector<std::string_view> FixedNames(std::uint8_t code, std::optional<game::Family> family) {
+// The width of what the placeholder `code` stands for when it is such a
+// name; 0 for any other placeholder.
+int FixedNameWidth(std::uint8_t code, std::optional<game::Family> family, const Font& font) {
     using game::Family;
     switch (code) {
-        case 0x06:
-            if (family == Family::RubySapphire) return {"MAY", "BRENDAN"};
-            return {};
+        case 0x06: return family == Family::RubySapphire ? WidestCapitals({"MAY", "BRENDAN"}, font) : 0;
         case 0x07:
-            if (family == Family::FireRedLeafGreen) return {"FIRERED", "LEAFGREEN"};
-            if (family == Family::RubySapphire) return {"RUBY", "SAPPHIRE"};
-            if (family == Family::Emerald) return {"EMERALD"};
-            return {"FIRERED", "LEAFGREEN", "RUBY", "SAPPHIRE", "EMERALD"};
+            if (family == Family::FireRedLeafGreen) return WidestCapitals({"FIRERED", "LEAFGREEN"}, font);
+            if (family == Family::RubySapphire) return WidestCapitals({"RUBY", "SAPPHIRE"}, font);
+            if (family == Family::Emerald) return WidestCapitals({"EMERALD"}, font);
+            return WidestCapitals({"FIRERED", "LEAFGREEN", "RUBY", "SAPPHIRE", "EMERALD"}, font);
         case 0x08:
-        case 0x09: return {"AQUA", "MAGMA"};
+        case 0x09: return WidestCapitals({"AQUA", "MAGMA"}, font);
         case 0x0A:
-        case 0x0B: return {"ARCHIE", "MAXIE"};
+        case 0x0B: return WidestCapitals({"ARCHIE", "MAXIE"}, font);
         case 0x0C:
-        case 0x0D: return {"KYOGRE", "GROUDON"};
-        default: return {};
+        case 0x0D: return WidestCapitals({"KYOGRE", "GROUDON"}, font);
+        default: return 0;
     }
-}
-
-// The width of a name in capitals, drawn in `font` (A..Z are BB..D4).
-int CapitalsWidth(std::string_view name, const Font& font) {
-    int width = 0;
-    for (char c : name) width += font.Width(static_cast<std::uint8_t>(0xBB + (c - 'A')));
-    return width;
 }
 
 }  // namespace
@@ -123,11 +127,9 @@ Item ItemAt(std::string_view b, std::size_t i, const Font& font, const MeasureOp
     if (byte == kVariable) {
         item.length = 2;
         const std::uint8_t code = param(1);
-        const std::vector<std::string_view> fixed = options.box.battle ? std::vector<std::string_view>() : FixedNames(code, options.family);
-        if (!fixed.empty()) {
+        if (const int fixed = options.box.battle ? 0 : FixedNameWidth(code, options.family, font); fixed > 0) {
             item.kind = Item::Placeholder;
-            for (std::string_view name : fixed) item.width = std::max(item.width, CapitalsWidth(name, font));
-            item.longest = item.width;
+            item.width = item.longest = fixed;
         } else if (options.box.battle || (code != kPlayerVariable && code != kRivalVariable && code != 0x05)) {
             buffer();
         } else if (code == 0x05) {
