@@ -1,5 +1,6 @@
 #include "game/code_map.h"
 
+#include "core/zeroed_array.h"
 #include "game/words.h"
 
 #include <algorithm>
@@ -177,7 +178,7 @@ struct Path {
 class Tracer {
 public:
     explicit Tracer(std::string_view image)
-        : image_(image), size_(static_cast<std::uint32_t>(image.size())), marks_(image.size() / 2 + 1, kFree) {}
+        : image_(image), size_(static_cast<std::uint32_t>(image.size())), marks_(image.size() / 2 + 1) {}  // all kFree
 
     [[nodiscard]] std::uint8_t MarkAt(std::uint32_t at) const { return marks_[at / 2]; }
     // `bytes` from `at` lie inside the image; a branch computed past either
@@ -429,7 +430,7 @@ private:
 
     std::string_view image_;
     std::uint32_t size_;
-    std::vector<std::uint8_t> marks_;
+    ZeroedBytes marks_;
     std::vector<Path> work_, soft_;
     std::vector<std::uint32_t> trial_, trialCalls_, callees_, kept_;
     std::size_t checkpointCallees_ = 0;

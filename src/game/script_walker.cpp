@@ -1,5 +1,6 @@
 #include "game/script_walker.h"
 
+#include "core/zeroed_array.h"
 #include "game/words.h"
 
 #include <algorithm>
@@ -97,7 +98,7 @@ enum : std::uint8_t { kFree, kStart, kInside, kDoomed };
 
 class Walker {
 public:
-    Walker(std::string_view image, Family family) : image_(image), family_(family), state_(image.size(), kFree) {}
+    Walker(std::string_view image, Family family) : image_(image), family_(family), state_(image.size()) {}  // all kFree
 
     void Run(std::uint32_t offset, std::int32_t owner) {
         pending_.push_back({offset, false});
@@ -197,7 +198,7 @@ private:
     void Commit(const Step& step, std::int32_t owner) {
         const Instruction& instruction = step.instruction;
         state_[instruction.offset] = kStart;
-        std::fill(state_.begin() + instruction.offset + 1, state_.begin() + instruction.End(), kInside);
+        std::fill(state_.data() + instruction.offset + 1, state_.data() + instruction.End(), kInside);
         spans_.push_back({instruction.offset, instruction.size});
         for (std::uint8_t i = 0; i < instruction.count; ++i) {
             const Argument& argument = instruction.arguments[i];
@@ -210,7 +211,7 @@ private:
 
     std::string_view image_;
     Family family_;
-    std::vector<std::uint8_t> state_;
+    ZeroedBytes state_;
     std::vector<std::pair<std::uint32_t, bool>> pending_;  // script starts, with their base
     std::vector<End> ends_;                                // where unreferenced scripts may start
     std::vector<Step> path_;
