@@ -2,6 +2,7 @@
 #include "core/hex_text.h"
 
 #include "core/file_io.h"
+#include "core/zeroed_array.h"
 #include "edit/free_space.h"
 #include "fit/measure.h"
 #include "fit/reflow.h"
@@ -20,6 +21,7 @@
 #include <cctype>
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <future>
 #include <iterator>
 #include <memory>
@@ -33,7 +35,7 @@ namespace {
 // The bytes the plan writes, one bit each; no two writes may overlap.
 class Ranges {
 public:
-    explicit Ranges(std::size_t size) : words_((size + 63) / 64) {}
+    explicit Ranges(std::size_t size) : words_((size + 63) / 64) {}  // all clear
     bool Overlaps(std::uint64_t begin, std::uint64_t end) const {
         bool any = false;
         Spans(begin, end, [&](std::size_t word, std::uint64_t mask) { any = any || (words_[word] & mask) != 0; });
@@ -56,7 +58,7 @@ private:
             at += count;
         }
     }
-    std::vector<std::uint64_t> words_;
+    ZeroedArray<std::uint64_t> words_;
 };
 
 // A text saved as a special dialog has every line break as 0xFE; a normal
@@ -99,15 +101,29 @@ struct Translated {
     std::string after;           // the bytes written at the text's place
 };
 
-// The PO file's parts as the reading thread hands them over.
-class PartQueue {
+// A part of the PO file as read, and what its messages turn into.
+struct ReadPart {
+    enum class State { Read, Working, Done };
+    PoCatalog catalog;
+    std::vector<Translated> translated;  // one per message, once worked out
+    State state = State::Read;
+};
+
+// The PO file's parts as the reading thread hands them over. The planning
+// thread takes them in the file's order and works out each one no other
+// thread has taken; threads done with their own work help by working out
+// the latest parts, so that no core idles while parts wait.
+class PartBoard {
 public:
+    using Work = std::function<void(ReadPart&)>;
+
     void Put(PoCatalog part) {
         {
             const std::lock_guard lock(mutex_);
-            parts_.push_back(std::move(part));
+            parts_.push_back(std::make_unique<ReadPart>());
+            parts_.back()->catalog = std::move(part);
         }
-        ready_.notify_one();
+        changed_.notify_all();
     }
     // The reader is done; `error` is why it stopped early, or null.
     void Finish(std::exception_ptr error) {
@@ -116,35 +132,93 @@ public:
             finished_ = true;
             error_ = std::move(error);
         }
-        ready_.notify_one();
+        changed_.notify_all();
     }
-    // The next part; nothing when the reader is done, or its error then.
-    std::optional<PoCatalog> Next() {
-        std::unique_lock lock(mutex_);
-        ready_.wait(lock, [this] { return !parts_.empty() || finished_; });
-        if (!parts_.empty()) {
-            PoCatalog part = std::move(parts_.front());
-            parts_.pop_front();
-            return part;
+    // How a part is worked out, once it can be; helpers start then.
+    void Open(Work work) {
+        {
+            const std::lock_guard lock(mutex_);
+            work_ = std::move(work);
         }
+        changed_.notify_all();
+    }
+    // No part is worked out any more: the plan is done or stopped. Helpers leave.
+    void Close() {
+        {
+            const std::lock_guard lock(mutex_);
+            closed_ = true;
+        }
+        changed_.notify_all();
+    }
+    // Waits for the reader; throws its error.
+    void WaitRead() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return finished_; });
         if (error_) std::rethrow_exception(error_);
-        return std::nullopt;
+    }
+
+    // Part `k`, worked out; null when the file has no more, or the reader's error then.
+    ReadPart* Worked(std::size_t k) {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return parts_.size() > k || finished_; });
+        if (parts_.size() <= k) {
+            if (error_) std::rethrow_exception(error_);
+            return nullptr;
+        }
+        ReadPart& part = *parts_[k];
+        if (part.state == ReadPart::State::Read) WorkOn(part, lock);
+        changed_.wait(lock, [&] { return part.state == ReadPart::State::Done; });
+        return &part;
+    }
+
+    // Works out waiting parts, latest first, until the reader is done and
+    // none waits, or the board closes.
+    void Help() {
+        std::unique_lock lock(mutex_);
+        while (true) {
+            ReadPart* waiting = nullptr;
+            changed_.wait(lock, [&] {
+                waiting = nullptr;
+                if (closed_) return true;
+                if (!work_) return false;
+                for (auto it = parts_.rbegin(); it != parts_.rend() && !waiting; ++it)
+                    if ((*it)->state == ReadPart::State::Read) waiting = it->get();
+                return waiting || finished_;
+            });
+            if (closed_ || !waiting) return;
+            WorkOn(*waiting, lock);
+        }
+    }
+
+    std::deque<std::unique_ptr<ReadPart>> TakeParts() {
+        const std::lock_guard lock(mutex_);
+        return std::move(parts_);
     }
 
 private:
+    // Called with the lock held; works without it.
+    void WorkOn(ReadPart& part, std::unique_lock<std::mutex>& lock) {
+        part.state = ReadPart::State::Working;
+        lock.unlock();
+        work_(part);  // only the board changes `work_`, and never after Open
+        lock.lock();
+        part.state = ReadPart::State::Done;
+        changed_.notify_all();
+    }
+
     std::mutex mutex_;
-    std::condition_variable ready_;
-    std::deque<PoCatalog> parts_;
-    bool finished_ = false;
+    std::condition_variable changed_;
+    std::deque<std::unique_ptr<ReadPart>> parts_;
+    Work work_;
+    bool finished_ = false, closed_ = false;
     std::exception_ptr error_;
 };
 
 // What a plan no longer needs once every part of the PO file is planned.
 // The reading thread, idle by then, releases it while the plan is finished.
 struct Leftovers {
-    std::deque<PoMessage> messages;
-    std::deque<Translated> translated;
-    std::unordered_map<std::uint32_t, std::size_t> plannedAt;
+    std::deque<std::unique_ptr<ReadPart>> parts;
+    std::unordered_map<std::uint32_t, const Translated*> plannedAt;
 };
 using LeftoversPromise = std::promise<std::unique_ptr<Leftovers>>;
 
@@ -308,11 +382,12 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     // The PO file is read on a second thread, part by part, while the ROM's
     // side is prepared; each part read is worked out here while the next is
     // read. A third thread scans the image for what moved texts need as soon
-    // as the image is in memory. A PO file that cannot be read is reported
-    // first, as when read first.
-    std::unique_ptr<RomSide> side;  // outlives the scanning thread
+    // as the image is in memory. Both help work parts out once done with
+    // their own. A PO file that cannot be read is reported first, as when
+    // read first.
+    std::unique_ptr<RomSide> side;  // outlives the other threads
     LeftoversPromise leftovers;
-    PartQueue parts;
+    PartBoard parts;
     const std::future<void> reading =
         std::async(std::launch::async, [&request, &parts, released = leftovers.get_future()]() mutable {
             try {
@@ -322,19 +397,29 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
                 parts.Finish(std::current_exception());
                 return;  // the plan stops at the error
             }
+            parts.Help();
             released.get();  // freed here
         });
     HandOver handOver(leftovers);  // before the reading thread is waited for
+    struct Closing {
+        PartBoard& parts;
+        ~Closing() { parts.Close(); }
+    } closing{parts};  // helpers leave however the plan ends
     try {
         side = std::make_unique<RomSide>(request, progress);
     } catch (...) {
-        while (parts.Next()) {
-        }
+        parts.WaitRead();
         throw;
     }
-    std::future<RomScan> scanned = std::async(std::launch::async, [&request, rom = side.get()] {
+    parts.Open([&request, rom = side.get()](ReadPart& part) {
+        part.translated.reserve(part.catalog.messages.size());
+        for (const PoMessage& message : part.catalog.messages) part.translated.push_back(Translate(message, *rom, request));
+    });
+    std::future<RomScan> scanned = std::async(std::launch::async, [&request, &parts, rom = side.get()] {
         NoProgress quiet;  // progress is shown on the planning thread
-        return RomScan(*rom, request, quiet);
+        RomScan scan(*rom, request, quiet);
+        parts.Help();
+        return scan;
     });
     const std::string_view image = side->image;
     const std::string& code = side->code;
@@ -351,18 +436,19 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         plan.refusals.push_back({context, std::move(reason)});
     };
 
-    PoCatalog catalog;                  // the header; the messages stand in `messages`
-    std::deque<PoMessage> messages;     // in the file's order; a deque keeps them in place as parts come
-    std::deque<Translated> translated;  // one per message
+    PoCatalog catalog;  // the header; the messages stay in their parts
     Ranges written(image.size());
-    std::unordered_map<std::uint32_t, std::size_t> plannedAt;  // offset: the message whose text goes there
+    std::unordered_map<std::uint32_t, const Translated*> plannedAt;  // offset: the text that goes there
     std::vector<Move> moves;
     std::vector<BytesAt> pending;  // new bytes; the old ones are read from the image when they are joined
     std::vector<std::string_view> originals;  // the old text of each change
+    // At most one change per entry's text: no change moves once made.
+    plan.changes.reserve(texts.size());
+    pending.reserve(texts.size());
+    originals.reserve(texts.size());
     // Messages are planned in the file's order: of two that claim the same
     // bytes, the first one read wins.
-    auto planMessage = [&](std::size_t m) {
-        const PoMessage& message = messages[m];
+    auto planMessage = [&](const PoMessage& message, Translated& tr) {
         if (message.str.empty()) {
             ++plan.untranslated;
             return;
@@ -371,7 +457,6 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             ++plan.fuzzy;
             return;
         }
-        Translated& tr = translated[m];
         if (tr.text == Translated::kNoText) {
             const auto found = byContext.find(message.context);
             if (found == byContext.end())
@@ -382,7 +467,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
         }
         const EntryText& t = texts[tr.text];
         if (auto planned = plannedAt.find(t.offset); planned != plannedAt.end()) {
-            if (translated[planned->second].newText == tr.newText)
+            if (planned->second->newText == tr.newText)
                 ++plan.unchanged;
             else
                 refuse(t.context, "another entry with the same offset " + PlainHex(t.offset) + " gets another text");
@@ -402,7 +487,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             return;
         }
         written.Add(t.offset, end);
-        plannedAt.emplace(t.offset, m);
+        plannedAt.emplace(t.offset, &tr);
         if (tr.kind == ImportKind::Grown) taken.push_back({t.offset, end + 1});
         if (tr.kind == ImportKind::Moved)
             moves.push_back({plan.changes.size(), pending.size(), &t, std::move(tr.encoded.bytes)});
@@ -420,18 +505,16 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
 
     {
         ProgressStage stage(progress, "Planning the import", 0);
-        while (std::optional<PoCatalog> part = parts.Next()) {
-            if (catalog.header.empty()) catalog.header = std::move(part->header);
-            const std::size_t from = messages.size();
-            std::move(part->messages.begin(), part->messages.end(), std::back_inserter(messages));
-            for (std::size_t m = from; m < messages.size(); ++m) translated.push_back(Translate(messages[m], *side, request));
-            for (std::size_t m = from; m < messages.size(); ++m) {
-                if (m % 1024 == 0) stage.Step(m);
-                planMessage(m);
+        std::size_t planned = 0;
+        for (std::size_t k = 0; ReadPart* part = parts.Worked(k); ++k) {
+            if (catalog.header.empty()) catalog.header = std::move(part->catalog.header);
+            for (std::size_t m = 0; m < part->catalog.messages.size(); ++m, ++planned) {
+                if (planned % 1024 == 0) stage.Step(planned);
+                planMessage(part->catalog.messages[m], part->translated[m]);
             }
         }
     }
-    handOver(std::make_unique<Leftovers>(Leftovers{std::move(messages), std::move(translated), std::move(plannedAt)}));
+    handOver(std::make_unique<Leftovers>(Leftovers{parts.TakeParts(), std::move(plannedAt)}));
     const std::string poCode = HeaderField(catalog, kGameCodeField);
     if (!poCode.empty() && poCode != Latin1ToUtf8(code))
         throw PoError("The PO file was exported from the game " + poCode + ", not from this ROM (" +
