@@ -10,6 +10,7 @@ namespace quillon {
 std::vector<OffsetEntry> ReadOffsetEntries(std::string_view fileText) {
     ini::IniDocument doc{std::string(fileText)};
     std::vector<OffsetEntry> entries;
+    entries.reserve(static_cast<std::size_t>(std::count(fileText.begin(), fileText.end(), '\n')) + 1);  // a line each at most
     std::unordered_set<std::string> sectionsSeen;
     std::unordered_set<std::string> keysSeen;
     for (const auto& section : doc.Sections()) {

@@ -11,7 +11,10 @@
 #include <csetjmp>
 #include <cstdlib>
 #include <iterator>
+#include <cstring>
 #include <memory>
+#include <memory_resource>
+#include <string_view>
 #include <unordered_set>
 
 #include <sys/mman.h>
@@ -229,6 +232,7 @@ std::vector<Part> SplitAtEntries(std::string text) {
 constexpr std::string_view kNulMark = "\\377\\376", kNulBytes = "\xFF\xFE";
 
 bool MarkNulEscapes(std::string& text) {
+    if (text.find("\\0") == std::string::npos && text.find("\\x") == std::string::npos) return false;
     bool marked = false;
     for (std::size_t line = 0; line < text.size();) {
         std::size_t end = text.find('\n', line);
@@ -372,7 +376,17 @@ void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalo
 
     // Each part's messages are handed over once read; a message read twice
     // across parts is refused as the library refuses it within one.
-    std::unordered_set<std::string> names;
+    // Their names ("context \4 id") are kept in one arena rather than a string each.
+    std::pmr::monotonic_buffer_resource arena;
+    std::pmr::unordered_set<std::string_view> names(&arena);
+    auto isNew = [&](const char* context, const char* id) {
+        const std::string_view c = context ? context : "\x01", i = id;
+        char* key = static_cast<char*>(arena.allocate(c.size() + 1 + i.size(), 1));
+        std::memcpy(key, c.data(), c.size());
+        key[c.size()] = '\x04';
+        std::memcpy(key + c.size() + 1, i.data(), i.size());
+        return names.insert(std::string_view(key, c.size() + 1 + i.size())).second;
+    };
     for (std::size_t p = 0; p < std::max<std::size_t>(parts.size(), 1); ++p) {
         MemoryFile memory;
         ComplaintScope scope;
@@ -400,7 +414,7 @@ void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalo
                 const char* context = po_message_msgctxt(m);
                 const char* id = po_message_msgid(m);
                 if (po_message_is_obsolete(m) || (!context && id[0] == '\0')) continue;
-                if (parts.size() > 1 && !names.insert(std::string(context ? context : "\x01") + '\x04' + id).second) {
+                if (parts.size() > 1 && !isNew(context, id)) {
                     po_message_iterator_free(it);
                     throw PoError("The PO file could not be read: " + path.string() +
                                   ": duplicate message definition of \"" + (context ? context : "") + "\" \"" + id + "\"");
