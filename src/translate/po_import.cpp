@@ -253,23 +253,37 @@ std::size_t ImportPlan::Count(ImportKind kind) const {
         std::count_if(changes.begin(), changes.end(), [kind](const ImportChange& c) { return c.kind == kind; }));
 }
 
+// The ROM as the plan reads it: its bytes and its game's free byte.
+struct RomImage {
+    explicit RomImage(const std::filesystem::path& path)
+        : stamp(io::FileStamp::Of(path)),
+          rom(path),
+          image(rom.View()),
+          code(image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string_view()),
+          freeByte(FreeRun(code, 1)[0]) {
+        if (stamp != io::FileStamp::Of(path)) stamp.reset();  // changed while it was read
+    }
+
+    std::optional<io::FileStamp> stamp;  // of the file as `image` holds it; nothing when unknown
+    io::FileCopy rom;
+    std::string_view image;
+    std::string code;
+    char freeByte;
+};
+
 // What the plan needs first of the ROM and the offset file: the entries'
 // texts and their names, and to reflow the texts, the game model, the font
 // and the texts' boxes. It is made while the PO file is read.
 struct RomSide {
-    RomSide(const ImportRequest& request, Progress& progress)
-        : stamp(io::FileStamp::Of(request.rom)),
-          rom(request.rom),
-          image(rom.View()),
+    RomSide(const RomImage& rom, const ImportRequest& request, Progress& progress)
+        : image(rom.image),
+          code(rom.code),
           offsetText(io::ReadAll(request.offsetFile)),
           entries(ReadOffsetEntries(offsetText)),
-          code(image.size() >= 0xB0 ? image.substr(0xAC, 4) : std::string_view()),
-          freeByte(FreeRun(code, 1)[0]),
-          texts(LoadEntryTexts(image, entries, freeByte, progress)) {
-        if (stamp != io::FileStamp::Of(request.rom)) stamp.reset();  // changed while it was read
+          texts(LoadEntryTexts(image, entries, rom.freeByte, progress)) {
         if (request.reflow) {
-            model = stamp ? repoint::ModelOf(*stamp, image)
-                          : std::make_shared<const game::GameModel>(game::GameModel::Read(image));
+            model = rom.stamp ? repoint::ModelOf(*rom.stamp, image)
+                              : std::make_shared<const game::GameModel>(game::GameModel::Read(image));
             font = fit::LocateFont(image, request.fit.named, model->Pointers());
             boxes = fit::TextBoxes::Read(image, *model, false, font.font ? &*font.font : nullptr);
         }
@@ -281,13 +295,10 @@ struct RomSide {
         }
     }
 
-    std::optional<io::FileStamp> stamp;  // of the file as `image` holds it; nothing when unknown
-    io::FileCopy rom;
     std::string_view image;
+    std::string_view code;
     std::string offsetText;
     std::vector<OffsetEntry> entries;
-    std::string code;
-    char freeByte;
     std::vector<EntryText> texts;  // point into `entries`
     // Read first when the texts are reflowed; else beside the PO file's reading.
     std::shared_ptr<const game::GameModel> model;
@@ -303,22 +314,23 @@ struct RomSide {
 // for the file as it was read serves as it is; else it is read here, for the
 // references alone when no font is found, as no width is measured then.
 struct RomScan {
-    RomScan(const RomSide& side, const ImportRequest& request, Progress& progress)
-        : freeSpace(side.image, side.freeByte,
+    // `side`: the texts' side when it read the model first, else null.
+    RomScan(const RomImage& rom, const RomSide* side, const ImportRequest& request, Progress& progress)
+        : freeSpace(rom.image, rom.freeByte,
                     std::max<std::uint64_t>(static_cast<std::uint64_t>(std::max(request.freeSpaceOffset, 1) - 1),
                                             kLowestPointable),
-                    std::uint64_t{HighestPointable(side.image.size())} + 1, progress) {
-        if (side.model) {
-            model = side.model, font = side.font, boxes = side.boxes;
+                    std::uint64_t{HighestPointable(rom.image.size())} + 1, progress) {
+        if (side && side->model) {
+            model = side->model, font = side->font, boxes = side->boxes;
             return;
         }
-        model = side.stamp ? repoint::KeptModel(*side.stamp) : nullptr;
-        game::PointerIndex pointers = model ? game::PointerIndex() : game::PointerIndex(side.image);
-        font = fit::LocateFont(side.image, request.fit.named, model ? model->Pointers() : pointers);
+        model = rom.stamp ? repoint::KeptModel(*rom.stamp) : nullptr;
+        game::PointerIndex pointers = model ? game::PointerIndex() : game::PointerIndex(rom.image);
+        font = fit::LocateFont(rom.image, request.fit.named, model ? model->Pointers() : pointers);
         if (!model)
             model = std::make_shared<const game::GameModel>(game::GameModel::Read(
-                side.image, font.font ? game::ModelParts::All : game::ModelParts::References, std::move(pointers)));
-        if (font.font) boxes = fit::TextBoxes::Read(side.image, *model, false, &*font.font);
+                rom.image, font.font ? game::ModelParts::All : game::ModelParts::References, std::move(pointers)));
+        if (font.font) boxes = fit::TextBoxes::Read(rom.image, *model, false, &*font.font);
     }
 
     FreeSpace freeSpace;
@@ -382,10 +394,11 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     // The PO file is read on a second thread, part by part, while the ROM's
     // side is prepared; each part read is worked out here while the next is
     // read. A third thread scans the image for what moved texts need as soon
-    // as the image is in memory. Both help work parts out once done with
-    // their own. A PO file that cannot be read is reported first, as when
-    // read first.
-    std::unique_ptr<RomSide> side;  // outlives the other threads
+    // as the image is in memory (when texts are reflowed, once the model
+    // they need is read). Both help work parts out once done with their own.
+    // A PO file that cannot be read is reported first, as when read first.
+    std::unique_ptr<RomImage> rom;   // these two outlive the other threads
+    std::unique_ptr<RomSide> side;
     LeftoversPromise leftovers;
     PartBoard parts;
     const std::future<void> reading =
@@ -401,28 +414,34 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             released.get();  // freed here
         });
     HandOver handOver(leftovers);  // before the reading thread is waited for
+    std::future<RomScan> scanned;
     struct Closing {
         PartBoard& parts;
         ~Closing() { parts.Close(); }
-    } closing{parts};  // helpers leave however the plan ends
+    } closing{parts};  // helpers leave however the plan ends, before they are waited for
+    auto startScan = [&] {
+        scanned = std::async(std::launch::async, [&request, &parts, image = rom.get(), texts = side.get()] {
+            NoProgress quiet;  // progress is shown on the planning thread
+            RomScan result(*image, texts, request, quiet);
+            parts.Help();
+            return result;
+        });
+    };
     try {
-        side = std::make_unique<RomSide>(request, progress);
+        rom = std::make_unique<RomImage>(request.rom);
+        if (!request.reflow) startScan();
+        side = std::make_unique<RomSide>(*rom, request, progress);
     } catch (...) {
         parts.WaitRead();
         throw;
     }
-    parts.Open([&request, rom = side.get()](ReadPart& part) {
+    parts.Open([&request, texts = side.get()](ReadPart& part) {
         part.translated.reserve(part.catalog.messages.size());
-        for (const PoMessage& message : part.catalog.messages) part.translated.push_back(Translate(message, *rom, request));
+        for (const PoMessage& message : part.catalog.messages) part.translated.push_back(Translate(message, *texts, request));
     });
-    std::future<RomScan> scanned = std::async(std::launch::async, [&request, &parts, rom = side.get()] {
-        NoProgress quiet;  // progress is shown on the planning thread
-        RomScan scan(*rom, request, quiet);
-        parts.Help();
-        return scan;
-    });
+    if (request.reflow) startScan();
     const std::string_view image = side->image;
-    const std::string& code = side->code;
+    const std::string_view code = side->code;
     const std::vector<EntryText>& texts = side->texts;
     const auto& byContext = side->byContext;
     std::vector<FreeSpace::Range>& taken = side->taken;
