@@ -167,7 +167,11 @@ public:
         }
         ReadPart& part = *parts_[k];
         if (part.state == ReadPart::State::Read) WorkOn(part, lock);
-        changed_.wait(lock, [&] { return part.state == ReadPart::State::Done; });
+        // While a helper finishes it, the latest waiting parts are worked out here.
+        while (part.state != ReadPart::State::Done) {
+            if (ReadPart* waiting = LatestWaiting()) WorkOn(*waiting, lock);
+            else changed_.wait(lock);
+        }
         return &part;
     }
 
@@ -178,11 +182,9 @@ public:
         while (true) {
             ReadPart* waiting = nullptr;
             changed_.wait(lock, [&] {
-                waiting = nullptr;
                 if (closed_) return true;
                 if (!work_) return false;
-                for (auto it = parts_.rbegin(); it != parts_.rend() && !waiting; ++it)
-                    if ((*it)->state == ReadPart::State::Read) waiting = it->get();
+                waiting = LatestWaiting();
                 return waiting || finished_;
             });
             if (closed_ || !waiting) return;
@@ -196,6 +198,12 @@ public:
     }
 
 private:
+    // Called with the lock held.
+    ReadPart* LatestWaiting() {
+        for (auto it = parts_.rbegin(); it != parts_.rend(); ++it)
+            if ((*it)->state == ReadPart::State::Read) return it->get();
+        return nullptr;
+    }
     // Called with the lock held; works without it.
     void WorkOn(ReadPart& part, std::unique_lock<std::mutex>& lock) {
         part.state = ReadPart::State::Working;
