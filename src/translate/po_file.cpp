@@ -402,6 +402,14 @@ void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalo
                           (scope.complaints.first.empty() ? path.string() : scope.complaints.first));
 
         PoCatalog catalog;
+        if (!parts.empty()) {
+            // About a message per "msgstr" line; reserved once, not grown message by message.
+            const std::string_view text = parts[p].text;
+            std::size_t lines = 0;
+            for (std::size_t at = text.find("\nmsgstr"); at != std::string_view::npos; at = text.find("\nmsgstr", at + 1))
+                ++lines;
+            catalog.messages.reserve(lines);
+        }
         if (p == 0) {
             // The library hands out a copy of the header, which the caller frees.
             const std::unique_ptr<const char, void (*)(const char*)> header(

@@ -296,8 +296,9 @@ struct RomSide {
             boxes = fit::TextBoxes::Read(image, *model, false, font.font ? &*font.font : nullptr);
         }
         byContext.reserve(texts.size());
+        firstOfName.resize(texts.size());
         for (std::size_t i = 0; i < texts.size(); ++i) {
-            byContext.emplace(texts[i].context, i);
+            firstOfName[i] = byContext.emplace(texts[i].context, i).second;
             if (texts[i].problem.empty())
                 taken.push_back({texts[i].offset, texts[i].offset + texts[i].bytes.size() + 1});
         }
@@ -313,7 +314,17 @@ struct RomSide {
     fit::FontResult font;
     fit::TextBoxes boxes;
     std::unordered_map<std::string_view, std::size_t> byContext;  // entry name: index into `texts`
+    std::vector<bool> firstOfName;                                // the entry `byContext` names
     std::vector<FreeSpace::Range> taken;                          // the texts' bytes and terminators
+
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    // The entry of that name, or kNone. A file exported from the offset file
+    // lists the entries in its order, so the one at `hint` is tried first.
+    [[nodiscard]] std::size_t IndexOf(std::string_view context, std::size_t hint) const {
+        if (hint < texts.size() && firstOfName[hint] && texts[hint].context == context) return hint;
+        const auto found = byContext.find(context);
+        return found == byContext.end() ? kNone : found->second;
+    }
 };
 
 // What moved texts need: the game model, which knows every place that holds
@@ -351,13 +362,17 @@ namespace {
 
 // Works out one message against the entry it names: its text, whether it is
 // the current one, its bytes and what lands at the text's place.
-Translated Translate(const PoMessage& message, const RomSide& side, const ImportRequest& request) {
+// `next`: the entry after the one the message before named, where this
+// message's entry most likely stands; updated.
+Translated Translate(const PoMessage& message, const RomSide& side, const ImportRequest& request, std::size_t& next) {
     Translated tr;
     if (message.str.empty() || message.fuzzy) return tr;
-    const auto found = side.byContext.find(message.context);
-    if (found == side.byContext.end() || !side.texts[found->second].problem.empty()) return tr;
-    const EntryText& t = side.texts[found->second];
-    tr.text = found->second;
+    const std::size_t at = side.IndexOf(message.context, next);
+    if (at == RomSide::kNone) return tr;
+    next = at + 1;
+    if (!side.texts[at].problem.empty()) return tr;
+    const EntryText& t = side.texts[at];
+    tr.text = at;
     tr.newText = FromPoText(message.str);
     tr.encoded = EncodeForImport(tr.newText, SavedAsSpecialDialog(t.bytes));
     if (side.model && side.font.font && tr.encoded.refusal.empty()) {
@@ -445,7 +460,9 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     }
     parts.Open([&request, texts = side.get()](ReadPart& part) {
         part.translated.reserve(part.catalog.messages.size());
-        for (const PoMessage& message : part.catalog.messages) part.translated.push_back(Translate(message, *texts, request));
+        std::size_t next = RomSide::kNone;
+        for (const PoMessage& message : part.catalog.messages)
+            part.translated.push_back(Translate(message, *texts, request, next));
     });
     if (request.reflow) startScan();
     const std::string_view image = side->image;
