@@ -146,6 +146,19 @@ TEST_F(ImportKinds, EachKindWritesWhatASaveWouldWrite) {
     EXPECT_NE(before, rom);
 }
 
+// "A/B/C" names two entries; the second stands right after the entry that
+// the message before names, where a message's entry is looked for first.
+TEST_F(ImportKinds, AMessageWritesTheFirstEntryOfItsName) {
+    WriteFile(s.offsets, "[A/B]\r\nC=100000\r\n[Q]\r\nR=100010\r\n[A]\r\nB/C=100020\r\n");
+    s.WriteTranslations({Translated("Q/R", "Bye"), Translated("A/B/C", "Jello")});
+    const ImportPlan plan = s.Plan();
+    ASSERT_EQ(plan.changes.size(), 2u) << DescribePlan(plan);
+    ASSERT_EQ(ApplyImport(plan).outcome, CommitOutcome::Written);
+    const std::string rom = ReadFile(s.rom);
+    EXPECT_EQ(rom.substr(0x100000, Stored("Jello").size()), Stored("Jello"));
+    EXPECT_EQ(rom.substr(0x100020, Stored("Hi").size()), Stored("Hi"));
+}
+
 TEST_F(ImportKinds, RefusalsNameTheirReasonAndWriteNothingForThoseTexts) {
     WriteFile(s.offsets, "[A]\r\nSame=100000\r\nShort=100010\r\nMove=100030\r\nYo=100050\r\nLow=F0000\r\n"
                          "Head=20\r\nPast=900000\r\nGrow=100020\r\nInside=100021\r\nZero=100060\r\nLong=100070\r\n");
