@@ -11,7 +11,6 @@
 #include <csetjmp>
 #include <cstdlib>
 #include <iterator>
-#include <cstring>
 #include <memory>
 #include <memory_resource>
 #include <string_view>
@@ -378,14 +377,11 @@ void ReadPo(const std::filesystem::path& path, const std::function<void(PoCatalo
     // across parts is refused as the library refuses it within one.
     // Their names ("context \4 id") are kept in one arena rather than a string each.
     std::pmr::monotonic_buffer_resource arena;
-    std::pmr::unordered_set<std::string_view> names(&arena);
+    std::pmr::unordered_set<std::pmr::string> names(&arena);
     auto isNew = [&](const char* context, const char* id) {
-        const std::string_view c = context ? context : "\x01", i = id;
-        char* key = static_cast<char*>(arena.allocate(c.size() + 1 + i.size(), 1));
-        std::memcpy(key, c.data(), c.size());
-        key[c.size()] = '\x04';
-        std::memcpy(key + c.size() + 1, i.data(), i.size());
-        return names.insert(std::string_view(key, c.size() + 1 + i.size())).second;
+        std::pmr::string key(&arena);
+        key.append(context ? context : "\x01").append(1, '\x04').append(id);
+        return names.insert(std::move(key)).second;
     };
     for (std::size_t p = 0; p < std::max<std::size_t>(parts.size(), 1); ++p) {
         MemoryFile memory;

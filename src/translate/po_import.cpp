@@ -283,17 +283,16 @@ struct RomImage {
 // texts and their names, and to reflow the texts, the game model, the font
 // and the texts' boxes. It is made while the PO file is read.
 struct RomSide {
-    RomSide(const RomImage& rom, const ImportRequest& request, Progress& progress)
-        : image(rom.image),
-          code(rom.code),
+    RomSide(const RomImage& image, const ImportRequest& request, Progress& progress)
+        : rom(image),
           offsetText(io::ReadAll(request.offsetFile)),
           entries(ReadOffsetEntries(offsetText)),
-          texts(LoadEntryTexts(image, entries, rom.freeByte, progress)) {
+          texts(LoadEntryTexts(rom.image, entries, rom.freeByte, progress)) {
         if (request.reflow) {
-            model = rom.stamp ? repoint::ModelOf(*rom.stamp, image)
-                              : std::make_shared<const game::GameModel>(game::GameModel::Read(image));
-            font = fit::LocateFont(image, request.fit.named, model->Pointers());
-            boxes = fit::TextBoxes::Read(image, *model, false, font.font ? &*font.font : nullptr);
+            model = rom.stamp ? repoint::ModelOf(*rom.stamp, rom.image)
+                              : std::make_shared<const game::GameModel>(game::GameModel::Read(rom.image));
+            font = fit::LocateFont(rom.image, request.fit.named, model->Pointers());
+            boxes = fit::TextBoxes::Read(rom.image, *model, false, font.font ? &*font.font : nullptr);
         }
         byContext.reserve(texts.size());
         firstOfName.resize(texts.size());
@@ -304,8 +303,7 @@ struct RomSide {
         }
     }
 
-    std::string_view image;
-    std::string_view code;
+    const RomImage& rom;
     std::string offsetText;
     std::vector<OffsetEntry> entries;
     std::vector<EntryText> texts;  // point into `entries`
@@ -390,7 +388,7 @@ Translated Translate(const PoMessage& message, const RomSide& side, const Import
     const std::size_t oldLength = t.bytes.size();
     tr.newLength = tr.encoded.bytes.size();
     if (t.entry->fixed) {
-        NameWrite name = WriteName(side.image.substr(t.offset, t.entry->fixed->bytes), tr.encoded.bytes, *t.entry->fixed);
+        NameWrite name = WriteName(side.rom.image.substr(t.offset, t.entry->fixed->bytes), tr.encoded.bytes, *t.entry->fixed);
         tr.kind = tr.newLength < oldLength ? ImportKind::Shorter : tr.newLength == oldLength ? ImportKind::InPlace : ImportKind::Grown;
         tr.encoded.refusal = std::move(name.refusal);
         tr.after = std::move(name.bytes);
@@ -406,7 +404,7 @@ Translated Translate(const PoMessage& message, const RomSide& side, const Import
         tr.after += '\xFF';
     } else {
         tr.kind = ImportKind::Moved;
-        tr.after = FreeRun(side.code, oldLength + 1);
+        tr.after = FreeRun(side.rom.code, oldLength + 1);
     }
     return tr;
 }
@@ -465,8 +463,8 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
             part.translated.push_back(Translate(message, *texts, request, next));
     });
     if (request.reflow) startScan();
-    const std::string_view image = side->image;
-    const std::string_view code = side->code;
+    const std::string_view image = rom->image;
+    const std::string& code = rom->code;
     const std::vector<EntryText>& texts = side->texts;
     const auto& byContext = side->byContext;
     std::vector<FreeSpace::Range>& taken = side->taken;
@@ -486,7 +484,7 @@ ImportPlan PlanImport(const ImportRequest& request, Progress& progress) {
     std::vector<Move> moves;
     std::vector<BytesAt> pending;  // new bytes; the old ones are read from the image when they are joined
     std::vector<std::string_view> originals;  // the old text of each change
-    // At most one change per entry's text: no change moves once made.
+    // At most one change per entry's text.
     plan.changes.reserve(texts.size());
     pending.reserve(texts.size());
     originals.reserve(texts.size());
